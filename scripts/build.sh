@@ -1,0 +1,7 @@
+#!/usr/bin/env bash
+# Configures and builds the full build into build/ (binaries in build/bin,
+# libraries in build/lib).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake --build build

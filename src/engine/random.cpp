@@ -1,0 +1,60 @@
+#include "engine/random.h"
+
+#include <ctime>
+#include <random>
+
+namespace {
+
+// std::mt19937 is the published mt19937ar generator, and its one-value
+// constructor is the published init_genrand seeding.
+std::mt19937& State()
+{
+    static std::mt19937 state(5489u);
+    return state;
+}
+
+std::optional<std::uint32_t>& FixedSeedSlot()
+{
+    static std::optional<std::uint32_t> seed;
+    return seed;
+}
+
+} // namespace
+
+FZRandom::FZRandom()
+{
+    if (const auto fixed = FixedSeedSlot())
+        Seed(*fixed);
+    else
+        Seed(static_cast<std::uint32_t>(std::time(nullptr)));
+}
+
+std::uint32_t FZRandom::Next()
+{
+    return static_cast<std::uint32_t>(State()());
+}
+
+double FZRandom::Uniform()
+{
+    return Next() * (1.0 / 4294967296.0);
+}
+
+double FZRandom::Between(double a, double b)
+{
+    return a + (b - a) * Uniform();
+}
+
+void FZRandom::Seed(std::uint32_t seed)
+{
+    State().seed(seed);
+}
+
+void FZRandom::SetFixedSeed(std::optional<std::uint32_t> seed)
+{
+    FixedSeedSlot() = seed;
+}
+
+std::optional<std::uint32_t> FZRandom::FixedSeed()
+{
+    return FixedSeedSlot();
+}

@@ -1,0 +1,35 @@
+// The module's random numbers: one MT19937 state (the published mt19937ar
+// generator with its published seeding by one 32-bit value) shared by the
+// random colours and the groove noise.
+//
+// Constructing an FZRandom reseeds that shared state with the calendar time
+// in whole seconds, or with the fixed seed when one is set (reproducible runs
+// of the tools, and tests). Draws take one 32-bit output x and give
+// x * 2^-32, in [0, 1).
+#ifndef TAMERISK_ENGINE_RANDOM_H
+#define TAMERISK_ENGINE_RANDOM_H
+
+#include <cstdint>
+#include <optional>
+
+class FZRandom {
+public:
+    FZRandom();
+
+    // One 32-bit output of the shared state.
+    static std::uint32_t Next();
+    // x * 2^-32 for the next output x: in [0, 1).
+    static double Uniform();
+    // a + (b - a) * Uniform().
+    static double Between(double a, double b);
+
+    // Seeds the shared state with the published mt19937ar seeding.
+    static void Seed(std::uint32_t seed);
+
+    // While a fixed seed is set, constructing an FZRandom seeds with it
+    // instead of the time. std::nullopt goes back to the time.
+    static void SetFixedSeed(std::optional<std::uint32_t> seed);
+    static std::optional<std::uint32_t> FixedSeed();
+};
+
+#endif

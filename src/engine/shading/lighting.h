@@ -1,0 +1,21 @@
+// Surface lighting: turns a prepared layer into its shaded colour image.
+#ifndef TAMERISK_ENGINE_SHADING_LIGHTING_H
+#define TAMERISK_ENGINE_SHADING_LIGHTING_H
+
+#include "engine/scene.h"
+
+// Shades the layer with the view direction and the lights (may be null: no
+// lights). 0; -11 for an empty layer; -2 when an image or map cannot be had.
+int ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLight>* lights);
+
+void DiffuseTerm(const FZAttributeEx& material, const FZPackedVector& normal,
+                 const FZPackedVector& lightDir, const float lightColor[3], float out[3]);
+float HighlightTerm(const FZLayer& layer, float px, float py, float depth, const FZPackedVector& normal,
+                    const FZPackedVector& lightDir, const FZPackedVector& view);
+float SmoothHighlightTerm(const FZLayer& layer, int x, int y, int n, float boxWidth,
+                          const FZPackedVector& lightDir, const FZPackedVector& view);
+FZPackedVector FilteredNormal(const FZLayer& layer, float sx, float sy, float boxWidth);
+void RainbowGloss(float spacing, float index, const FZPackedVector& lightDir, const FZPackedVector& normal,
+                  float out[3]);
+
+#endif

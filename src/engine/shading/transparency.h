@@ -1,0 +1,10 @@
+// Pixel transparency: a covered pixel's shaded colour and its transmission.
+#ifndef TAMERISK_ENGINE_SHADING_TRANSPARENCY_H
+#define TAMERISK_ENGINE_SHADING_TRANSPARENCY_H
+
+#include "engine/scene.h"
+
+// colour: three floats in [0, 1]; t: transmission in [0, 1].
+void LookupShade(const FZLayer& layer, int x, int y, float colour[3], float& t);
+
+#endif

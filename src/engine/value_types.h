@@ -1,0 +1,80 @@
+// The engine's small value types: FZColor and FZPackedVector (declared with
+// the material record, which embeds them), FZRect, FZFloatGrid with its
+// separable tent filter, and FZSmoothStep.
+//
+// Arithmetic: double-precision intermediates, single-precision floats stored,
+// every float-to-integer conversion truncated toward zero (FZTruncate).
+#ifndef TAMERISK_ENGINE_VALUE_TYPES_H
+#define TAMERISK_ENGINE_VALUE_TYPES_H
+
+#include <cstdint>
+
+#include <tamerisk/attribute.h>
+
+// An inclusive integer rectangle; row numbering as in the image it refers to
+// (row 0 at the bottom). Empty when x0 > x1 or y0 > y1.
+struct FZRect {
+    std::int32_t x0 = 0x10000;
+    std::int32_t y0 = 0x10000;
+    std::int32_t x1 = -1;
+    std::int32_t y1 = -1;
+
+    FZRect() = default;
+    FZRect(std::int32_t ax0, std::int32_t ay0, std::int32_t ax1, std::int32_t ay1)
+        : x0(ax0), y0(ay0), x1(ax1), y1(ay1) {}
+
+    void SetEmpty() { *this = FZRect(); }
+    void Set(std::int32_t ax0, std::int32_t ay0, std::int32_t ax1, std::int32_t ay1)
+    {
+        x0 = ax0; y0 = ay0; x1 = ax1; y1 = ay1;
+    }
+    void Get(std::int32_t& ax0, std::int32_t& ay0, std::int32_t& ax1, std::int32_t& ay1) const
+    {
+        ax0 = x0; ay0 = y0; ax1 = x1; ay1 = y1;
+    }
+    void SetFromSize(std::int32_t w, std::int32_t h) { Set(0, 0, w - 1, h - 1); }
+    // x1 - x0 + 1 and y1 - y0 + 1 (computed in 64 bits, so the empty marker
+    // gives -65536 without overflow).
+    void GetSize(std::int32_t& w, std::int32_t& h) const
+    {
+        w = static_cast<std::int32_t>(std::int64_t{x1} - x0 + 1);
+        h = static_cast<std::int32_t>(std::int64_t{y1} - y0 + 1);
+    }
+    bool IsEmpty() const { return x0 > x1 || y0 > y1; }
+
+    // Clips to the bounds. Returns false as soon as the x range is empty
+    // (the y values then stay as they were), else whether y0 <= y1.
+    bool ClipTo(std::int32_t bx0, std::int32_t by0, std::int32_t bx1, std::int32_t by1);
+    bool Intersect(const FZRect& other) { return ClipTo(other.x0, other.y0, other.x1, other.y1); }
+};
+
+// A non-owning view of a float raster: height row pointers of width floats.
+struct FZFloatGrid {
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    float** rows = nullptr;
+
+    FZFloatGrid() = default;
+    FZFloatGrid(std::int32_t w, std::int32_t h, float** r) : width(w), height(h), rows(r) {}
+    void Clear() { width = 0; height = 0; rows = nullptr; }
+};
+
+// Smooths the grid in place with a separable tent filter of the given size
+// (half = size / 2, at least 1; 2 * half + 1 taps). Taps outside the grid are
+// dropped and not renormalised, so values near the border darken.
+// Returns 0, or -2 when a work buffer cannot be allocated.
+int FilterSeparable(FZFloatGrid& grid, int size);
+
+// A cubic ease from (x0, y0) to (x1, y1); not clamped outside that span.
+struct FZSmoothStep {
+    float a = 0.0f;
+    float b = 0.0f;
+    float x0 = 0.0f;
+    float y0 = 0.0f;
+    float invWidth = 0.0f;
+
+    void Setup(float ax0, float ay0, float ax1, float ay1);
+    double Evaluate(double x) const;
+};
+
+#endif
