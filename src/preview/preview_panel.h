@@ -1,0 +1,57 @@
+// The preview panel: the object behind control 4000 of every dialog. It owns
+// a small scene (a checkered ground layer and one sample layer), rebuilds the
+// sample layer for another sample shape, gives it the current material,
+// renders the frame and draws it into the control.
+//
+// The scene work needs no window: SetUpFrame builds the scene for a frame of
+// a given pixel size, which is how the command-line tools use the panel.
+// SetUp and Present bind it to a Qt control (preview_panel_qt.cpp).
+#ifndef TAMERISK_PREVIEW_PREVIEW_PANEL_H
+#define TAMERISK_PREVIEW_PREVIEW_PANEL_H
+
+#include <cstdint>
+
+#include <tamerisk/attribute.h>
+
+#include "engine/scene.h"
+
+class QWidget;
+
+class CPreviewPanel {
+public:
+    CPreviewPanel() = default;
+    virtual ~CPreviewPanel() { ReleaseScene(); }
+    CPreviewPanel(const CPreviewPanel&) = delete;
+    CPreviewPanel& operator=(const CPreviewPanel&) = delete;
+
+    // Builds the scene for the control's client size and renders the first
+    // frame. A null control returns 0 and does nothing.
+    int SetUp(QWidget* control);
+    // The same for a frame of w x h pixels, with no window. 0, -2, or the
+    // result of the scene set-up or of BuildSampleShape; -4 when w or h is
+    // below 1.
+    int SetUpFrame(std::int32_t w, std::int32_t h);
+
+    // Replaces the sample layer by shape n (1 to 4; others leave it empty),
+    // keeping its material and colour source, and renders.
+    int BuildSampleShape(std::int32_t n);
+    // Gives the sample layer the material (white when bind is 1), shades it
+    // and renders.
+    void ApplyMaterial(const FZAttributeEx& material, std::int32_t bind);
+    // Draws the last rendered frame into the control; nothing without a scene.
+    void Present(QWidget* control);
+
+    std::int32_t ShapeNumber() const { return shapeNumber; }
+    void ReleaseScene();
+
+    FZScene* Scene() { return scene; }
+    const FZScene* Scene() const { return scene; }
+
+private:
+    FZScene* scene = nullptr;
+    std::int32_t groundIndex = 0;
+    std::int32_t sampleIndex = 1;
+    std::int32_t shapeNumber = 1;
+};
+
+#endif
