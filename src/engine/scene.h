@@ -9,6 +9,7 @@
 #ifndef TAMERISK_ENGINE_SCENE_H
 #define TAMERISK_ENGINE_SCENE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -18,6 +19,41 @@
 #include "engine/environment.h"
 #include "engine/image.h"
 #include "engine/value_types.h"
+
+// Per-pixel row sets: h rows of w value-initialised entries, one allocation
+// per row. Null when memory runs out (nothing stays allocated then) or when
+// a size is negative. Never throws.
+template <typename T>
+T** FZNewRows(std::int32_t w, std::int32_t h)
+{
+    if (w < 0 || h < 0)
+        return nullptr;
+    T** rows = new (std::nothrow) T*[static_cast<std::size_t>(h)]();
+    if (rows == nullptr)
+        return nullptr;
+    for (std::int32_t y = 0; y < h; ++y) {
+        rows[y] = new (std::nothrow) T[static_cast<std::size_t>(w)]();
+        if (rows[y] == nullptr) {
+            for (std::int32_t i = 0; i < y; ++i)
+                delete[] rows[i];
+            delete[] rows;
+            return nullptr;
+        }
+    }
+    return rows;
+}
+
+// Frees h rows made by FZNewRows and sets the pointer to null.
+template <typename T>
+void FZDeleteRows(T**& rows, std::int32_t h)
+{
+    if (rows == nullptr)
+        return;
+    for (std::int32_t y = 0; y < h; ++y)
+        delete[] rows[y];
+    delete[] rows;
+    rows = nullptr;
+}
 
 // An owning array of pointers, grown by at least 10 slots at a time.
 // Items 0 to count - 1 belong to the array and are deleted with it.
@@ -165,15 +201,17 @@ public:
     FZLayer& operator=(const FZLayer&) = delete;
 
     // Replaces the contents by empty rows of w x h: coverage and depth 0,
-    // own colours black, colour source 1, visible. 0, or -2 when memory
-    // runs out (what was allocated stays and is released normally).
+    // own colours black, colour source 1, visible. 0; -2 when memory runs
+    // out and -4 for a negative size, the layer then being left released
+    // (empty, size 0), so no half-built layer is ever rendered.
     int Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base);
-    // Frees every row set and the shaded image; base depth, position and
-    // size back to 0.
+    // Frees every row set (highlight and normal rows included) and the
+    // shaded image; base depth, position and size back to 0.
     void Release();
     // Deep copy of the rows, material, colour source and visible flag (not
     // the normals, shaded image, highlight map, bounds or depth range).
-    // Assigning a layer to itself does nothing. 0, or -2 when out of memory.
+    // Assigning a layer to itself does nothing. 0, or -2 when out of memory
+    // (this layer is then left released).
     int Assign(const FZLayer& other);
 
     void SetMaterial(const FZAttributeEx& m) { material = m; }
@@ -211,7 +249,7 @@ public:
     FZScene& operator=(const FZScene&) = delete;
 
     // Clear, then empty lists and the camera looking down -z at the frame
-    // centre. 0 or -2.
+    // centre. 0, -2, or -4 for a negative size (the scene stays cleared).
     int Create(std::int32_t w, std::int32_t h);
     // Frees the images, both lists with their items; width and height 0.
     void Clear();

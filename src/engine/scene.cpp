@@ -1,0 +1,338 @@
+#include "engine/scene.h"
+
+#include <cstring>
+#include <new>
+
+#include "engine/fz_math.h"
+
+namespace {
+
+// A deep copy of h rows of w entries; true when there was nothing to copy.
+template <typename T>
+bool CopyRows(T**& target, T* const* source, std::int32_t w, std::int32_t h)
+{
+    if (source == nullptr)
+        return true;
+    target = FZNewRows<T>(w, h);
+    if (target == nullptr)
+        return false;
+    for (std::int32_t y = 0; y < h; ++y)
+        std::memcpy(target[y], source[y], sizeof(T) * static_cast<std::size_t>(w));
+    return true;
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------- FZLight
+
+void FZLight::SetDirectional(float i, const float dir[3], const float rgb[3])
+{
+    type = 1;
+    // A NaN intensity would pass both bounds; it becomes 0 (no light).
+    intensity = i < 0.0f || i != i ? 0.0f : (i > 1.0f ? 1.0f : i);
+    direction.SetFloats(dir, true);
+    for (int c = 0; c < 3; ++c)
+        color[c] = rgb[c];
+    on = 1;
+}
+
+void FZLight::Evaluate(float, float, float, float outColor[3], FZPackedVector& outDir) const
+{
+    // A directional light is the same everywhere, so the point plays no part.
+    outDir = direction;
+    for (int c = 0; c < 3; ++c)
+        outColor[c] = type == 1 ? static_cast<float>(static_cast<double>(intensity) * color[c]) : 0.0f;
+}
+
+// ---------------------------------------------------------------- FZCamera
+
+void FZCamera::SetEye(float x, float y, float z)
+{
+    eye[0] = x;
+    eye[1] = y;
+    eye[2] = z;
+    Update();
+}
+
+void FZCamera::SetTarget(float x, float y, float z)
+{
+    target[0] = x;
+    target[1] = y;
+    target[2] = z;
+    Update();
+}
+
+void FZCamera::Update()
+{
+    float d[3];
+    for (int c = 0; c < 3; ++c)
+        d[c] = static_cast<float>(static_cast<double>(target[c]) - eye[c]);
+    viewDirection.SetFloats(d, true);
+}
+
+// ---------------------------------------------------------------- FZLayer
+
+int FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base)
+{
+    Release();
+    if (w < 0 || h < 0)
+        return -4;
+    baseDepth = base;
+    x = lx;
+    y = ly;
+    width = w;
+    height = h;
+    colorSource = 1;
+    visible = 1;
+    // New rows come zeroed: coverage and depth 0, normals 0, colours black.
+    coverage = FZNewRows<std::uint8_t>(w, h);
+    depth = FZNewRows<float>(w, h);
+    normals = FZNewRows<FZPackedVector>(w, h);
+    colors = FZNewRows<FZColor>(w, h);
+    if (coverage == nullptr || depth == nullptr || normals == nullptr || colors == nullptr) {
+        Release();
+        return -2;
+    }
+    return 0;
+}
+
+void FZLayer::Release()
+{
+    FZDeleteRows(coverage, height);
+    FZDeleteRows(depth, height);
+    FZDeleteRows(normals, height);
+    FZDeleteRows(colors, height);
+    FZDeleteRows(highlight, height);
+    delete shaded;
+    shaded = nullptr;
+    baseDepth = 0.0f;
+    x = y = width = height = 0;
+}
+
+int FZLayer::Assign(const FZLayer& other)
+{
+    if (&other == this)
+        return 0;
+    Release();
+    baseDepth = other.baseDepth;
+    x = other.x;
+    y = other.y;
+    width = other.width;
+    height = other.height;
+    material = other.material;
+    colorSource = other.colorSource;
+    visible = other.visible;
+    if (!CopyRows(coverage, other.coverage, width, height) || !CopyRows(depth, other.depth, width, height)
+        || !CopyRows(colors, other.colors, width, height)) {
+        Release();
+        return -2;
+    }
+    return 0;
+}
+
+void FZLayer::FillDepth(float value)
+{
+    if (coverage == nullptr || depth == nullptr)
+        return;
+    for (std::int32_t ly = 0; ly < height; ++ly) {
+        std::memset(coverage[ly], 255, static_cast<std::size_t>(width));
+        for (std::int32_t lx = 0; lx < width; ++lx)
+            depth[ly][lx] = value;
+    }
+}
+
+void FZLayer::ClearColors()
+{
+    if (colors == nullptr)
+        return;
+    for (std::int32_t ly = 0; ly < height; ++ly)
+        std::memset(static_cast<void*>(colors[ly]), 0, sizeof(FZColor) * static_cast<std::size_t>(width));
+}
+
+void FZLayer::FillColorRect(const FZRect& rect, const FZColor& color)
+{
+    FZRect r = rect;
+    if (colors == nullptr || !r.ClipTo(0, 0, width - 1, height - 1))
+        return;
+    for (std::int32_t ly = r.y0; ly <= r.y1; ++ly)
+        for (std::int32_t lx = r.x0; lx <= r.x1; ++lx)
+            colors[ly][lx] = color;
+}
+
+void FZLayer::FillChecker(std::int32_t cellWidth, std::int32_t cellHeight, const FZColor& a, const FZColor& b)
+{
+    if (cellWidth < 1 || cellHeight < 1)
+        return;
+    // Neighbouring cells share their edge column and row; the later cell
+    // wins, so pixel (lx, ly) ends in cell (lx / cellWidth, ly / cellHeight).
+    const std::int32_t columns = width / cellWidth + 1;
+    const std::int32_t rows = height / cellHeight + 1;
+    for (std::int32_t j = 0; j < rows; ++j) {
+        for (std::int32_t i = 0; i < columns; ++i) {
+            const std::int64_t x0 = std::int64_t{cellWidth} * i;
+            const std::int64_t y0 = std::int64_t{cellHeight} * j;
+            const FZRect cell(static_cast<std::int32_t>(x0), static_cast<std::int32_t>(y0),
+                              static_cast<std::int32_t>(FZMin<std::int64_t>(x0 + cellWidth, width - 1)),
+                              static_cast<std::int32_t>(FZMin<std::int64_t>(y0 + cellHeight, height - 1)));
+            FillColorRect(cell, (i % 2) + (j % 2) == 1 ? a : b);
+        }
+    }
+}
+
+int FZLayer::CompositeSample(std::int32_t lx, std::int32_t ly, float z, std::uint8_t cb, const FZColor& color)
+{
+    if (coverage == nullptr || depth == nullptr || lx < 0 || ly < 0 || lx >= width || ly >= height)
+        return 0;
+    std::uint8_t& pixelCoverage = coverage[ly][lx];
+    float& z0 = depth[ly][lx];
+    FZColor* pixelColor = colors == nullptr ? nullptr : &colors[ly][lx];
+    const float a0 = pixelCoverage / 255.0f;
+    const float a = cb / 255.0f;
+
+    const auto replace = [&]() {
+        z0 = z;
+        pixelCoverage = cb;
+        if (pixelColor != nullptr)
+            *pixelColor = color;
+        return 2;
+    };
+    if (pixelCoverage == 0)
+        return cb == 0 ? 0 : replace();
+    if (cb == 0 || (a0 > 0.995f && z0 > z))
+        return 1;
+    if (a > 0.995f && z0 < z)
+        return replace();
+
+    // Three parts of the pixel: only the sample, only the old surface, and
+    // both, where the higher surface shows.
+    float sampleRgb[3];
+    float pixelRgb[3] = {0.0f, 0.0f, 0.0f};
+    color.GetFloats(sampleRgb);
+    if (pixelColor != nullptr)
+        pixelColor->GetFloats(pixelRgb);
+    const float w1 = (1.0f - a0) * a;
+    const float w2 = (1.0f - a) * a0;
+    const float w3 = a0 * a;
+    float depthSum = z * w1 + z0 * w2;
+    float rgbSum[3];
+    for (int c = 0; c < 3; ++c)
+        rgbSum[c] = sampleRgb[c] * w1 + pixelRgb[c] * w2;
+    if (z0 <= z) {
+        depthSum += z * w3;
+        for (int c = 0; c < 3; ++c)
+            rgbSum[c] += sampleRgb[c] * w3;
+    } else if (z0 > z) {
+        depthSum += z0 * w3;
+        for (int c = 0; c < 3; ++c)
+            rgbSum[c] += pixelRgb[c] * w3;
+    }
+    const float sum = w1 + w2 + w3;
+    if (sum > 0.0f) {
+        z0 = depthSum / sum;
+        for (int c = 0; c < 3; ++c)
+            rgbSum[c] = rgbSum[c] / sum;
+        if (pixelColor != nullptr)
+            pixelColor->SetFloats(rgbSum);
+        pixelCoverage = static_cast<std::uint8_t>(FZTruncateClamped(sum * 255.0f, 0, 255));
+    }
+    return 3;
+}
+
+// ---------------------------------------------------------------- FZScene
+
+int FZScene::Create(std::int32_t w, std::int32_t h)
+{
+    Clear();
+    if (w < 0 || h < 0)
+        return -4;
+    width = w;
+    height = h;
+    layers = new (std::nothrow) FZPtrArray<FZLayer>;
+    lights = new (std::nothrow) FZPtrArray<FZLight>;
+    if (layers == nullptr || lights == nullptr)
+        return -2;
+    const float cx = static_cast<float>(w * 0.5);
+    const float cy = static_cast<float>(h * 0.5);
+    camera.SetEye(cx, cy, static_cast<float>(static_cast<double>(w) + h));
+    camera.SetTarget(cx, cy, 0.0f);
+    return 0;
+}
+
+void FZScene::Clear()
+{
+    delete frame;
+    delete behind;
+    delete layers;
+    delete lights;
+    frame = behind = nullptr;
+    layers = nullptr;
+    lights = nullptr;
+    width = height = 0;
+}
+
+int FZScene::SetUpFrame(std::int32_t w, std::int32_t h, const float backgroundColor[3])
+{
+    if (const int result = Create(w, h); result != 0)
+        return result;
+
+    FZLight* light = new (std::nothrow) FZLight;
+    if (light == nullptr)
+        return -2;
+    const float direction[3] = {0.4f, -0.3f, -1.0f};
+    const float white[3] = {1.0f, 1.0f, 1.0f};
+    light->SetDirectional(1.0f, direction, white);
+    if (lights->Append(light) < 0) {
+        delete light;
+        return -2;
+    }
+
+    FZLayer ground;
+    if (const int result = ground.Create(0, 0, w, h, groundDepth); result != 0)
+        return result;
+    ground.FillDepth(0.0f);
+    ground.SetColorSource(0);
+    FZAttributeEx groundMaterial;
+    groundMaterial.color.SetFloats(backgroundColor);
+    ground.SetMaterial(groundMaterial);
+    const std::int32_t index = AddLayer(ground);
+    return index < 0 ? index : 0;
+}
+
+std::int32_t FZScene::AddLayer(const FZLayer& layer)
+{
+    if (layers == nullptr)
+        return -11;
+    return InsertLayer(layer, layers->count - 1);
+}
+
+std::int32_t FZScene::InsertLayer(const FZLayer& layer, std::int32_t index)
+{
+    if (layers == nullptr)
+        return -11;
+    if (index < -1 || index >= layers->count)
+        return -4;
+    FZLayer* copy = new (std::nothrow) FZLayer;
+    if (copy == nullptr)
+        return -2;
+    const int result = copy->Assign(layer);
+    if (result == 0 && layers->InsertAfter(copy, index) == 0)
+        return index + 1;
+    delete copy;
+    return -2;
+}
+
+std::int32_t FZScene::AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h)
+{
+    if (layers == nullptr)
+        return -11;
+    FZLayer layer;
+    if (const int result = layer.Create(lx, ly, w, h, layerDepth); result != 0)
+        return result;
+    return InsertLayer(layer, layers->count - 1);
+}
+
+void FZScene::RemoveLayer(std::int32_t index)
+{
+    if (layers != nullptr)
+        layers->RemoveAt(index);
+}
