@@ -1,0 +1,28 @@
+#include "material/result_codes.h"
+
+namespace {
+
+// Indexed by -code - 1.
+constexpr const char* kMessages[] = {
+    "何らかのｴﾗｰが起りました。",
+    "ﾒﾓﾘｰ不足です。",
+    "配列の範囲外にｱｸｾｽしました。",
+    "不適当なﾊﾟﾗﾒｰﾀｰです。",
+    "ﾌｧｲﾙを開けませんでした。",
+    "ﾌｧｲﾙからﾃﾞｰﾀを読み込めませんでした。",
+    "ﾌｧｲﾙにﾃﾞｰﾀを書き込めませんでした。",
+    "未対応のﾃﾞｰﾀ形式です。",
+    "ﾊﾞｰｼﾞｮﾝの異なるﾌｧｲﾙです。",
+    "最大値を超えています。",
+    "ﾃﾞｰﾀがありません。",
+};
+static_assert(sizeof(kMessages) / sizeof(kMessages[0]) == -kResultNoData);
+
+}  // namespace
+
+const char* ResultMessage(int code)
+{
+    if (code < kResultNoData || code >= kResultOk)
+        return nullptr;
+    return kMessages[-code - 1];
+}
