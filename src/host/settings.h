@@ -1,0 +1,53 @@
+// The settings file "Tamerisk.ini": where the material dialog's window was
+// and whether it was displayed, kept from one run of the host to the next.
+//
+// The file lies beside the host's executable (not beside this library),
+// section "Window", keys "Top", "Left" and "Display". The dialog reads it once
+// while it initialises and writes it once when its window is destroyed;
+// nothing is cached in between.
+//
+// TAMERISK_SETTINGS_DIR, when set and not empty, names another directory for
+// the file. The tests use it: their programs run in parallel from one build
+// directory, and each must neither share nor leave a file beside the test
+// executables. It also lets a sandboxed host whose executable directory is
+// read-only keep its placement elsewhere.
+#ifndef TAMERISK_HOST_SETTINGS_H
+#define TAMERISK_HOST_SETTINGS_H
+
+#include <QPoint>
+#include <QSize>
+#include <QString>
+
+class QWidget;
+
+// What the file holds. Missing keys read as 0.
+struct WindowSettings {
+    int top = 0;
+    int left = 0;
+    int display = 0;  // 1 when the dialog was displayed, 0 when it was closed
+};
+
+// Places the dialog from the settings file, held on the primary screen, then
+// shows it, or leaves it minimised and hidden as closing it does.
+void LoadWindowPlacement(QWidget* dialog);
+// Writes the dialog's normal (restored) top-left corner and whether it is
+// displayed (not minimised). Write failures are ignored.
+void SaveWindowPlacement(const QWidget* dialog);
+
+// The file for an executable at the given path: its directory (everything
+// before the last "/" or "\"), a "/", and "Tamerisk.ini". A path without a
+// directory part puts the file in the current directory.
+QString SettingsFilePathFor(const QString& executablePath);
+// The file this process uses: TAMERISK_SETTINGS_DIR, else beside the host's
+// executable.
+QString SettingsFilePath();
+
+WindowSettings ReadWindowSettings(const QString& filePath);
+void WriteWindowSettings(const QString& filePath, const WindowSettings& settings);
+
+// A saved corner held on a screen: negative coordinates become 0, then a
+// window reaching past the right or bottom edge moves back to end there. A
+// window larger than the screen therefore ends with a negative coordinate.
+QPoint ClampWindowPosition(int left, int top, QSize window, QSize screen);
+
+#endif
