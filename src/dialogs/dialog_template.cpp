@@ -1,0 +1,351 @@
+#include "dialogs/dialog_template.h"
+
+#include <cstdint>
+#include <cstdlib>
+
+#include <QAbstractSlider>
+#include <QCheckBox>
+#include <QDialog>
+#include <QFontMetrics>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPixmap>
+#include <QRadioButton>
+#include <QRegularExpressionValidator>
+#include <QScrollBar>
+#include <QToolButton>
+
+#include "dialogs/resources.h"
+#include "engine/display/canvas.h"
+
+int MulDiv(int a, int b, int c)
+{
+    if (c == 0)
+        return -1;
+    const std::int64_t product = std::int64_t{a} * b;
+    const std::int64_t half = std::llabs(c) / 2;
+    const bool negative = (product < 0) != (c < 0);
+    const std::int64_t magnitude = (std::llabs(product) + half) / std::llabs(c);
+    return static_cast<int>(negative ? -magnitude : magnitude);
+}
+
+namespace {
+
+struct FaceFallback {
+    const char* windowsFace;
+    const char* freeFace;
+};
+
+// The Windows faces the dialogs ask for and the IPA faces drawn alike.
+constexpr FaceFallback kFaceFallbacks[] = {
+    {"ＭＳ Ｐゴシック", "IPAPGothic"},
+    {"ＭＳ ゴシック", "IPAGothic"},
+};
+
+// Windows creates a template's font for a 96 dpi screen.
+constexpr int kScreenDpi = 96;
+
+} // namespace
+
+QFont JapaneseFont(const char* face, int pixelHeight)
+{
+    QStringList families{QString::fromUtf8(face)};
+    for (const FaceFallback& fallback : kFaceFallbacks) {
+        if (families.front() == QString::fromUtf8(fallback.windowsFace))
+            families.append(QString::fromLatin1(fallback.freeFace));
+    }
+    QFont font;
+    font.setFamilies(families);
+    font.setPixelSize(pixelHeight < 1 ? 1 : pixelHeight);
+    font.setWeight(QFont::Normal);
+    return font;
+}
+
+QFont DialogFont(const char* face, int pointSize)
+{
+    return JapaneseFont(face, MulDiv(pointSize, kScreenDpi, 72));
+}
+
+DialogBaseUnits DialogBaseUnits::FromFont(const QFont& font)
+{
+    const QFontMetrics metrics(font);
+    const int letters = metrics.horizontalAdvance(
+        QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"));
+    // Windows rounds the 52-letter width to the nearest whole average.
+    return DialogBaseUnits{(letters / 26 + 1) / 2, metrics.height()};
+}
+
+namespace {
+
+QString Text(const ControlTemplate& c)
+{
+    return c.text == nullptr ? QString() : QString::fromUtf8(c.text);
+}
+
+QWidget* MakeBitmap(QWidget* parent, const ControlTemplate& c)
+{
+    auto* label = new QLabel(parent);
+    const QPixmap picture(QStringLiteral(":/bitmaps/%1.png").arg(c.extra));
+    if (!picture.isNull()) {
+        label->setPixmap(picture);
+        label->setFixedSize(picture.size());
+    }
+    return label;
+}
+
+QWidget* MakeControl(QWidget* parent, const ControlTemplate& c)
+{
+    switch (c.kind) {
+    case ControlKind::PushButton:
+        return new QPushButton(Text(c), parent);
+    case ControlKind::DefaultPushButton: {
+        auto* button = new QPushButton(Text(c), parent);
+        button->setDefault(true);
+        return button;
+    }
+    case ControlKind::OwnerDrawnButton: {
+        auto* button = new COwnerDrawButton(parent);
+        button->setText(Text(c));
+        return button;
+    }
+    case ControlKind::AutoCheckBox:
+        return new QCheckBox(Text(c), parent);
+    case ControlKind::AutoRadioButton:
+        return new QRadioButton(Text(c), parent);
+    case ControlKind::GroupBox:
+        return new QGroupBox(Text(c), parent);
+    case ControlKind::Label: {
+        auto* label = new QLabel(Text(c), parent);
+        label->setTextFormat(Qt::PlainText);
+        label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+        return label;
+    }
+    case ControlKind::StaticBitmap:
+        return MakeBitmap(parent, c);
+    case ControlKind::StaticFrame:
+        return new FZCanvas(parent);
+    case ControlKind::HScrollBar: {
+        auto* bar = new QScrollBar(Qt::Horizontal, parent);
+        bar->setRange(0, 100);
+        bar->setSingleStep(1);
+        bar->setPageStep(2);
+        return bar;
+    }
+    case ControlKind::NumberEdit: {
+        auto* edit = new QLineEdit(parent);
+        edit->setValidator(new QRegularExpressionValidator(
+            QRegularExpression(QStringLiteral("[0-9]*")), edit));
+        return edit;
+    }
+    case ControlKind::SpinButton:
+        return new CSpinButton(parent);
+    }
+    return nullptr;
+}
+
+void PlaceControl(QWidget* widget, const ControlTemplate& c, const DialogBaseUnits& units)
+{
+    const QRect r = units.ToPixels(c.x, c.y, c.w, c.h);
+    if (c.kind == ControlKind::StaticBitmap)
+        widget->move(r.topLeft());  // a bitmap control takes its picture's size
+    else
+        widget->setGeometry(r);
+}
+
+// Spin buttons find their buddies once every control exists.
+void AttachBuddies(QDialog& dialog, const DialogTemplate& t)
+{
+    for (const ControlTemplate& c : t.controls) {
+        if (c.kind != ControlKind::SpinButton)
+            continue;
+        auto* spin = DlgItem<CSpinButton>(&dialog, c.id);
+        if (spin != nullptr)
+            spin->SetBuddy(DlgItem<QLineEdit>(&dialog, c.extra));
+    }
+}
+
+} // namespace
+
+DialogBaseUnits BuildDialog(QDialog& dialog, const DialogTemplate& t)
+{
+    TameriskRegisterResources();
+    const QFont font = DialogFont(t.fontFace, t.pointSize);
+    const DialogBaseUnits units = DialogBaseUnits::FromFont(font);
+
+    dialog.setObjectName(QString::number(t.id));
+    dialog.setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint
+                          | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
+    dialog.setFont(font);
+    dialog.setWindowTitle(QString::fromUtf8(t.caption));
+    dialog.setFixedSize(units.X(t.w), units.Y(t.h));
+
+    for (const ControlTemplate& c : t.controls) {
+        QWidget* widget = MakeControl(&dialog, c);
+        if (widget == nullptr)
+            continue;
+        if (c.id != kNoId)
+            widget->setObjectName(QString::number(c.id));
+        PlaceControl(widget, c, units);
+        if (c.style & kStyleDisabled)
+            widget->setEnabled(false);
+        if (c.style & kStyleHidden)
+            widget->setVisible(false);
+    }
+    AttachBuddies(dialog, t);
+    return units;
+}
+
+QWidget* GetDlgItem(const QWidget* dialog, int id)
+{
+    if (dialog == nullptr)
+        return nullptr;
+    return dialog->findChild<QWidget*>(QString::number(id), Qt::FindDirectChildrenOnly);
+}
+
+void EnableDlgItem(const QWidget* dialog, int id, bool enable)
+{
+    if (QWidget* item = GetDlgItem(dialog, id))
+        item->setEnabled(enable);
+}
+
+void SetButtonChecked(QWidget* button, bool checked)
+{
+    auto* b = qobject_cast<QAbstractButton*>(button);
+    if (b == nullptr)
+        return;
+    // An exclusive radio button refuses to be cleared; lift that for a moment.
+    const bool exclusive = b->autoExclusive();
+    if (!checked && exclusive)
+        b->setAutoExclusive(false);
+    b->setChecked(checked);
+    if (!checked && exclusive)
+        b->setAutoExclusive(true);
+}
+
+void CheckDlgButton(const QWidget* dialog, int id, bool checked)
+{
+    SetButtonChecked(GetDlgItem(dialog, id), checked);
+}
+
+bool IsDlgButtonChecked(const QWidget* dialog, int id)
+{
+    auto* button = DlgItem<QAbstractButton>(dialog, id);
+    return button != nullptr && button->isChecked();
+}
+
+int ScrollPositionAfter(int action, int position, int thumb)
+{
+    switch (action) {
+    case QAbstractSlider::SliderSingleStepSub:
+        return position - 1;
+    case QAbstractSlider::SliderSingleStepAdd:
+        return position + 1;
+    case QAbstractSlider::SliderPageStepSub:
+        return position - 2;
+    case QAbstractSlider::SliderPageStepAdd:
+        return position + 2;
+    case QAbstractSlider::SliderMove:
+        return thumb;
+    default:
+        return position;
+    }
+}
+
+void ConnectHScroll(QScrollBar* bar, std::function<void(QScrollBar*, int)> handler)
+{
+    if (bar == nullptr)
+        return;
+    QObject::connect(bar, &QAbstractSlider::actionTriggered, bar,
+                     [bar, handler = std::move(handler)](int action) {
+                         // The signal comes before the bar takes its new
+                         // value: value() is still the old position and
+                         // sliderPosition() the thumb.
+                         const int p = ScrollPositionAfter(action, bar->value(),
+                                                           bar->sliderPosition());
+                         bar->setValue(p);
+                         handler(bar, p);
+                     });
+}
+
+COwnerDrawButton::COwnerDrawButton(QWidget* parent) : QPushButton(parent)
+{
+    setAutoDefault(false);
+}
+
+void COwnerDrawButton::SetPainter(Painter p)
+{
+    painter = std::move(p);
+    // Once the dialog paints it, the button covers all its pixels itself.
+    setAttribute(Qt::WA_OpaquePaintEvent, static_cast<bool>(painter));
+}
+
+void COwnerDrawButton::paintEvent(QPaintEvent* event)
+{
+    if (!painter) {
+        QPushButton::paintEvent(event);
+        return;
+    }
+    QPainter p(this);
+    painter(p, rect());
+}
+
+CSpinButton::CSpinButton(QWidget* parent) : QWidget(parent)
+{
+    up = new QToolButton(this);
+    down = new QToolButton(this);
+    up->setArrowType(Qt::UpArrow);
+    down->setArrowType(Qt::DownArrow);
+    for (QToolButton* arrow : {up, down}) {
+        arrow->setAutoRepeat(true);
+        arrow->setFocusPolicy(Qt::NoFocus);
+    }
+    connect(up, &QToolButton::clicked, this, [this] { Step(+1); });
+    connect(down, &QToolButton::clicked, this, [this] { Step(-1); });
+}
+
+void CSpinButton::resizeEvent(QResizeEvent*)
+{
+    const int half = height() / 2;
+    up->setGeometry(0, 0, width(), half);
+    down->setGeometry(0, half, width(), height() - half);
+}
+
+void CSpinButton::SetBuddy(QLineEdit* edit)
+{
+    buddy = edit;
+    SetPos(position);
+}
+
+void CSpinButton::SetRange(int lo, int hi)
+{
+    minimum = lo;
+    maximum = hi < lo ? lo : hi;
+}
+
+void CSpinButton::SetPos(int pos)
+{
+    position = pos < minimum ? minimum : (pos > maximum ? maximum : pos);
+    if (buddy != nullptr)
+        buddy->setText(QString::number(position));
+}
+
+int CSpinButton::Pos() const
+{
+    if (buddy == nullptr)
+        return position;
+    bool ok = false;
+    const int typed = buddy->text().toInt(&ok);
+    if (!ok)
+        return position;
+    return typed < minimum ? minimum : (typed > maximum ? maximum : typed);
+}
+
+void CSpinButton::Step(int delta)
+{
+    const int from = Pos();
+    emit deltaPos(from, delta);
+    SetPos(from + delta);
+    emit positionChanged(position);
+}

@@ -1,0 +1,5 @@
+#include "dialogs/resources.h"
+
+void TameriskRegisterResources()
+{
+}

@@ -1,0 +1,34 @@
+// FZCanvas: the widget that pictures are drawn into (the preview control and
+// the pattern diagram). Drawing into it stores the pixels in its surface, an
+// image of the widget's size, and schedules a repaint; paintEvent only shows
+// the surface. Before anything was drawn it shows a thin grey frame.
+#ifndef TAMERISK_ENGINE_DISPLAY_CANVAS_H
+#define TAMERISK_ENGINE_DISPLAY_CANVAS_H
+
+#include <QImage>
+#include <QWidget>
+
+class FZCanvas : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit FZCanvas(QWidget* parent = nullptr);
+
+    // Copies `source` (from `sourceRect`) to `target` of the surface; the
+    // parts outside either image are clipped away. Then repaints.
+    void Blit(const QImage& source, const QRect& sourceRect, const QPoint& target);
+
+    // What is shown: empty until the first draw.
+    const QImage& Surface() const { return surface; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    // Makes the surface the widget's size, keeping what it held.
+    void FitSurface();
+
+    QImage surface;
+};
+
+#endif

@@ -1,0 +1,53 @@
+#include "engine/display/image_display.h"
+
+#include <algorithm>
+
+#include <QRect>
+
+#include "engine/display/canvas.h"
+#include "engine/image.h"
+#include "engine/scene.h"
+
+QImage MakeBitmap(const FZImage& image)
+{
+    if (image.data == nullptr || image.width <= 0 || image.height <= 0
+        || image.bytesPerPixel != 3
+        || image.stride < std::int64_t{image.width} * 3
+        || image.dataSize < std::int64_t{image.stride} * image.height)
+        return QImage();
+    // Wrap the rows as they lie (blue, green, red; padded stride), then take
+    // an upright deep copy: the buffer's first row is the picture's bottom.
+    const QImage rows(image.data, image.width, image.height, image.stride,
+                      QImage::Format_BGR888);
+    return rows.mirrored(false, true).convertToFormat(QImage::Format_RGB888);
+}
+
+void Draw(const FZImage& image, QWidget* target, std::int32_t x0, std::int32_t y0,
+          std::int32_t x1, std::int32_t y1)
+{
+    auto* canvas = qobject_cast<FZCanvas*>(target);
+    if (canvas == nullptr || image.data == nullptr)
+        return;
+    const QImage bitmap = MakeBitmap(image);
+    if (bitmap.isNull())
+        return;
+    // The rectangle in device lines (counted from the top), clipped to the
+    // image in 64 bits: the corners may be any integers.
+    const std::int64_t left = std::max<std::int64_t>(x0, 0);
+    const std::int64_t right = std::min<std::int64_t>(x1, image.width - 1);
+    const std::int64_t top = std::max<std::int64_t>(std::int64_t{image.height} - 1 - y1, 0);
+    const std::int64_t bottom = std::min<std::int64_t>(std::int64_t{image.height} - 1 - y0,
+                                                       image.height - 1);
+    if (left > right || top > bottom)
+        return;
+    const QRect wanted(QPoint(static_cast<int>(left), static_cast<int>(top)),
+                       QPoint(static_cast<int>(right), static_cast<int>(bottom)));
+    canvas->Blit(bitmap, wanted, wanted.topLeft());
+}
+
+void PresentFrame(const FZScene& scene, QWidget* target)
+{
+    if (scene.frame == nullptr)
+        return;
+    Draw(*scene.frame, target, 0, 0, scene.frame->width - 1, scene.frame->height - 1);
+}

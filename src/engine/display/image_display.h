@@ -1,0 +1,31 @@
+// The display step: an FZImage (24-bit, blue-green-red, rows bottom-up) made
+// into a Qt image and drawn into a canvas widget.
+#ifndef TAMERISK_ENGINE_DISPLAY_IMAGE_DISPLAY_H
+#define TAMERISK_ENGINE_DISPLAY_IMAGE_DISPLAY_H
+
+#include <cstdint>
+
+#include <QImage>
+
+class FZImage;
+class FZScene;
+class QWidget;
+
+// A deep copy of the pixels as an upright RGB image: data row 0 (the bottom
+// row of the picture) becomes the last line. Images that are empty or not
+// 3 bytes a pixel give a null image.
+QImage MakeBitmap(const FZImage& image);
+
+// Copies the inclusive rectangle (x0, y0)-(x1, y1) of the image, in image
+// coordinates (row 0 at the bottom), to the same place of the target, whose
+// rows count from the top: the rectangle's top row y1 lands on line
+// height - 1 - y1. Nothing happens without pixel data or when the target is
+// not an FZCanvas; parts outside the image are clipped.
+void Draw(const FZImage& image, QWidget* target, std::int32_t x0, std::int32_t y0,
+          std::int32_t x1, std::int32_t y1);
+
+// Draws the scene's whole frame image into the target; nothing when the scene
+// has no frame yet.
+void PresentFrame(const FZScene& scene, QWidget* target);
+
+#endif

@@ -1,0 +1,194 @@
+// The dialog platform layer: units, building from tables, lookups, the
+// scroll stepping rule and the spin button.
+#include <QAbstractSlider>
+#include <QCheckBox>
+#include <QDialog>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include "dialogs/dialog_template.h"
+#include "dialogs/templates.h"
+#include "engine/display/canvas.h"
+
+namespace {
+
+TEST(DialogUnits, MulDivRoundsHalfAwayFromZeroLikeWindows)
+{
+    EXPECT_EQ(MulDiv(207, 7, 4), 362);   // 362.25
+    EXPECT_EQ(MulDiv(18, 7, 4), 32);     // 31.5 rounds up
+    EXPECT_EQ(MulDiv(-18, 7, 4), -32);   // and away from zero below
+    EXPECT_EQ(MulDiv(147, 13, 8), 239);  // 238.875
+    EXPECT_EQ(MulDiv(9, 96, 72), 12);    // 9 points at 96 dpi
+    EXPECT_EQ(MulDiv(1, 2, 0), -1);
+    EXPECT_EQ(MulDiv(2000000000, 2, 4), 1000000000);  // no 32-bit overflow
+}
+
+TEST(DialogUnits, BaseUnitsComeFromTheDialogFont)
+{
+    const QFont font = DialogFont("ＭＳ Ｐゴシック", 9);
+    EXPECT_EQ(font.pixelSize(), 12);
+    const DialogBaseUnits units = DialogBaseUnits::FromFont(font);
+    const QFontMetrics metrics(font);
+    const int letters = metrics.horizontalAdvance(
+        QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"));
+    EXPECT_EQ(units.cx, (letters / 26 + 1) / 2);
+    EXPECT_EQ(units.cy, metrics.height());
+    EXPECT_EQ(units.ToPixels(4, 8, 8, 16), QRect(units.cx, units.cy, 2 * units.cx, 2 * units.cy));
+}
+
+TEST(DialogUnits, WindowsFacesFallBackToTheIpaFaces)
+{
+    EXPECT_TRUE(JapaneseFont("ＭＳ Ｐゴシック", 12).families().contains("IPAPGothic"));
+    EXPECT_TRUE(JapaneseFont("ＭＳ ゴシック", 11).families().contains("IPAGothic"));
+    EXPECT_EQ(JapaneseFont("ＭＳ ゴシック", 0).pixelSize(), 1);
+}
+
+TEST(BuildDialog, MaterialDialogFollowsItsTable)
+{
+    QDialog dialog;
+    const DialogBaseUnits units = BuildDialog(dialog, AttributeDialogTemplate());
+    EXPECT_EQ(dialog.objectName(), "4000");
+    EXPECT_EQ(dialog.windowTitle(), QString::fromUtf8("質感 ﾘﾓｺﾝ"));
+    EXPECT_EQ(dialog.size(), QSize(units.X(207), units.Y(147)));
+
+    auto* red = DlgItem<QScrollBar>(&dialog, 1020);
+    ASSERT_NE(red, nullptr);
+    EXPECT_EQ(red->orientation(), Qt::Horizontal);
+    EXPECT_EQ(red->geometry(), units.ToPixels(152, 12, 48, 8));
+    auto* update = DlgItem<QPushButton>(&dialog, 1017);
+    ASSERT_NE(update, nullptr);
+    EXPECT_TRUE(update->isDefault());
+    EXPECT_EQ(update->text(), QString::fromUtf8("更新"));
+    EXPECT_NE(DlgItem<COwnerDrawButton>(&dialog, 4002), nullptr);
+    EXPECT_NE(DlgItem<COwnerDrawButton>(&dialog, 4013), nullptr);
+    EXPECT_NE(DlgItem<FZCanvas>(&dialog, 4000), nullptr);
+    EXPECT_NE(DlgItem<QLabel>(&dialog, 1023), nullptr);
+    EXPECT_NE(DlgItem<QCheckBox>(&dialog, 4016), nullptr);
+
+    auto* colourTransparency = GetDlgItem(&dialog, 4034);
+    ASSERT_NE(colourTransparency, nullptr);
+    EXPECT_TRUE(colourTransparency->isHidden());
+    EXPECT_FALSE(GetDlgItem(&dialog, 4016)->isHidden());
+    EXPECT_EQ(GetDlgItem(&dialog, 9999), nullptr);
+    EXPECT_EQ(GetDlgItem(nullptr, 4000), nullptr);
+
+    // Eleven sliders, eleven bitmaps beside them, and unnamed labels.
+    EXPECT_EQ(dialog.findChildren<QScrollBar*>(Qt::FindDirectChildrenOnly).size(), 11);
+    for (int id : {4003, 4004, 4007, 4008, 4019, 4009, 4005, 4006, 4010, 4011, 4012})
+        EXPECT_NE(DlgItem<QLabel>(&dialog, id), nullptr) << id;
+}
+
+TEST(BuildDialog, ParameterTemplatesKeepHiddenControlsHidden)
+{
+    QDialog anisotropic;
+    BuildDialog(anisotropic, AnisotropicDialogTemplate());
+    EXPECT_EQ(anisotropic.objectName(), "4022");
+    for (int id : {4032, 4033, 4036, 4035, 4039, 4034, 4040, 4037, 4042, 1029, 1030})
+        EXPECT_TRUE(GetDlgItem(&anisotropic, id)->isHidden()) << id;
+    for (int id : {4019, 4021, 4022, 1027, 1028, 4024, 4027, 4031, 4038, 4000})
+        EXPECT_FALSE(GetDlgItem(&anisotropic, id)->isHidden()) << id;
+    const auto groups = anisotropic.findChildren<QGroupBox*>();
+    ASSERT_EQ(groups.size(), 1);
+    EXPECT_TRUE(groups.front()->objectName().isEmpty());  // no id, no name
+    auto* spin = DlgItem<CSpinButton>(&anisotropic, 1028);
+    ASSERT_NE(spin, nullptr);
+    EXPECT_EQ(spin->Buddy(), DlgItem<QLineEdit>(&anisotropic, 1027));
+    EXPECT_EQ(DlgItem<CSpinButton>(&anisotropic, 1030)->Buddy(),
+              DlgItem<QLineEdit>(&anisotropic, 1029));
+
+    QDialog rainbow;
+    BuildDialog(rainbow, RainbowDialogTemplate());
+    EXPECT_EQ(rainbow.objectName(), "4026");
+    EXPECT_NE(DlgItem<QScrollBar>(&rainbow, 4036), nullptr);
+    EXPECT_NE(DlgItem<QPushButton>(&rainbow, kIdOk), nullptr);
+    EXPECT_NE(DlgItem<QPushButton>(&rainbow, kIdCancel), nullptr);
+
+    QDialog transparency;
+    BuildDialog(transparency, TransparencyDialogTemplate());
+    EXPECT_EQ(transparency.objectName(), "4027");
+    for (int id : {4043, 4044, 4045, 4046})
+        EXPECT_TRUE(GetDlgItem(&transparency, id)->isHidden()) << id;
+    EXPECT_NE(DlgItem<QScrollBar>(&transparency, 4038), nullptr);
+}
+
+TEST(BuildDialog, ButtonHelpersCheckClearAndEnable)
+{
+    QDialog dialog;
+    BuildDialog(dialog, AnisotropicDialogTemplate());
+    CheckDlgButton(&dialog, 4021, true);
+    EXPECT_TRUE(IsDlgButtonChecked(&dialog, 4021));
+    CheckDlgButton(&dialog, 4022, true);  // radios stay exclusive
+    EXPECT_FALSE(IsDlgButtonChecked(&dialog, 4021));
+    CheckDlgButton(&dialog, 4022, false);  // and can all be cleared
+    EXPECT_FALSE(IsDlgButtonChecked(&dialog, 4022));
+    EXPECT_TRUE(DlgItem<QRadioButton>(&dialog, 4022)->autoExclusive());
+    EnableDlgItem(&dialog, 4024, false);
+    EXPECT_FALSE(GetDlgItem(&dialog, 4024)->isEnabled());
+    EnableDlgItem(&dialog, 12345, false);  // a missing control is ignored
+    EXPECT_FALSE(IsDlgButtonChecked(&dialog, 12345));
+}
+
+TEST(ScrollRule, LineAndPageStepsAndTheThumb)
+{
+    EXPECT_EQ(ScrollPositionAfter(QAbstractSlider::SliderSingleStepSub, 10, 99), 9);
+    EXPECT_EQ(ScrollPositionAfter(QAbstractSlider::SliderSingleStepAdd, 10, 99), 11);
+    EXPECT_EQ(ScrollPositionAfter(QAbstractSlider::SliderPageStepSub, 10, 99), 8);
+    EXPECT_EQ(ScrollPositionAfter(QAbstractSlider::SliderPageStepAdd, 10, 99), 12);
+    EXPECT_EQ(ScrollPositionAfter(QAbstractSlider::SliderMove, 10, 37), 37);
+    EXPECT_EQ(ScrollPositionAfter(QAbstractSlider::SliderToMinimum, 10, 0), 10);
+    EXPECT_EQ(ScrollPositionAfter(QAbstractSlider::SliderToMaximum, 10, 64), 10);
+}
+
+TEST(ScrollRule, ConnectedBarHandsOverTheUnheldPosition)
+{
+    QScrollBar bar(Qt::Horizontal);
+    bar.setRange(0, 20);
+    bar.setValue(20);
+    std::vector<int> seen;
+    std::vector<int> valueSeen;
+    ConnectHScroll(&bar, [&](QScrollBar* b, int p) {
+        seen.push_back(p);
+        valueSeen.push_back(b->value());  // already set when the handler runs
+    });
+    bar.triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    bar.triggerAction(QAbstractSlider::SliderPageStepSub);
+    bar.triggerAction(QAbstractSlider::SliderToMinimum);
+    bar.setSliderPosition(5);  // a drag
+    EXPECT_EQ(seen, (std::vector<int>{21, 18, 18, 5}));
+    EXPECT_EQ(valueSeen, (std::vector<int>{20, 18, 18, 5}));
+    EXPECT_EQ(bar.value(), 5);
+}
+
+TEST(SpinButton, PositionLivesInTheBuddyText)
+{
+    QLineEdit edit;
+    CSpinButton spin;
+    spin.SetRange(1, 36);
+    spin.SetBuddy(&edit);
+    EXPECT_EQ(edit.text(), "1");
+    spin.SetPos(40);
+    EXPECT_EQ(spin.Pos(), 36);
+    EXPECT_EQ(edit.text(), "36");
+
+    QSignalSpy before(&spin, &CSpinButton::deltaPos);
+    QSignalSpy after(&spin, &CSpinButton::positionChanged);
+    edit.setText("7");
+    spin.Step(+1);
+    EXPECT_EQ(spin.Pos(), 8);
+    ASSERT_EQ(before.size(), 1);
+    EXPECT_EQ(before[0][0].toInt(), 7);  // the old position, before the move
+    EXPECT_EQ(after[0][0].toInt(), 8);
+
+    edit.setText("");  // no number: the last position stands
+    EXPECT_EQ(spin.Pos(), 8);
+    edit.setText("0");
+    EXPECT_EQ(spin.Pos(), 1);
+}
+
+} // namespace
