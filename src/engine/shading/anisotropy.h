@@ -5,6 +5,8 @@
 
 #include <tamerisk/attribute.h>
 
+inline constexpr int kGrooveNoiseSize = 120;
+
 // Facet normals T1, T2 at the layer point (point[0], point[1]; point[2] is
 // the depth, unused) with normal n, about centre (centre[0], centre[1]).
 void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
@@ -13,5 +15,18 @@ void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const F
 // The 120 noise values; filled from the module generator at first use.
 // Call before any parallel shading so the first use happens on one thread.
 const float* GrooveNoiseTable();
+
+// Constructs a generator object (which reseeds the module generator) and
+// draws 120 values into table: even entries in [0, 1), odd ones in [-1, 0),
+// so that neighbouring grooves tend to alternate deeper and shallower.
+void FillGrooveNoise(float table[kGrooveNoiseSize]);
+
+// The noise at across-groove coordinate w for grooves `width` pixels wide,
+// interpolated linearly between neighbouring entries of the table.
+float GrooveNoise(float w, float width);
+
+// The groove depth at offset (dx, dy) from the pattern centre for the
+// noise value n, with the record's depth variation; never negative.
+float VariedGrooveDepth(const FZAnisotropy& params, float noise, float dx, float dy);
 
 #endif
