@@ -1,0 +1,152 @@
+// The sample shapes of the preview: analytic outlines with a height profile,
+// drawn into a layer's coverage and depth rows at 3 x 3 points a pixel, and
+// the finishing operations on the drawn depths (a smooth dimple, a flat cut
+// through the top).
+//
+// Every outline offers Set (its parameters in the order of its fields; also
+// computes the bounding box), Bounds and HeightAt (frame coordinates; false
+// outside the outline). Parameters that are NaN give an outline that
+// contains no point.
+#ifndef TAMERISK_PREVIEW_SHAPES_H
+#define TAMERISK_PREVIEW_SHAPES_H
+
+#include <cstdint>
+
+#include <tamerisk/fz_truncate.h>
+
+#include "engine/scene.h"
+
+// The bounding box of an outline, computed when its parameters are set.
+struct FZShapeBox {
+    float x0 = 0.0f;
+    float y0 = 0.0f;
+    float x1 = 0.0f;
+    float y1 = 0.0f;
+
+    // The box (cx - rx, cy - ry, cx + rx, cy + ry).
+    void Around(float cx, float cy, float rx, float ry);
+    void Get(float& bx0, float& by0, float& bx1, float& by1) const
+    {
+        bx0 = x0;
+        by0 = y0;
+        bx1 = x1;
+        by1 = y1;
+    }
+};
+
+// A flat round plate of radius R whose rim falls off as a quarter circle of
+// radius rho, from height z0 + rho to z0 at the edge.
+struct FZRoundedDisc {
+    float cx = 0.0f;
+    float cy = 0.0f;
+    float z0 = 0.0f;
+    float radius = 0.0f;
+    float rimRadius = 0.0f;
+    FZShapeBox box;
+
+    void Set(float centerX, float centerY, float baseHeight, float outerRadius, float rim);
+    void Bounds(float& bx0, float& by0, float& bx1, float& by1) const { box.Get(bx0, by0, bx1, by1); }
+    bool HeightAt(float x, float y, float& z) const;
+};
+
+// Half an ellipsoid over the ellipse of semi-axes a and b.
+struct FZDome {
+    float cx = 0.0f;
+    float cy = 0.0f;
+    float a = 0.0f;
+    float b = 0.0f;
+    FZShapeBox box;
+    float z0 = 0.0f;
+    float height = 0.0f;
+
+    void Set(float centerX, float centerY, float semiA, float semiB, float baseHeight, float domeHeight);
+    void Bounds(float& bx0, float& by0, float& bx1, float& by1) const { box.Get(bx0, by0, bx1, by1); }
+    bool HeightAt(float x, float y, float& z) const;
+};
+
+// A ring between the radii Ri and R whose cross-section is half an ellipse:
+// (R - Ri) / 2 wide on each side of the mid radius, heightScale high.
+struct FZTorus {
+    float cx = 0.0f;
+    float cy = 0.0f;
+    float z0 = 0.0f;
+    float outerRadius = 0.0f;
+    float innerRadius = 0.0f;
+    float heightScale = 0.0f;
+    FZShapeBox box;
+
+    void Set(float centerX, float centerY, float baseHeight, float outer, float inner, float scale);
+    void Bounds(float& bx0, float& by0, float& bx1, float& by1) const { box.Get(bx0, by0, bx1, by1); }
+    bool HeightAt(float x, float y, float& z) const;
+};
+
+// The colour handed to the layer with every drawn sample. The sample layer
+// shows its material's colour, so this one is never seen.
+inline constexpr FZColor kFZShapeSampleColor{};
+
+// Draws an outline into the layer: every pixel of its bounding box (clipped
+// to the layer) is tested at 3 x 3 points and merged with CompositeSample.
+// Single-precision arithmetic throughout.
+template <typename Shape>
+void RasterizeShape(FZLayer& layer, const Shape& shape)
+{
+    if (layer.coverage == nullptr || layer.depth == nullptr)
+        return;
+    float bx0, by0, bx1, by1;
+    shape.Bounds(bx0, by0, bx1, by1);
+    const std::int32_t columnFirst = FZTruncateClamped(bx0, 0, INT32_MAX);
+    const std::int32_t columnLast = FZTruncateClamped(bx1 + 0.1f, INT32_MIN, layer.width - 1);
+    const std::int32_t rowFirst = FZTruncateClamped(by0, 0, INT32_MAX);
+    const std::int32_t rowLast = FZTruncateClamped(by1 + 0.1f, INT32_MIN, layer.height - 1);
+    const float third = 1.0f / 3.0f;
+    const float sixth = 1.0f / 6.0f;
+    const float ninth = 1.0f / 9.0f;
+
+    for (std::int32_t py = rowFirst; py <= rowLast; ++py) {
+        for (std::int32_t px = columnFirst; px <= columnLast; ++px) {
+            const float a0 = layer.coverage[py][px] / 255.0f;
+            const float z0p = layer.depth[py][px];
+            float weightSum = 0.0f;
+            float heightSum = 0.0f;
+            float dy = sixth;
+            for (int j = 0; j < 3; ++j, dy += third) {
+                float dx = sixth;
+                for (int i = 0; i < 3; ++i, dx += third) {
+                    float zs = 0.0f;
+                    if (shape.HeightAt(static_cast<float>(px) + dx, static_cast<float>(py) + dy, zs)) {
+                        // Over an earlier surface the higher of the two shows.
+                        weightSum += 1.0f;
+                        heightSum += a0 == 0.0f || zs >= z0p ? zs : z0p;
+                    } else if (a0 > 0.0f) {
+                        weightSum += a0;
+                        heightSum += a0 * z0p;
+                    }
+                }
+            }
+            if (weightSum > 0.0f) {
+                const float z = heightSum * (1.0f / weightSum);
+                const auto cb = static_cast<std::uint8_t>(FZTruncateClamped(weightSum * ninth * 255.0f, 0, 255));
+                layer.CompositeSample(px, py, z, cb, kFZShapeSampleColor);
+            }
+        }
+    }
+}
+
+// Lowers the covered depths within radius of (cx, cy) by a smooth bowl that
+// is depth deep at the centre and 0 at the radius (4 x 4 points a pixel).
+void AddDimple(FZLayer& layer, float cx, float cy, float radius, float depth);
+// Cuts the covered depths at the fraction k of their range (which always
+// includes 0).
+void FlattenTop(FZLayer& layer, float k);
+// Every covered depth above the level becomes the level.
+void ClampDepth(FZLayer& layer, float level);
+
+// Draws sample shape n (1 to 4; any other number draws nothing) centred on
+// (cx, cy) with size r and base height 0 into an empty layer:
+//   1 a round plate with a rounded rim and a dimple down to 0 at its centre,
+//   2 a dome half as high as wide, 3 a hemisphere cut flat at 70 % of its
+//   height, 4 a ring with a round cross-section of radius r / 4.
+// The preview centres the shapes in the frame and takes r = h / 2.3.
+void DrawSampleShape(FZLayer& layer, int n, float cx, float cy, float r);
+
+#endif
