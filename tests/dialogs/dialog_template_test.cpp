@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "dialogs/dialog_template.h"
+#include "dialogs/resources.h"
 #include "dialogs/templates.h"
 #include "engine/display/canvas.h"
 
@@ -80,8 +81,22 @@ TEST(BuildDialog, MaterialDialogFollowsItsTable)
 
     // Eleven sliders, eleven bitmaps beside them, and unnamed labels.
     EXPECT_EQ(dialog.findChildren<QScrollBar*>(Qt::FindDirectChildrenOnly).size(), 11);
-    for (int id : {4003, 4004, 4007, 4008, 4019, 4009, 4005, 4006, 4010, 4011, 4012})
-        EXPECT_NE(DlgItem<QLabel>(&dialog, id), nullptr) << id;
+    for (int id : {4003, 4004, 4007, 4008, 4019, 4009, 4005, 4006, 4010, 4011, 4012}) {
+        auto* bitmap = DlgItem<QLabel>(&dialog, id);
+        ASSERT_NE(bitmap, nullptr) << id;
+        EXPECT_EQ(bitmap->size(), QSize(16, 16)) << id;
+        EXPECT_FALSE(bitmap->pixmap().isNull()) << id;
+    }
+}
+
+TEST(Resources, ElevenSliderBitmapsOfSixteenPixels)
+{
+    TameriskRegisterResources();
+    TameriskRegisterResources();  // idempotent
+    for (int id : {4004, 4005, 4007, 4009, 4010, 4012, 4013, 4015, 4016, 4017, 4025}) {
+        const QImage picture(QStringLiteral(":/bitmaps/%1.png").arg(id));
+        EXPECT_EQ(picture.size(), QSize(16, 16)) << id;
+    }
 }
 
 TEST(BuildDialog, ParameterTemplatesKeepHiddenControlsHidden)
