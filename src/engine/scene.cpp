@@ -77,6 +77,8 @@ int FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32
     Release();
     if (w < 0 || h < 0)
         return -4;
+    if (std::int64_t{w} * h > kMaxPixels)
+        return -2;
     baseDepth = base;
     x = lx;
     y = ly;

@@ -200,10 +200,17 @@ public:
     FZLayer(const FZLayer&) = delete;
     FZLayer& operator=(const FZLayer&) = delete;
 
+    // The most pixels a layer may have (16384 x 16384, about 3.8 GB of
+    // rows). Larger requests are refused as out of memory up front: rows
+    // are allocated one at a time, and on a system that overcommits memory
+    // each of them would succeed until the process is killed.
+    static constexpr std::int64_t kMaxPixels = std::int64_t{1} << 28;
+
     // Replaces the contents by empty rows of w x h: coverage and depth 0,
     // own colours black, colour source 1, visible. 0; -2 when memory runs
-    // out and -4 for a negative size, the layer then being left released
-    // (empty, size 0), so no half-built layer is ever rendered.
+    // out or w x h exceeds kMaxPixels, -4 for a negative size; the layer is
+    // then left released (empty, size 0), so no half-built layer is ever
+    // rendered.
     int Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base);
     // Frees every row set (highlight and normal rows included) and the
     // shaded image; base depth, position and size back to 0.

@@ -163,13 +163,21 @@ TEST(Scene, WithoutListsEveryListOperationRefuses)
 TEST(Scene, OddFrameSizes)
 {
     FZScene scene;
-    ASSERT_EQ(scene.SetUpFrame(1, 1, kWhite), 0);
+    const float wild[3] = {std::nanf(""), -1e30f, std::numeric_limits<float>::infinity()};
+    ASSERT_EQ(scene.SetUpFrame(1, 1, wild), 0);
     EXPECT_EQ(scene.AddFullFrameLayer(), 1);
     EXPECT_EQ(scene.LayerAt(1)->CompositeSample(0, 0, 1.0f, 255, Rgb(1, 2, 3)), 2);
 
     ASSERT_EQ(scene.SetUpFrame(0, 0, kWhite), 0);
     EXPECT_EQ(scene.LayerCount(), 1);
     EXPECT_EQ(scene.LayerAt(0)->width, 0);
+
+    // Frames too large to hold are refused before anything is allocated.
+    EXPECT_EQ(scene.SetUpFrame(100000, 100000, kWhite), -2);
+    EXPECT_EQ(scene.LayerCount(), 0);
+    ASSERT_EQ(scene.SetUpFrame(2, 2, kWhite), 0);
+    EXPECT_EQ(scene.AddLayerRect(0, 0, 1, INT32_MAX), -2);
+    EXPECT_EQ(scene.LayerCount(), 1);
 
     EXPECT_EQ(scene.SetUpFrame(-1, 5, kWhite), -4);
     EXPECT_EQ(scene.LayerCount(), 0);
