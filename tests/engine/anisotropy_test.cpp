@@ -8,18 +8,12 @@
 
 #include "engine/random.h"
 #include "engine/shading/anisotropy.h"
+#include "engine/support/shading_fixture.h"
 
 namespace {
 
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInf = std::numeric_limits<float>::infinity();
-
-FZPackedVector Packed(float x, float y, float z)
-{
-    FZPackedVector v;
-    v.SetFloats(x, y, z, true);
-    return v;
-}
 
 struct Facets {
     FZPackedVector t1, t2;

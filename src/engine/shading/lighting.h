@@ -5,7 +5,10 @@
 #include "engine/scene.h"
 
 // Shades the layer with the view direction and the lights (may be null: no
-// lights). 0; -11 for an empty layer; -2 when an image or map cannot be had.
+// lights) into its shaded colour image, and its highlight map when the
+// highlight strength is above 0. 0; -11 for an empty layer or one without
+// coverage, depth or normal rows; -2 (before any pixel is written) when the
+// image or the map cannot be had. A failed map leaves none behind.
 int ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLight>* lights);
 
 void DiffuseTerm(const FZAttributeEx& material, const FZPackedVector& normal,

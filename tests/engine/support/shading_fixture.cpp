@@ -1,0 +1,47 @@
+#include "engine/support/shading_fixture.h"
+
+void MakeShadingLayer(FZLayer& layer, int w, int h, float nx, float ny, float nz)
+{
+    layer.Create(0, 0, w, h, 0.0f);
+    layer.FillDepth(0.0f);
+    layer.SetColorSource(0);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x)
+            SetNormal(layer, x, y, nx, ny, nz);
+    layer.boundsX0 = 0;
+    layer.boundsX1 = w - 1;
+    layer.boundsY0 = 0;
+    layer.boundsY1 = h - 1;
+}
+
+void SetNormal(FZLayer& layer, int x, int y, float nx, float ny, float nz)
+{
+    layer.normals[y][x].SetFloats(nx, ny, nz, true);
+}
+
+void AddLight(FZPtrArray<FZLight>& lights, float dx, float dy, float dz, float intensity)
+{
+    auto* light = new FZLight;
+    const float direction[3] = {dx, dy, dz};
+    const float white[3] = {1.0f, 1.0f, 1.0f};
+    light->SetDirectional(intensity, direction, white);
+    lights.Append(light);
+}
+
+FZPackedVector Packed(float x, float y, float z)
+{
+    FZPackedVector v;
+    v.SetFloats(x, y, z, true);
+    return v;
+}
+
+FZPackedVector HeadOnView()
+{
+    return Packed(0.0f, 0.0f, -1.0f);
+}
+
+FZColor ShadedPixel(const FZLayer& layer, int x, int y)
+{
+    const std::uint8_t* p = layer.shaded->PixelAddress(x, y);
+    return FZColor{p[2], p[1], p[0]};
+}
