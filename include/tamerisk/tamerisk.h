@@ -1,0 +1,128 @@
+// Tamerisk's host interface: the nine functions through which a host
+// application opens the material editor "質感 ﾘﾓｺﾝ", hands it a material and
+// reads the edited material back.
+//
+// libtamerisk.so exports these functions with C linkage under exactly these
+// names, so a host may link the library or resolve them at run time (dlopen
+// and dlsym, or QLibrary::resolve) through the pointer types declared below.
+// Besides them the library exports only the dialog class CDlgAttribute
+// (tamerisk/dlg_attribute.h), for hosts that want to own editor objects
+// themselves. This header and tamerisk/attribute.h are all a host needs.
+//
+// Requirements
+//   * The host runs a QApplication (Qt 6 Widgets) and calls every function on
+//     its GUI thread. The editor is a modeless top-level window that lives in
+//     the host's event loop; nothing is locked.
+//   * Tamerisk_Open without a QApplication, or from another thread, returns 0
+//     and opens nothing.
+//
+// Calling order
+//   1. Tamerisk_Open(notifyWindow, notifyMessage) creates the one editor. Its
+//      window is placed where it was when last closed and is shown or stays
+//      hidden as it was then (the file Tamerisk.ini beside the host's
+//      executable remembers it; the first time it stays hidden). Opening also
+//      switches colour bind off and starts from the default material.
+//   2. Tamerisk_SetAttribute with the material to edit, and
+//      Tamerisk_SetColorBind(1) if the host decides the surface colour itself.
+//      Both only work after step 1.
+//   3. Tamerisk_ShowWindow(TAMERISK_SW_SHOWNORMAL) (or another command) to
+//      show the editor, Tamerisk_ShowWindow(TAMERISK_SW_HIDE) to hide it.
+//   4. When the user presses "更新" (update) or the space bar, the editor
+//      sends the notify event to notifyWindow with
+//      QCoreApplication::sendEvent: synchronously, so the host's handler runs
+//      before the editor's button handler returns. The event's type() is
+//      QEvent::Type(notifyMessage); pick the number with
+//      QEvent::registerEventType() and handle it in notifyWindow's event() or
+//      an event filter. The handler reads the material with
+//      Tamerisk_GetAttribute. With a null notifyWindow the editor tells the
+//      user that there is nobody to send to.
+//   5. Tamerisk_Close when done. It destroys the window, which remembers its
+//      position, and frees the editor.
+//
+// The close box of the editor only hides it (minimised, then hidden);
+// Tamerisk_GetShow tells the host, and Tamerisk_ShowWindow brings it back.
+// Do not call Tamerisk_Open or Tamerisk_Close from inside the notify handler:
+// the editor's button handler is still running then. Post the call instead
+// (QMetaObject::invokeMethod with Qt::QueuedConnection).
+//
+// Without an open editor every function but Tamerisk_Open does nothing;
+// Tamerisk_GetShow then returns TAMERISK_NO_EDITOR and Tamerisk_GetColorBind
+// returns 0. Null record pointers are ignored.
+#ifndef TAMERISK_TAMERISK_H
+#define TAMERISK_TAMERISK_H
+
+#include "attribute.h"
+#include "export.h"
+
+class QWidget;
+
+// Show commands for Tamerisk_ShowWindow and show states reported by
+// Tamerisk_GetShow. The numbers are those of the Windows SW_* constants, so
+// hosts ported from there keep their values.
+enum TameriskShowCommand : int {
+    TAMERISK_SW_HIDE = 0,             // hide the window
+    TAMERISK_SW_SHOWNORMAL = 1,       // show and activate in its normal (restored) size
+    TAMERISK_SW_NORMAL = 1,
+    TAMERISK_SW_SHOWMINIMIZED = 2,    // show minimised and activate
+    TAMERISK_SW_SHOWMAXIMIZED = 3,    // show maximised and activate
+    TAMERISK_SW_MAXIMIZE = 3,
+    TAMERISK_SW_SHOWNOACTIVATE = 4,   // show in its normal size, without activating
+    TAMERISK_SW_SHOW = 5,             // show in its current state and activate
+    TAMERISK_SW_MINIMIZE = 6,         // minimise
+    TAMERISK_SW_SHOWMINNOACTIVE = 7,  // show minimised, without activating
+    TAMERISK_SW_SHOWNA = 8,           // show in its current state, without activating
+    TAMERISK_SW_RESTORE = 9,          // un-minimise (back to maximised if it was), or un-maximise
+    TAMERISK_SW_SHOWDEFAULT = 10,     // as TAMERISK_SW_SHOWNORMAL
+    TAMERISK_SW_FORCEMINIMIZE = 11,   // minimise
+};
+
+// Tamerisk_GetShow's answer when no editor is open: all 32 bits set.
+#define TAMERISK_NO_EDITOR 0xFFFFFFFFu
+
+extern "C" {
+
+// Creates the editor and its window. An editor already open is closed first
+// (its edits are lost unless fetched before). Returns 1 when the window was
+// created, 0 when it could not be (no editor is then open, or one without a
+// window that Tamerisk_Close frees).
+TAMERISK_API int Tamerisk_Open(QWidget* notifyWindow, unsigned int notifyMessage);
+// Destroys the editor's window (remembering its position) and frees it.
+// Harmless when no editor is open.
+TAMERISK_API void Tamerisk_Close(void);
+// Copies the material into the editor and brings every control and the
+// preview up to date. Any values are accepted; nothing is clamped.
+TAMERISK_API void Tamerisk_SetAttribute(FZAttributeEx* attribute);
+// Copies the editor's material into *attribute; with no editor open the
+// record is left as it is.
+TAMERISK_API void Tamerisk_GetAttribute(FZAttributeEx* attribute);
+// Colour bind: while non-zero the host decides the surface colour, the
+// editor's colour controls are disabled and the preview shows the material
+// in white. It is not part of the material and not remembered.
+TAMERISK_API void Tamerisk_SetColorBind(int bind);
+TAMERISK_API int Tamerisk_GetColorBind(void);
+// Shows, hides, minimises, maximises or restores the editor's window; see
+// TameriskShowCommand. Unknown commands are ignored.
+TAMERISK_API void Tamerisk_ShowWindow(int command);
+// The show state of the window's placement: TAMERISK_SW_SHOWMINIMIZED (2)
+// when minimised, TAMERISK_SW_SHOWMAXIMIZED (3) when maximised, otherwise
+// TAMERISK_SW_SHOWNORMAL (1). The state does not say whether the window is
+// visible: a window hidden by TAMERISK_SW_HIDE still reports 1, and one
+// closed by its close box reports 2. TAMERISK_NO_EDITOR with no editor.
+TAMERISK_API unsigned int Tamerisk_GetShow(void);
+// Sets the editor window's caption from UTF-8 text; null gives an empty one.
+TAMERISK_API void Tamerisk_SetTitle(const char* utf8);
+
+} // extern "C"
+
+// Function pointer types for hosts that resolve the functions at run time.
+typedef int (*Tamerisk_OpenFunction)(QWidget*, unsigned int);
+typedef void (*Tamerisk_CloseFunction)(void);
+typedef void (*Tamerisk_SetAttributeFunction)(FZAttributeEx*);
+typedef void (*Tamerisk_GetAttributeFunction)(FZAttributeEx*);
+typedef void (*Tamerisk_SetColorBindFunction)(int);
+typedef int (*Tamerisk_GetColorBindFunction)(void);
+typedef void (*Tamerisk_ShowWindowFunction)(int);
+typedef unsigned int (*Tamerisk_GetShowFunction)(void);
+typedef void (*Tamerisk_SetTitleFunction)(const char*);
+
+#endif
