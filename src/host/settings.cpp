@@ -134,6 +134,9 @@ void LoadWindowPlacement(QWidget* dialog)
     if (!dialog)
         return;
     const WindowSettings saved = ReadWindowSettings(SettingsFilePath());
+    // The size held on the screen includes the window frame, which the
+    // platform reports once the native window exists.
+    dialog->winId();
     const QSize size = dialog->frameGeometry().size();
     dialog->move(ClampWindowPosition(saved.left, saved.top, size, PrimaryScreenSize()));
     dialog->update();
