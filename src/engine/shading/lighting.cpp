@@ -249,7 +249,6 @@ int ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLi
             return -2;
     }
 
-    GrooveNoiseTable();
     ShadeDiffuse(layer, lights);
     if (!highlight)
         return 0;
