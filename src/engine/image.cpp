@@ -4,27 +4,37 @@
 #include <limits>
 #include <new>
 
+namespace {
+
+// The largest pixel buffer Create hands out: far beyond any frame the editor
+// shows, and small enough that every byte offset into it fits in 32 bits.
+// A larger request is treated like memory that cannot be had, before any
+// allocation is tried.
+constexpr std::int64_t kMaxImageBytes = std::numeric_limits<std::int32_t>::max();
+
+// An 8-bit index reaches at most 256 palette entries.
+constexpr std::int32_t kMaxPaletteCount = 256;
+
+} // namespace
+
 int FZImage::Create(std::int32_t w, std::int32_t h, std::int32_t bpp, std::int32_t palCount)
 {
     Free();
-    if (w < 0 || h < 0 || bpp < 1 || bpp > 4 || palCount < 0)
+    if (w < 0 || h < 0 || bpp < 1 || bpp > 4 || palCount < 0 || palCount > kMaxPaletteCount)
         return -4;
-    const std::int64_t rowBytes = std::int64_t{w} * bpp;
-    const std::int64_t paddedRow = (rowBytes + 3) / 4 * 4;
-    if (paddedRow > std::numeric_limits<std::int32_t>::max())
+    const std::int64_t rowBytes = (std::int64_t{w} * bpp + 3) / 4 * 4;
+    if (rowBytes > kMaxImageBytes || rowBytes * h > kMaxImageBytes)  // both below 2^31: no overflow
         return -2;
-    const std::int64_t size = paddedRow * h;
-    if (size > std::numeric_limits<std::int64_t>::max() / 2)
-        return -2;
+    const std::int64_t size = rowBytes * h;
 
     std::uint8_t* pixels = nullptr;
-    std::uint8_t* pal = nullptr;
     if (size > 0) {
         pixels = new (std::nothrow) std::uint8_t[static_cast<std::size_t>(size)];
         if (pixels == nullptr)
             return -2;
         std::memset(pixels, 0, static_cast<std::size_t>(size));
     }
+    std::uint8_t* pal = nullptr;
     if (palCount > 0) {
         pal = new (std::nothrow) std::uint8_t[static_cast<std::size_t>(palCount) * 3];
         if (pal == nullptr) {
@@ -34,10 +44,10 @@ int FZImage::Create(std::int32_t w, std::int32_t h, std::int32_t bpp, std::int32
     }
     width = w;
     height = h;
-    stride = static_cast<std::int32_t>(paddedRow);
+    bytesPerPixel = bpp;
+    stride = static_cast<std::int32_t>(rowBytes);
     dataSize = size;
     data = pixels;
-    bytesPerPixel = bpp;
     paletteCount = palCount;
     palette = pal;
     return 0;

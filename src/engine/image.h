@@ -25,9 +25,10 @@ public:
     FZImage(const FZImage&) = delete;
     FZImage& operator=(const FZImage&) = delete;
 
-    // Replaces the contents by a zeroed image. Returns 0; -2 when the memory
-    // cannot be had (the image is then left empty); -4 for a negative size
-    // or a bytesPerPixel outside 1 to 4.
+    // Replaces the contents by a zeroed image (the palette is not
+    // initialised). Returns 0; -2 when the memory cannot be had or the pixels
+    // would exceed 2 GiB; -4 for a negative size, a bytesPerPixel outside 1
+    // to 4 or more than 256 palette entries. On failure the image is empty.
     int Create(std::int32_t w, std::int32_t h, std::int32_t bpp, std::int32_t palCount);
     // Releases name, palette and data; every count back to 0.
     void Free();

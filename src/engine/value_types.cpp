@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <new>
+#include <stdexcept>
 #include <vector>
 
 #include "engine/fz_math.h"
@@ -35,6 +36,8 @@ int FilterSeparable(FZFloatGrid& grid, int size)
         copy.resize(static_cast<std::size_t>(grid.width) * static_cast<std::size_t>(grid.height));
         column.resize(static_cast<std::size_t>(grid.height));
     } catch (const std::bad_alloc&) {
+        return -2;
+    } catch (const std::length_error&) {  // a size no allocator could serve
         return -2;
     }
 
@@ -82,10 +85,11 @@ void FZSmoothStep::Setup(float ax0, float ay0, float ax1, float ay1)
     invWidth = ax1 == ax0 ? 0.0f : static_cast<float>(1.0 / (static_cast<double>(ax1) - ax0));
 }
 
+// t stays in double; only its square and cube are rounded to float.
 double FZSmoothStep::Evaluate(double x) const
 {
-    const float t = static_cast<float>((x - x0) * invWidth);
-    const float t2 = static_cast<float>(static_cast<double>(t) * t);
-    const float t3 = static_cast<float>(static_cast<double>(t) * t * t);
+    const double t = (x - x0) * invWidth;
+    const float t2 = static_cast<float>(t * t);
+    const float t3 = static_cast<float>(t * t * t);
     return static_cast<double>(a) * t3 + static_cast<double>(b) * t2 + y0;
 }
