@@ -4,13 +4,15 @@
 #   2. the Qt-free engine and file-format tests again in build-sanitize/,
 #      built with clang under AddressSanitizer and UndefinedBehaviorSanitizer,
 #      with the fuzz targets' seed corpora replayed.
-# Exits 0 only when everything passes.
+# Exits 0 only when everything passes. TAMERISK_JOBS sets the number of
+# parallel build and test jobs (default: one per processor).
 set -euo pipefail
 cd "$(dirname "$0")"
 
 ./scripts/install-deps.sh
 export QT_QPA_PLATFORM=offscreen
-jobs=$(nproc)
+export TAMERISK_JOBS=${TAMERISK_JOBS:-$(nproc)}
+jobs=$TAMERISK_JOBS
 
 echo "== Full build (build/)"
 ./scripts/build.sh
@@ -22,7 +24,7 @@ cmake -S . -B build-sanitize -G Ninja \
   -DCMAKE_CXX_COMPILER=clang++ \
   -DTAMERISK_WITH_QT=OFF -DTAMERISK_BENCH=OFF \
   -DTAMERISK_SANITIZE=ON -DTAMERISK_FUZZ=ON >/dev/null
-cmake --build build-sanitize
+cmake --build build-sanitize --parallel "$jobs"
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:strict_string_checks=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 (cd build-sanitize && ctest --output-on-failure -j"$jobs")
