@@ -1,0 +1,567 @@
+#include "engine/render.h"
+
+#include <cmath>
+#include <cstdint>
+#include <new>
+#include <vector>
+
+#include "engine/fz_math.h"
+#include "engine/shading/lighting.h"
+#include "engine/shading/surface.h"
+#include "engine/shading/transparency.h"
+
+namespace {
+
+// The compositor looks straight down the z axis.
+FZPackedVector ViewDirection()
+{
+    FZPackedVector v;
+    v.x = 0;
+    v.y = 0;
+    v.z = -30000;
+    return v;
+}
+
+std::int32_t ClampToInt32(std::int64_t v)
+{
+    return v < INT32_MIN ? INT32_MIN : (v > INT32_MAX ? INT32_MAX : static_cast<std::int32_t>(v));
+}
+
+// The layer's pixels in frame coordinates, inclusive. Computed in 64 bits so
+// that no position or size can overflow.
+FZRect LayerFrameRect(const FZLayer& layer)
+{
+    return FZRect(layer.x, layer.y, ClampToInt32(std::int64_t{layer.x} + layer.width - 1),
+                  ClampToInt32(std::int64_t{layer.y} + layer.height - 1));
+}
+
+// The part of rect that lies inside the scene and inside the image; false
+// when nothing is left.
+bool ClipToImage(const FZScene& scene, const FZImage& image, FZRect& rect)
+{
+    const std::int32_t w = FZMin(scene.width, image.width);
+    const std::int32_t h = FZMin(scene.height, image.height);
+    return image.data != nullptr && rect.ClipTo(0, 0, w - 1, h - 1);
+}
+
+// Makes sure the scene owns an image of its frame size (24-bit, no
+// palette); an image of another size or without pixels is made again.
+int EnsureFrameSizedImage(const FZScene& scene, FZImage*& image)
+{
+    if (image != nullptr && image->data != nullptr && image->width == scene.width
+        && image->height == scene.height)
+        return 0;
+    if (image == nullptr) {
+        image = new (std::nothrow) FZImage;
+        if (image == nullptr)
+            return -2;
+    }
+    const int result = image->Create(scene.width, scene.height, 3, 0);
+    if (result != 0) {
+        delete image;
+        image = nullptr;
+    }
+    return result;
+}
+
+// Colour (R, G, B floats) of an image pixel, stored blue, green, red.
+void ReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, float rgb[3])
+{
+    const std::uint8_t* p = image.PixelAddress(x, y);
+    rgb[0] = static_cast<float>(p[2] / 255.0);
+    rgb[1] = static_cast<float>(p[1] / 255.0);
+    rgb[2] = static_cast<float>(p[0] / 255.0);
+}
+
+void CopyBackground(const FZScene& scene, float rgb[3])
+{
+    for (int c = 0; c < 3; ++c)
+        rgb[c] = scene.background[c];
+}
+
+void FillRect(FZImage& frame, const FZRect& rect, const std::uint8_t bgr[3])
+{
+    for (std::int32_t y = rect.y0; y <= rect.y1; ++y) {
+        std::uint8_t* p = frame.PixelAddress(rect.x0, y);
+        for (std::int32_t x = rect.x0; x <= rect.x1; ++x, p += 3) {
+            p[0] = bgr[0];
+            p[1] = bgr[1];
+            p[2] = bgr[2];
+        }
+    }
+}
+
+void CopyRect(const FZImage& from, FZImage& to, const FZRect& rect)
+{
+    const std::size_t bytes = static_cast<std::size_t>(rect.x1 - rect.x0 + 1) * 3;
+    for (std::int32_t y = rect.y0; y <= rect.y1; ++y) {
+        const std::uint8_t* src = from.PixelAddress(rect.x0, y);
+        std::uint8_t* dst = to.PixelAddress(rect.x0, y);
+        for (std::size_t i = 0; i < bytes; ++i)
+            dst[i] = src[i];
+    }
+}
+
+// Everything that stays the same for all pixels of one layer.
+struct LayerPass {
+    FZScene& scene;
+    const FZLayer& layer;
+    const FZAttributeEx& material;
+    float bias;     // z of the layer's depth 0
+    bool reflects;
+    bool refracts;
+    float eta;
+};
+
+// Where the refracted ray meets the plane z = 0; false when it never does
+// (total internal reflection, a ray parallel to the plane).
+bool RefractedPoint(const LayerPass& pass, std::int32_t x, std::int32_t y, std::int32_t lx,
+                    std::int32_t ly, float d, const FZPackedVector& n, float& sx, float& sy)
+{
+    const FZPackedVector view = ViewDirection();
+    FZPackedVector r;
+    if (!FZPackedVector::Refract(r, view, n, pass.eta))
+        return false;
+    float rx, ry, rz;
+    r.GetFloats(rx, ry, rz);
+    if (rz == 0.0f)
+        return false;
+
+    if (!pass.material.thinGlass) {
+        float s = static_cast<float>(-(static_cast<double>(d) + pass.bias));
+        if (!(s < 0.0f))
+            s = 0.0f;
+        const float p = static_cast<float>(static_cast<double>(s) / rz);
+        sx = static_cast<float>(x + 0.5 + static_cast<double>(rx) * p);
+        sy = static_cast<float>(y + 0.5 + static_cast<double>(ry) * p);
+        return true;
+    }
+
+    // A plate of the material's thickness: the ray crosses the plate along
+    // the refracted direction, then leaves it along the view direction when
+    // the plate ends above the surface's base, else goes on refracted.
+    const float thick = static_cast<float>(pass.material.thickness / std::fabs(static_cast<double>(rz)));
+    const float s = d < thick ? -d : -thick;
+    const float p = static_cast<float>(static_cast<double>(s) / rz);
+    const float px = static_cast<float>(lx + 0.5 + static_cast<double>(rx) * p);
+    const float py = static_cast<float>(ly + 0.5 + static_cast<double>(ry) * p);
+    const float z1 = static_cast<float>(static_cast<double>(d) - s);
+    if (d >= thick)
+        view.GetFloats(rx, ry, rz);
+    float s2 = static_cast<float>(-(static_cast<double>(z1) + pass.bias));
+    if (!(s2 < 0.0f))
+        s2 = 0.0f;
+    const float p2 = static_cast<float>(static_cast<double>(s2) / rz);
+    sx = static_cast<float>(pass.layer.x + static_cast<double>(px) + static_cast<double>(rx) * p2);
+    sy = static_cast<float>(pass.layer.y + static_cast<double>(py) + static_cast<double>(ry) * p2);
+    return true;
+}
+
+// The colour seen through the layer at one pixel: what lies behind, where
+// the refracted ray meets the plane z = 0; the background where refraction
+// fails.
+void RefractedColour(const LayerPass& pass, std::int32_t x, std::int32_t y, std::int32_t lx,
+                     std::int32_t ly, float d, const FZPackedVector& n, float out[3])
+{
+    float sx = 0.0f;
+    float sy = 0.0f;
+    if (RefractedPoint(pass, x, y, lx, ly, d, n, sx, sy))
+        SampleBehind(pass.scene, sx, sy, out);
+    else
+        CopyBackground(pass.scene, out);
+}
+
+// Composites one covered layer pixel (lx, ly) over frame pixel (x, y).
+void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t x,
+                  std::int32_t y, std::int32_t lx, std::int32_t ly)
+{
+    const float a = static_cast<float>(pass.layer.coverage[ly][lx] / 255.0);
+    if (!(a > 0.0f))
+        return;
+    const float d = pass.layer.depth[ly][lx];
+    FZPackedVector n;  // an unprepared layer is taken as facing the viewer
+    n.z = 30000;
+    if (pass.layer.normals != nullptr)
+        n = pass.layer.normals[ly][lx];
+
+    float shade[3];
+    float t = 0.0f;
+    LookupShade(pass.layer, lx, ly, shade, t);
+
+    if (pass.reflects) {
+        const double facing = -FZPackedVector::Dot(ViewDirection(), n);
+        FZRay ray;
+        ray.origin[0] = static_cast<float>(x + 0.5);
+        ray.origin[1] = static_cast<float>(y + 0.5);
+        ray.origin[2] = static_cast<float>(static_cast<double>(d) + pass.bias);
+        ray.direction = n;
+        ray.weight = static_cast<float>(pass.material.reflection * FZMax(0.0, facing));
+        float sky[3] = {0.0f, 0.0f, 0.0f};
+        // A sky that cannot be built reflects nothing.
+        if (LookupEnvironment(pass.scene.environment, ray, sky) == 0)
+            for (int c = 0; c < 3; ++c)
+                shade[c] = static_cast<float>(static_cast<double>(shade[c]) + sky[c]);
+    }
+
+    float through[3] = {0.0f, 0.0f, 0.0f};
+    if (pass.refracts) {
+        RefractedColour(pass, x, y, lx, ly, d, n, through);
+        for (int c = 0; c < 3; ++c)
+            through[c] = static_cast<float>(static_cast<double>(through[c]) * a * t);
+    }
+
+    float under[3] = {0.0f, 0.0f, 0.0f};
+    const float uncovered = static_cast<float>(1.0 - a);
+    if (uncovered != 0.0f) {
+        ReadPixel(behind, x, y, under);
+        for (int c = 0; c < 3; ++c)
+            under[c] = static_cast<float>(static_cast<double>(under[c]) * uncovered);
+    }
+
+    std::uint8_t* p = frame.PixelAddress(x, y);
+    for (int c = 0; c < 3; ++c) {
+        const float s = static_cast<float>(static_cast<double>(shade[c]) * a);
+        float out = static_cast<float>(static_cast<double>(s) + through[c] + under[c]);
+        if (out > 1.0f)
+            out = 1.0f;
+        // Bytes go blue, green, red; values a broken material drives below
+        // 0 (or to NaN) store 0.
+        p[2 - c] = static_cast<std::uint8_t>(FZTruncateClamped(static_cast<double>(out) * 255.0, 0, 255));
+    }
+}
+
+// Composites one frame row of the layer, columns x0 to x1. Rows are
+// independent of each other: each reads the behind image and writes only its
+// own frame row.
+void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t y,
+                std::int32_t x0, std::int32_t x1)
+{
+    const std::int32_t ly = ClampToInt32(std::int64_t{y} - pass.layer.y);
+    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, pass.layer.x));
+    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{pass.layer.x} + pass.layer.width - 1));
+    for (std::int32_t x = first; x <= last; ++x)
+        ComposePixel(pass, behind, frame, x, y, x - pass.layer.x, ly);
+}
+
+// Composites the layer over the frame inside rect, which lies in the frame.
+void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, const FZRect& rect,
+                  FZImage& frame)
+{
+    const FZAttributeEx& m = layer.material;
+    const float eta = m.refractiveIndex < 0.01f ? 1.0f : m.refractiveIndex;
+    const LayerPass pass{scene,
+                         layer,
+                         m,
+                         index == 0 ? scene.groundDepth : scene.layerDepth,
+                         m.reflection > 0.0f && scene.environment.IsOn(),
+                         m.transparency > 0.0f,
+                         eta};
+    CopyRect(frame, *scene.behind, rect);
+    if (layer.coverage == nullptr || layer.depth == nullptr)
+        return;
+    const std::int64_t top = std::int64_t{layer.y} + layer.height - 1;
+    const std::int32_t y0 = ClampToInt32(FZMax<std::int64_t>(rect.y0, layer.y));
+    const std::int32_t y1 = ClampToInt32(FZMin<std::int64_t>(rect.y1, top));
+    for (std::int32_t y = y0; y <= y1; ++y)
+        ComposeRow(pass, *scene.behind, frame, y, rect.x0, rect.x1);
+}
+
+bool IsEmitter(const FZLayer* layer)
+{
+    return layer != nullptr && layer->IsVisible() != 0 && layer->material.emission > 0.0f;
+}
+
+// A float raster of h rows of w floats with its row pointers.
+struct Grid {
+    std::vector<float> cells;
+    std::vector<float*> rows;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+
+    // False when out of memory.
+    bool Allocate(std::int32_t w, std::int32_t h)
+    {
+        try {
+            cells.assign(static_cast<std::size_t>(w) * static_cast<std::size_t>(h), 0.0f);
+            rows.resize(static_cast<std::size_t>(h));
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
+        for (std::int32_t r = 0; r < h; ++r)
+            rows[r] = cells.data() + static_cast<std::size_t>(r) * static_cast<std::size_t>(w);
+        width = w;
+        height = h;
+        return true;
+    }
+    float* operator[](std::int32_t r) { return rows[r]; }
+    const float* operator[](std::int32_t r) const { return rows[r]; }
+};
+
+// The emitter's light, coverage / 255 x emission x 200 per frame pixel of
+// rect, dimmed by the layers between it and the ground (first to index - 1)
+// by how much of the light their coverage and transparency let pass.
+void GatherEmission(const FZScene& scene, std::int32_t index, const FZRect& renderRect,
+                    const FZRect& rect, Grid& m)
+{
+    const FZLayer& layer = *scene.LayerAt(index);
+    const double emission = layer.material.emission;
+    for (std::int32_t r = 0; r < m.height; ++r)
+        for (std::int32_t c = 0; c < m.width; ++c) {
+            const std::uint8_t cov = layer.coverage[rect.y0 + r - layer.y][rect.x0 + c - layer.x];
+            m[r][c] = static_cast<float>(cov / 255.0 * emission * 200.0);
+        }
+
+    for (std::int32_t j = 1; j < index; ++j) {
+        const FZLayer* front = scene.LayerAt(j);
+        if (front == nullptr || front->IsVisible() == 0 || front->coverage == nullptr)
+            continue;
+        FZRect frontRect = LayerFrameRect(*front);
+        if (!frontRect.Intersect(renderRect) || !frontRect.Intersect(rect))
+            continue;
+        const double clear = front->material.transparency;
+        for (std::int32_t fy = frontRect.y0; fy <= frontRect.y1; ++fy)
+            for (std::int32_t fx = frontRect.x0; fx <= frontRect.x1; ++fx) {
+                const float aj = static_cast<float>(front->coverage[fy - front->y][fx - front->x] / 255.0);
+                float& cell = m[fy - rect.y0][fx - rect.x0];
+                cell = static_cast<float>(cell * (1.0 - aj + aj * clear));
+            }
+    }
+}
+
+// Splats the emitter's light onto the ground lattice: one light centre per
+// 5 x 5 block of the emitter, falling off to 0 at the radius.
+void SplatEmission(const Grid& m, const FZRect& emitterRect, Grid& g, const FZRect& groundRect,
+                   std::int32_t radius)
+{
+    const double r = radius;
+    const float k = static_cast<float>(1.0 / (r * r * r * 100.0));
+    for (std::int32_t br = 2; br < m.height; br += 5)
+        for (std::int32_t bc = 2; bc < m.width; bc += 5) {
+            float w = 0.0f;
+            float sumX = 0.0f;
+            float sumY = 0.0f;
+            for (std::int32_t row = FZMax(br - 2, 0); row <= FZMin(br + 2, m.height - 1); ++row)
+                for (std::int32_t col = FZMax(bc - 2, 0); col <= FZMin(bc + 2, m.width - 1); ++col) {
+                    const double v = m[row][col];
+                    w = static_cast<float>(w + v);
+                    sumX = static_cast<float>(sumX + v * (emitterRect.x0 + col + 0.5));
+                    sumY = static_cast<float>(sumY + v * (emitterRect.y0 + row + 0.5));
+                }
+            if (w == 0.0f)
+                continue;
+            const float cx = static_cast<float>(static_cast<double>(sumX) / w);
+            const float cy = static_cast<float>(static_cast<double>(sumY) / w);
+            for (std::int32_t gr = 2; gr < g.height; gr += 5) {
+                const double dy = cy - (groundRect.y0 + gr + 0.5);
+                if (!(dy * dy <= r * r))
+                    continue;
+                for (std::int32_t gc = 2; gc < g.width; gc += 5) {
+                    const double dx = cx - (groundRect.x0 + gc + 0.5);
+                    const float dist2 = static_cast<float>(dx * dx + dy * dy);
+                    if (!(dist2 <= r * r))
+                        continue;
+                    const double fall = std::sqrt(static_cast<double>(dist2)) - r;
+                    g[gr][gc] = static_cast<float>(g[gr][gc] + static_cast<double>(w) * k * fall * fall);
+                }
+            }
+        }
+}
+
+// byte + light, at most 255. Light that a broken material makes negative or
+// not a number adds nothing below 0 and nothing at all, respectively.
+std::uint8_t AddLight(std::uint8_t byte, double light)
+{
+    const double v = byte + light;
+    if (!(v == v))
+        return byte;
+    return static_cast<std::uint8_t>(FZTruncateClamped(v, 0, 255));
+}
+
+void AddLightToFrame(const Grid& g, const FZRect& groundRect, const FZColor& colour, FZImage& frame)
+{
+    float rgb[3];
+    colour.GetFloats(rgb);
+    for (std::int32_t gr = 0; gr < g.height; ++gr)
+        for (std::int32_t gc = 0; gc < g.width; ++gc) {
+            std::uint8_t* p = frame.PixelAddress(groundRect.x0 + gc, groundRect.y0 + gr);
+            const double light = g[gr][gc];
+            p[0] = AddLight(p[0], rgb[2] * light * 255.0);
+            p[1] = AddLight(p[1], rgb[1] * light * 255.0);
+            p[2] = AddLight(p[2], rgb[0] * light * 255.0);
+        }
+}
+
+// Lights the ground around emitter i: 0, or -2 when out of memory.
+int AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& renderRect, const FZRect& groundRect,
+                    Grid& g, FZImage& frame)
+{
+    const FZLayer& layer = *scene.LayerAt(index);
+    FZRect rect = LayerFrameRect(layer);
+    if (layer.coverage == nullptr || !rect.Intersect(renderRect))
+        return 0;
+    // An emitter too small for its emission to reach a whole pixel has
+    // radius 0: it lights nothing.
+    const std::int32_t radius = EmissionRadius(layer);
+    if (radius <= 0)
+        return 0;
+    Grid m;
+    if (!m.Allocate(rect.x1 - rect.x0 + 1, rect.y1 - rect.y0 + 1))
+        return -2;
+    GatherEmission(scene, index, renderRect, rect, m);
+    for (float& cell : g.cells)
+        cell = 0.0f;
+    SplatEmission(m, rect, g, groundRect, radius);
+    FZFloatGrid view(g.width, g.height, g.rows.data());
+    const int result = FilterSeparable(view, 10);
+    if (result != 0)
+        return result;
+    AddLightToFrame(g, groundRect, layer.material.color, frame);
+    return 0;
+}
+
+} // namespace
+
+int RenderScene(FZScene& scene)
+{
+    return RenderRect(scene, FZRect(0, 0, scene.width - 1, scene.height - 1));
+}
+
+int RenderRect(FZScene& scene, const FZRect& rect)
+{
+    FZRect clipped = rect;
+    if (!clipped.Intersect(FZRect(0, 0, scene.width - 1, scene.height - 1)))
+        return -4;
+    const int result = EnsureFrameSizedImage(scene, scene.frame);
+    if (result != 0)
+        return result;
+    return ComposeLayers(scene, clipped, *scene.frame);
+}
+
+int ComposeLayers(FZScene& scene, const FZRect& rect, FZImage& frame)
+{
+    FZRect area = rect;
+    if (!ClipToImage(scene, frame, area))
+        return -4;
+    const int made = EnsureFrameSizedImage(scene, scene.behind);
+    if (made != 0)
+        return made;
+
+    std::uint8_t bgr[3];
+    for (int c = 0; c < 3; ++c)
+        bgr[2 - c] = FZTruncateLow8(static_cast<double>(scene.background[c]) * 255.0);
+    FillRect(frame, area, bgr);
+
+    for (std::int32_t i = 0; i < scene.LayerCount(); ++i) {
+        const FZLayer* layer = scene.LayerAt(i);
+        if (layer == nullptr || layer->IsVisible() == 0)
+            continue;
+        ComposeLayer(scene, i, *layer, area, frame);
+        if (i == 0) {
+            const int result = AddEmissionLight(scene, area, frame);
+            if (result != 0)
+                return result;
+        }
+    }
+    return 0;
+}
+
+void SampleBehind(const FZScene& scene, double sx, double sy, float out[3])
+{
+    CopyBackground(scene, out);
+    const FZImage* image = scene.behind;
+    // A ray that lands nowhere (a material's NaN or infinity) sees the
+    // background, as a point far outside the frame does.
+    if (image == nullptr || image->data == nullptr || !std::isfinite(sx) || !std::isfinite(sy))
+        return;
+    const float left = static_cast<float>(sx - 0.5);
+    const float right = static_cast<float>(sx + 0.5);
+    const float bottom = static_cast<float>(sy - 0.5);
+    const float top = static_cast<float>(sy + 0.5);
+    const std::int32_t c0 = FZMax(FZTruncate(left), 0);
+    const std::int32_t c1 = FZMin(FZTruncate(right), image->width - 1);
+    const std::int32_t r0 = FZMax(FZTruncate(bottom), 0);
+    const std::int32_t r1 = FZMin(FZTruncate(top), image->height - 1);
+
+    float sum[3] = {0.0f, 0.0f, 0.0f};
+    float total = 0.0f;
+    for (std::int32_t r = r0; r <= r1; ++r) {
+        const float hy = static_cast<float>(FZMin(r + 1.0, static_cast<double>(top))
+                                            - FZMax(static_cast<double>(r), static_cast<double>(bottom)));
+        if (!(hy > 0.0f))
+            continue;
+        for (std::int32_t c = c0; c <= c1; ++c) {
+            const float hx = static_cast<float>(FZMin(c + 1.0, static_cast<double>(right))
+                                                - FZMax(static_cast<double>(c), static_cast<double>(left)));
+            if (!(hx > 0.0f))
+                continue;
+            const double weight = static_cast<double>(hx) * hy;
+            float rgb[3];
+            ReadPixel(*image, c, r, rgb);
+            for (int ch = 0; ch < 3; ++ch)
+                sum[ch] = static_cast<float>(sum[ch] + rgb[ch] * weight);
+            total = static_cast<float>(total + weight);
+        }
+    }
+    if (!(total > 0.0f))
+        return;
+    // The part of the box outside the image shows the background.
+    for (int ch = 0; ch < 3; ++ch)
+        out[ch] = static_cast<float>(static_cast<double>(sum[ch]) / total * total
+                                     + (1.0 - total) * scene.background[ch]);
+}
+
+int AddEmissionLight(FZScene& scene, const FZRect& rect, FZImage& frame)
+{
+    const FZLayer* ground = scene.LayerAt(0);
+    if (ground == nullptr)
+        return 0;
+    FZRect area = rect;
+    FZRect groundRect = LayerFrameRect(*ground);
+    if (!ClipToImage(scene, frame, area) || !groundRect.Intersect(area))
+        return 0;
+
+    bool anyLight = false;
+    for (std::int32_t i = 1; i < scene.LayerCount() && !anyLight; ++i)
+        anyLight = IsEmitter(scene.LayerAt(i)) && !scene.LayerAt(i)->material.color.IsBlack();
+    if (!anyLight)
+        return 0;
+
+    Grid g;
+    if (!g.Allocate(groundRect.x1 - groundRect.x0 + 1, groundRect.y1 - groundRect.y0 + 1))
+        return -2;
+    for (std::int32_t i = 1; i < scene.LayerCount(); ++i) {
+        if (!IsEmitter(scene.LayerAt(i)))
+            continue;
+        const int result = AddEmitterLight(scene, i, area, groundRect, g, frame);
+        if (result != 0)
+            return result;
+    }
+    return 0;
+}
+
+int EmissionRadius(const FZLayer& layer)
+{
+    FZRect bounds;
+    if (!(layer.material.emission > 0.0f) || !CoverageBounds(layer, bounds))
+        return 0;
+    std::int32_t bw = 0;
+    std::int32_t bh = 0;
+    bounds.GetSize(bw, bh);
+    return FZTruncate(std::sqrt(static_cast<double>(layer.material.emission)) * FZMin(bw, bh));
+}
+
+int PrepareLayer(FZScene& scene, int index)
+{
+    FZLayer* layer = scene.LayerAt(index);
+    if (layer == nullptr)
+        return -11;
+    return PrepareSurface(*layer);
+}
+
+int ShadeLayerAt(FZScene& scene, int index)
+{
+    FZLayer* layer = scene.LayerAt(index);
+    if (layer == nullptr)
+        return -11;
+    return ShadeLayer(*layer, scene.camera.viewDirection, scene.lights);
+}
