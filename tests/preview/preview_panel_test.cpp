@@ -3,7 +3,9 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <vector>
 
+#include "../../bench/bench_materials.h"
 #include "engine/render.h"
 #include "preview/preview_panel.h"
 
@@ -283,4 +285,36 @@ TEST(PreviewPanel, HighlightSitsWhereTheSurfaceFacesHalfwayToTheLight)
     EXPECT_NEAR(sumX / saturated, 42.2, 1.0);
     EXPECT_NEAR(sumY / saturated, 73.4, 1.0);
     EXPECT_EQ(FramePixel(panel, 60, 60), (Rgb{0, 0, 0}));
+}
+
+TEST(PreviewPanel, FeatureMaterialsRenderTheSameTwice)
+{
+    const auto picture = [](const CPreviewPanel& panel) {
+        const FZImage& frame = *panel.Scene()->frame;
+        return std::vector<std::uint8_t>(frame.data, frame.data + frame.dataSize);
+    };
+    CPreviewPanel panel;
+    ASSERT_EQ(panel.SetUpFrame(64, 64), 0);
+    const std::vector<std::uint8_t> plain = picture(panel);
+    for (const BenchMaterial& m : BenchMaterials()) {
+        for (std::int32_t shape = 1; shape <= 4; ++shape) {
+            ASSERT_EQ(panel.BuildSampleShape(shape), 0);
+            panel.ApplyMaterial(m.material, 0);
+            const std::vector<std::uint8_t> first = picture(panel);
+            panel.ApplyMaterial(m.material, 0);
+            EXPECT_EQ(picture(panel), first) << m.name << " " << shape;
+            // Glass, mirrors and lamps show on the white default colour;
+            // extra highlight mostly lands on pixels already saturated.
+            if (shape == 1 && m.material.transparency + m.material.reflection + m.material.emission > 0.0f)
+                EXPECT_NE(first, plain) << m.name;
+        }
+        ASSERT_EQ(panel.BuildSampleShape(1), 0);
+        panel.ApplyMaterial(FZAttributeEx(), 0);
+    }
+    // The red lamp tints the blue cells around it.
+    panel.ApplyMaterial(BenchMaterials().back().material, 0);
+    const Rgb lit = FramePixel(panel, 4, 4);
+    EXPECT_GT(lit[0], kBlue[0]);
+    EXPECT_EQ(lit[1], kBlue[1]);
+    EXPECT_EQ(lit[2], kBlue[2]);
 }

@@ -1,0 +1,58 @@
+// A set of materials that between them switch on every feature of the
+// renderer: the default, anisotropic grooves under the smooth highlight,
+// refraction with incidence dependence and attenuation, thin glass, sky
+// reflection with rainbow gloss, and emission. The benchmarks time them and
+// the tests compare rendering paths with them.
+#ifndef TAMERISK_BENCH_BENCH_MATERIALS_H
+#define TAMERISK_BENCH_BENCH_MATERIALS_H
+
+#include <string>
+#include <vector>
+
+#include <tamerisk/attribute.h>
+
+struct BenchMaterial {
+    std::string name;
+    FZAttributeEx material;
+};
+
+inline std::vector<BenchMaterial> BenchMaterials()
+{
+    std::vector<BenchMaterial> set;
+    set.push_back({"default", FZAttributeEx()});
+
+    FZAttributeEx grooves;
+    grooves.smoothHighlight = 1;
+    grooves.smoothWidth = 2.0f;
+    grooves.anisotropic = 1;
+    grooves.anisotropy.type = 2;
+    grooves.anisotropy.depthVariation = 0.5f;
+    set.push_back({"smooth_anisotropic2", grooves});
+
+    FZAttributeEx glass;
+    glass.transparency = 0.8f;
+    glass.refractiveIndex = 1.5f;
+    glass.incidenceDependence = 0.5f;
+    glass.attenuation = 0.5f;
+    set.push_back({"refraction", glass});
+
+    FZAttributeEx thin;
+    thin.transparency = 0.8f;
+    thin.refractiveIndex = 1.5f;
+    thin.thinGlass = 1;
+    thin.thickness = 4.0f;
+    set.push_back({"thin_glass", thin});
+
+    FZAttributeEx mirror;
+    mirror.reflection = 0.6f;
+    mirror.rainbow = 1;
+    set.push_back({"reflection_rainbow", mirror});
+
+    FZAttributeEx lamp;
+    lamp.emission = 0.7f;
+    lamp.color.SetBytes(255, 0, 0);
+    set.push_back({"emission_red", lamp});
+    return set;
+}
+
+#endif
