@@ -314,7 +314,13 @@ void CSpinButton::resizeEvent(QResizeEvent*)
 
 void CSpinButton::SetBuddy(QLineEdit* edit)
 {
+    if (buddy != nullptr)
+        disconnect(buddy, nullptr, this, nullptr);
     buddy = edit;
+    // A number typed into the buddy becomes the position, so that text that
+    // is no number leaves the last valid one.
+    if (buddy != nullptr)
+        connect(buddy, &QLineEdit::textChanged, this, [this] { position = Pos(); });
     SetPos(position);
 }
 

@@ -181,8 +181,8 @@ public:
     int Maximum() const { return maximum; }
     // Sets the position, held within the range, and writes it to the buddy.
     void SetPos(int pos);
-    // The buddy's number held within the range, or the last position set when
-    // the buddy's text is no number.
+    // The buddy's number held within the range, or the last valid position
+    // (set, stepped or typed) when the buddy's text is no number.
     int Pos() const;
     // One arrow press: +1 (up) or -1 (down).
     void Step(int delta);
