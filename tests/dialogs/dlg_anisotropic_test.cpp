@@ -264,6 +264,36 @@ TEST(AnisotropicDialog, CancelKeepsTheRecordButHandsBackTheShape)
     EXPECT_EQ(dialog.SampleShape(), 4);
 }
 
+// Counts the paint events a widget receives.
+class PaintCounter : public QObject {
+public:
+    int paints = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        paints += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+};
+
+TEST(AnisotropicDialog, PaintingDrawsBothPicturesWithoutAskingForMorePaints)
+{
+    CDlgAnisotropic dialog;
+    dialog.SetAttribute(FZAttributeEx(), 0);
+    PaintCounter counter;
+    dialog.installEventFilter(&counter);
+    dialog.show();
+    QTest::qWait(50);
+    dialog.update();
+    QTest::qWait(50);
+    const int settled = counter.paints;
+    EXPECT_GE(settled, 1);
+    QTest::qWait(150);
+    EXPECT_EQ(counter.paints, settled);
+    EXPECT_FALSE(DlgItem<FZCanvas>(&dialog, kDiagram)->Surface().isNull());
+}
+
 TEST(AnisotropicDialog, BadHostValuesOpenAndDrawWithoutHarm)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();
