@@ -5,13 +5,15 @@
 
 #include <QAbstractSlider>
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QDialog>
 #include <QFontMetrics>
-#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
 #include <QPixmap>
+#include <QPointer>
+#include <QProxyStyle>
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
 #include <QScrollBar>
@@ -79,6 +81,30 @@ DialogBaseUnits DialogBaseUnits::FromFont(const QFont& font)
 
 namespace {
 
+// Scroll bars used as sliders get a small square thumb, as on Windows,
+// instead of the long handle Qt gives a short range.
+class SquareThumbStyle : public QProxyStyle {
+public:
+    int pixelMetric(PixelMetric metric, const QStyleOption* option,
+                    const QWidget* widget) const override
+    {
+        if (metric == PM_ScrollBarSliderMin && widget != nullptr)
+            return widget->height();
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+};
+
+QStyle* SliderStyle()
+{
+    // One style for every bar, owned by the application.
+    static QPointer<QStyle> style;
+    if (style.isNull()) {
+        style = new SquareThumbStyle;
+        style->setParent(QCoreApplication::instance());
+    }
+    return style;
+}
+
 QString Text(const ControlTemplate& c)
 {
     return c.text == nullptr ? QString() : QString::fromUtf8(c.text);
@@ -115,7 +141,7 @@ QWidget* MakeControl(QWidget* parent, const ControlTemplate& c)
     case ControlKind::AutoRadioButton:
         return new QRadioButton(Text(c), parent);
     case ControlKind::GroupBox:
-        return new QGroupBox(Text(c), parent);
+        return new CGroupBox(Text(c), parent);
     case ControlKind::Label: {
         auto* label = new QLabel(Text(c), parent);
         label->setTextFormat(Qt::PlainText);
@@ -131,6 +157,10 @@ QWidget* MakeControl(QWidget* parent, const ControlTemplate& c)
         bar->setRange(0, 100);
         bar->setSingleStep(1);
         bar->setPageStep(2);
+        // Qt inverts a scroll bar's keys by default; these are sliders, so
+        // the right arrow moves right, as on Windows.
+        bar->setInvertedControls(false);
+        bar->setStyle(SliderStyle());
         return bar;
     }
     case ControlKind::NumberEdit: {
@@ -267,6 +297,33 @@ void ConnectHScroll(QScrollBar* bar, std::function<void(QScrollBar*, int)> handl
                          bar->setValue(p);
                          handler(bar, p);
                      });
+}
+
+CGroupBox::CGroupBox(const QString& text, QWidget* parent) : QWidget(parent), title(text)
+{
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void CGroupBox::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    const QFontMetrics metrics(font());
+    const int lineY = metrics.height() / 2;
+    // An etched frame: a dark line with a light one beside it.
+    const QRect frame = rect().adjusted(0, lineY, -2, -2);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawRect(frame);
+    painter.setPen(palette().color(QPalette::Light));
+    painter.drawRect(frame.translated(1, 1));
+    if (title.isEmpty())
+        return;
+    // The title covers the top line, with a little space on either side.
+    const int gap = metrics.horizontalAdvance(QLatin1Char(' ')) / 2 + 1;
+    const QRect textRect(6, 0, metrics.horizontalAdvance(title) + 2 * gap, metrics.height());
+    painter.fillRect(textRect, palette().color(QPalette::Window));
+    painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled,
+                                   QPalette::WindowText));
+    painter.drawText(textRect, Qt::AlignCenter | Qt::TextSingleLine, title);
 }
 
 COwnerDrawButton::COwnerDrawButton(QWidget* parent) : QPushButton(parent)

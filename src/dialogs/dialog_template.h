@@ -50,7 +50,7 @@ enum class ControlKind {
     OwnerDrawnButton,   // COwnerDrawButton, painted by the dialog
     AutoCheckBox,       // QCheckBox
     AutoRadioButton,    // QRadioButton (exclusive among the dialog's radios)
-    GroupBox,           // QGroupBox, a frame only: controls are siblings
+    GroupBox,           // CGroupBox, a frame only: controls are siblings
     Label,              // QLabel, left aligned, single line
     StaticBitmap,       // QLabel with the bitmap of `extra`, sized to it
     StaticFrame,        // FZCanvas
@@ -164,6 +164,23 @@ protected:
 
 private:
     Painter painter;
+};
+
+// A group box as dialogs draw it: an etched frame whose top line runs
+// through the middle of the title. It only paints; the controls it frames
+// are its siblings, and mouse events pass through it to the dialog.
+class CGroupBox : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit CGroupBox(const QString& title, QWidget* parent = nullptr);
+    QString Title() const { return title; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString title;
 };
 
 // An up-down control attached to a buddy edit. The position shows as the

@@ -3,7 +3,6 @@
 #include <QAbstractSlider>
 #include <QCheckBox>
 #include <QDialog>
-#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
@@ -108,7 +107,7 @@ TEST(BuildDialog, ParameterTemplatesKeepHiddenControlsHidden)
         EXPECT_TRUE(GetDlgItem(&anisotropic, id)->isHidden()) << id;
     for (int id : {4019, 4021, 4022, 1027, 1028, 4024, 4027, 4031, 4038, 4000})
         EXPECT_FALSE(GetDlgItem(&anisotropic, id)->isHidden()) << id;
-    const auto groups = anisotropic.findChildren<QGroupBox*>();
+    const auto groups = anisotropic.findChildren<CGroupBox*>();
     ASSERT_EQ(groups.size(), 1);
     EXPECT_TRUE(groups.front()->objectName().isEmpty());  // no id, no name
     auto* spin = DlgItem<CSpinButton>(&anisotropic, 1028);
