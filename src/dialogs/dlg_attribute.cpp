@@ -80,6 +80,18 @@ std::uint8_t ColorByte(float v)
     return static_cast<std::uint8_t>(FZTruncateClamped(static_cast<double>(v) * 255.0, 0, 255));
 }
 
+// Paints a swatch of the colour, labelled "色選択", into the button.
+void DrawSwatch(const FZColor& color, int fontHeight, QWidget* button)
+{
+    CColorSwatch swatch;
+    float r, g, b;
+    color.GetFloats(r, g, b);
+    swatch.SetColor(r, g, b);
+    swatch.SetFontHeight(fontHeight);
+    swatch.SetLabel(QString::fromUtf8(kSwatchLabel));
+    swatch.Draw(button);
+}
+
 // Events that reach a dialog through the message loop: the state of the
 // controls is brought up to date on each of them.
 bool IsQueuedEvent(const QEvent* event)
@@ -412,24 +424,13 @@ void CDlgAttribute::ReDraw()
 
 void CDlgAttribute::DrawColorPallete()
 {
-    CColorSwatch swatch;
-    float r, g, b;
-    attribute.color.GetFloats(r, g, b);
-    swatch.SetColor(r, g, b);
-    swatch.SetFontHeight(kSwatchFontHeight);
-    swatch.SetLabel(QString::fromUtf8(kSwatchLabel));
-    swatch.Draw(GetDlgItem(this, kIdColorSwatch));
+    DrawSwatch(attribute.color, kSwatchFontHeight, GetDlgItem(this, kIdColorSwatch));
 }
 
 void CDlgAttribute::DrawHighlightColorPallete()
 {
-    CColorSwatch swatch;
-    float r, g, b;
-    attribute.highlightColor.GetFloats(r, g, b);
-    swatch.SetColor(r, g, b);
-    swatch.SetFontHeight(kHighlightSwatchFontHeight);
-    swatch.SetLabel(QString::fromUtf8(kSwatchLabel));
-    swatch.Draw(GetDlgItem(this, kIdHighlightSwatch));
+    DrawSwatch(attribute.highlightColor, kHighlightSwatchFontHeight,
+               GetDlgItem(this, kIdHighlightSwatch));
 }
 
 bool CDlgAttribute::PickColor(FZColor& color)
