@@ -427,6 +427,39 @@ TEST_F(MaterialDialog, RandomButtonDrawsFromTheFamily)
     EXPECT_EQ(Bar(kIdRed)->value(), c.r * 64 / 255);  // the sliders follow
 }
 
+// Counts the paint events a widget receives.
+class PaintCounter : public QObject {
+public:
+    int paints = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint)
+            ++paints;
+        return false;
+    }
+};
+
+TEST_F(MaterialDialog, PaintingSettles)
+{
+    // The dialog redraws its preview and swatches when it paints; that must
+    // not make it paint again.
+    PaintCounter counter;
+    dialog->installEventFilter(&counter);
+    dialog->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog.get()));
+    QTest::qWait(50);
+    const int settled = counter.paints;
+    EXPECT_GE(settled, 1);
+    QTest::mouseMove(Item(kIdUpdate));  // a button repainting under the mouse
+    QTest::qWait(150);
+    EXPECT_LE(counter.paints, settled + 2);
+    const int after = counter.paints;
+    QTest::qWait(100);
+    EXPECT_EQ(counter.paints, after);
+}
+
 TEST_F(MaterialDialog, CloseMinimisesAndHidesAndDestroyingSavesThePlacement)
 {
     dialog->show();

@@ -6,6 +6,8 @@
 #include "engine/display/canvas.h"
 #include "engine/display/image_display.h"
 #include "engine/image.h"
+#include "engine/scene.h"
+#include "preview/preview_panel.h"
 
 namespace {
 
@@ -82,6 +84,39 @@ TEST(Draw, IgnoresWhatCannotBeDrawn)
     // Corners far outside are clipped to the image.
     Draw(image, &canvas, INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX);
     EXPECT_EQ(canvas.Surface().pixel(0, 2), qRgb(255, 0, 0));
+}
+
+TEST(PresentFrame, DrawsTheWholeFrameOrNothing)
+{
+    FZScene scene;
+    FZCanvas canvas;
+    canvas.resize(5, 3);
+    PresentFrame(scene, &canvas);  // no frame yet
+    EXPECT_TRUE(canvas.Surface().isNull());
+    scene.frame = new FZImage;
+    MakeMarked(*scene.frame);
+    PresentFrame(scene, &canvas);
+    EXPECT_EQ(canvas.Surface().pixel(4, 0), qRgb(0, 0, 255));
+    EXPECT_EQ(canvas.Surface().pixel(0, 2), qRgb(255, 0, 0));
+}
+
+TEST(PreviewPanelOnAControl, TakesTheControlsSizeAndDrawsIntoIt)
+{
+    CPreviewPanel panel;
+    FZCanvas canvas;
+    canvas.resize(40, 40);
+    panel.Present(&canvas);  // before the set-up: nothing, no failure
+    EXPECT_TRUE(canvas.Surface().isNull());
+    EXPECT_EQ(panel.SetUp(nullptr), 0);
+    EXPECT_EQ(panel.Scene(), nullptr);
+
+    ASSERT_EQ(panel.SetUp(&canvas), 0);
+    ASSERT_NE(panel.Scene(), nullptr);
+    EXPECT_EQ(panel.Scene()->width, 40);
+    EXPECT_EQ(panel.Scene()->height, 40);
+    panel.Present(&canvas);
+    // The checkered ground's bottom-left cell is blue (25, 102, 153).
+    EXPECT_EQ(canvas.Surface().pixel(0, 39), qRgb(25, 102, 153));
 }
 
 } // namespace
