@@ -5,7 +5,9 @@
 #include <new>
 #include <vector>
 
+#include "engine/emission_lattice.h"
 #include "engine/fz_math.h"
+#include "engine/parallel.h"
 #include "engine/shading/lighting.h"
 #include "engine/shading/surface.h"
 #include "engine/shading/transparency.h"
@@ -243,13 +245,40 @@ void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, st
         ComposePixel(pass, behind, frame, x, y, x - pass.layer.x, ly);
 }
 
+// Whether the layer covers any pixel of frame rows y0 to y1 inside rect.
+bool CoversAny(const FZLayer& layer, std::int32_t y0, std::int32_t y1, const FZRect& rect)
+{
+    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(rect.x0, layer.x) - layer.x);
+    const std::int32_t last
+        = ClampToInt32(FZMin<std::int64_t>(rect.x1, std::int64_t{layer.x} + layer.width - 1) - layer.x);
+    for (std::int32_t y = y0; y <= y1; ++y)
+        for (std::int32_t lx = first; lx <= last; ++lx)
+            if (layer.coverage[y - layer.y][lx] != 0)
+                return true;
+    return false;
+}
+
+// The sky builds its ramp at its first lookup. The rows of a reflecting
+// layer look it up from several threads at once, so when the layer will
+// look it up, the first lookup happens here; false when the ramp cannot be
+// built (then nothing is reflected, as when every lookup fails).
+bool PrepareSky(const LayerPass& pass, std::int32_t y0, std::int32_t y1, const FZRect& rect)
+{
+    FZEnvironment& env = pass.scene.environment;
+    if (env.mode != 1 || env.rampBuilt || !CoversAny(pass.layer, y0, y1, rect))
+        return true;
+    FZRay ray;
+    float sky[3];
+    return LookupEnvironment(env, ray, sky) == 0;
+}
+
 // Composites the layer over the frame inside rect, which lies in the frame.
 void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, const FZRect& rect,
                   FZImage& frame)
 {
     const FZAttributeEx& m = layer.material;
     const float eta = m.refractiveIndex < 0.01f ? 1.0f : m.refractiveIndex;
-    const LayerPass pass{scene,
+    LayerPass pass{scene,
                          layer,
                          m,
                          index == 0 ? scene.groundDepth : scene.layerDepth,
@@ -262,8 +291,11 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
     const std::int64_t top = std::int64_t{layer.y} + layer.height - 1;
     const std::int32_t y0 = ClampToInt32(FZMax<std::int64_t>(rect.y0, layer.y));
     const std::int32_t y1 = ClampToInt32(FZMin<std::int64_t>(rect.y1, top));
-    for (std::int32_t y = y0; y <= y1; ++y)
-        ComposeRow(pass, *scene.behind, frame, y, rect.x0, rect.x1);
+    if (y0 > y1)
+        return;
+    if (pass.reflects && ParallelRendering() && !PrepareSky(pass, y0, y1, rect))
+        pass.reflects = false;
+    ParallelRows(y0, y1 + 1, [&](std::int32_t y) { ComposeRow(pass, *scene.behind, frame, y, rect.x0, rect.x1); });
 }
 
 bool IsEmitter(const FZLayer* layer)
@@ -297,35 +329,45 @@ struct Grid {
     const float* operator[](std::int32_t r) const { return rows[r]; }
 };
 
+FZLightGrid LightGridOf(const Grid& grid)
+{
+    return FZLightGrid{grid.rows.data(), grid.width, grid.height};
+}
+
+// Dims one row of the emitter's light (frame row y) by a layer in front:
+// each cell keeps 1 - a + a x transparency of its light.
+void DimEmissionRow(const FZLayer* front, const FZRect& renderRect, const FZRect& rect, std::int32_t y, float* row)
+{
+    if (front == nullptr || front->IsVisible() == 0 || front->coverage == nullptr)
+        return;
+    FZRect frontRect = LayerFrameRect(*front);
+    if (!frontRect.Intersect(renderRect) || !frontRect.Intersect(rect) || y < frontRect.y0 || y > frontRect.y1)
+        return;
+    const double clear = front->material.transparency;
+    for (std::int32_t fx = frontRect.x0; fx <= frontRect.x1; ++fx) {
+        const float aj = static_cast<float>(front->coverage[y - front->y][fx - front->x] / 255.0);
+        float& cell = row[fx - rect.x0];
+        cell = static_cast<float>(cell * (1.0 - aj + aj * clear));
+    }
+}
+
 // The emitter's light, coverage / 255 x emission x 200 per frame pixel of
 // rect, dimmed by the layers between it and the ground (first to index - 1)
-// by how much of the light their coverage and transparency let pass.
+// by how much of the light their coverage and transparency let pass. Rows
+// are independent: each cell is dimmed by the layers in list order.
 void GatherEmission(const FZScene& scene, std::int32_t index, const FZRect& renderRect,
                     const FZRect& rect, Grid& m)
 {
     const FZLayer& layer = *scene.LayerAt(index);
     const double emission = layer.material.emission;
-    for (std::int32_t r = 0; r < m.height; ++r)
+    ParallelRows(0, m.height, [&](std::int32_t r) {
         for (std::int32_t c = 0; c < m.width; ++c) {
             const std::uint8_t cov = layer.coverage[rect.y0 + r - layer.y][rect.x0 + c - layer.x];
             m[r][c] = static_cast<float>(cov / 255.0 * emission * 200.0);
         }
-
-    for (std::int32_t j = 1; j < index; ++j) {
-        const FZLayer* front = scene.LayerAt(j);
-        if (front == nullptr || front->IsVisible() == 0 || front->coverage == nullptr)
-            continue;
-        FZRect frontRect = LayerFrameRect(*front);
-        if (!frontRect.Intersect(renderRect) || !frontRect.Intersect(rect))
-            continue;
-        const double clear = front->material.transparency;
-        for (std::int32_t fy = frontRect.y0; fy <= frontRect.y1; ++fy)
-            for (std::int32_t fx = frontRect.x0; fx <= frontRect.x1; ++fx) {
-                const float aj = static_cast<float>(front->coverage[fy - front->y][fx - front->x] / 255.0);
-                float& cell = m[fy - rect.y0][fx - rect.x0];
-                cell = static_cast<float>(cell * (1.0 - aj + aj * clear));
-            }
-    }
+        for (std::int32_t j = 1; j < index; ++j)
+            DimEmissionRow(scene.LayerAt(j), renderRect, rect, rect.y0 + r, m[r]);
+    });
 }
 
 // Splats the emitter's light onto the ground lattice: one light centre per
@@ -335,22 +377,14 @@ void SplatEmission(const Grid& m, const FZRect& emitterRect, Grid& g, const FZRe
 {
     const double r = radius;
     const float k = static_cast<float>(1.0 / (r * r * r * 100.0));
+    const FZLightGrid light = LightGridOf(m);
     for (std::int32_t br = 2; br < m.height; br += 5)
         for (std::int32_t bc = 2; bc < m.width; bc += 5) {
             float w = 0.0f;
-            float sumX = 0.0f;
-            float sumY = 0.0f;
-            for (std::int32_t row = FZMax(br - 2, 0); row <= FZMin(br + 2, m.height - 1); ++row)
-                for (std::int32_t col = FZMax(bc - 2, 0); col <= FZMin(bc + 2, m.width - 1); ++col) {
-                    const double v = m[row][col];
-                    w = static_cast<float>(w + v);
-                    sumX = static_cast<float>(sumX + v * (emitterRect.x0 + col + 0.5));
-                    sumY = static_cast<float>(sumY + v * (emitterRect.y0 + row + 0.5));
-                }
-            if (w == 0.0f)
+            float cx = 0.0f;
+            float cy = 0.0f;
+            if (!EmissionBlockCentre(light, emitterRect.x0, emitterRect.y0, br, bc, w, cx, cy))
                 continue;
-            const float cx = static_cast<float>(static_cast<double>(sumX) / w);
-            const float cy = static_cast<float>(static_cast<double>(sumY) / w);
             for (std::int32_t gr = 2; gr < g.height; gr += 5) {
                 const double dy = cy - (groundRect.y0 + gr + 0.5);
                 if (!(dy * dy <= r * r))
@@ -381,7 +415,7 @@ void AddLightToFrame(const Grid& g, const FZRect& groundRect, const FZColor& col
 {
     float rgb[3];
     colour.GetFloats(rgb);
-    for (std::int32_t gr = 0; gr < g.height; ++gr)
+    ParallelRows(0, g.height, [&](std::int32_t gr) {
         for (std::int32_t gc = 0; gc < g.width; ++gc) {
             std::uint8_t* p = frame.PixelAddress(groundRect.x0 + gc, groundRect.y0 + gr);
             const double light = g[gr][gc];
@@ -389,6 +423,7 @@ void AddLightToFrame(const Grid& g, const FZRect& groundRect, const FZColor& col
             p[1] = AddLight(p[1], rgb[1] * light * 255.0);
             p[2] = AddLight(p[2], rgb[0] * light * 255.0);
         }
+    });
 }
 
 // Lights the ground around emitter i: 0, or -2 when out of memory.
@@ -410,7 +445,10 @@ int AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& renderRect
     GatherEmission(scene, index, renderRect, rect, m);
     for (float& cell : g.cells)
         cell = 0.0f;
-    SplatEmission(m, rect, g, groundRect, radius);
+    // The parallel splat needs scratch memory; without it the plain one runs.
+    if (!ParallelRendering()
+        || !SplatEmissionByGroundRows(LightGridOf(m), rect, LightGridOf(g), groundRect, radius))
+        SplatEmission(m, rect, g, groundRect, radius);
     FZFloatGrid view(g.width, g.height, g.rows.data());
     const int result = FilterSeparable(view, 10);
     if (result != 0)

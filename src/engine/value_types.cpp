@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/fz_math.h"
+#include "engine/parallel.h"
 
 bool FZRect::ClipTo(std::int32_t bx0, std::int32_t by0, std::int32_t bx1, std::int32_t by1)
 {
@@ -19,6 +20,52 @@ bool FZRect::ClipTo(std::int32_t bx0, std::int32_t by0, std::int32_t bx1, std::i
     return y0 <= y1;
 }
 
+namespace {
+
+// One tap sum of the tent filter: the values at positions centre - half to
+// centre + half (those inside 0 .. count - 1), stride floats apart, each
+// times its weight, summed in double in position order.
+float TentSum(const float* values, std::size_t stride, int centre, int count, const std::vector<float>& weight,
+              int half)
+{
+    const int a = FZMax(centre - half, 0);
+    const int b = FZMin(centre + half, count - 1);
+    double acc = 0.0;
+    for (int i = a; i <= b; ++i)
+        acc += static_cast<double>(values[static_cast<std::size_t>(i) * stride]) * weight[i - (centre - half)];
+    return static_cast<float>(acc);
+}
+
+// Column by column: each column filtered across, then down.
+void FilterColumns(FZFloatGrid& grid, const std::vector<float>& copy, std::vector<float>& column,
+                   const std::vector<float>& weight, int half)
+{
+    const std::size_t w = static_cast<std::size_t>(grid.width);
+    for (int c = 0; c < grid.width; ++c) {
+        for (int r = 0; r < grid.height; ++r)
+            column[r] = TentSum(&copy[r * w], 1, c, grid.width, weight, half);
+        for (int r = 0; r < grid.height; ++r)
+            grid.rows[r][c] = TentSum(column.data(), 1, r, grid.height, weight, half);
+    }
+}
+
+// The same sums in two passes of independent rows, for the pool: every
+// value filtered across into the work grid, then every value down from it.
+void FilterRows(FZFloatGrid& grid, std::vector<float>& across, const std::vector<float>& weight, int half)
+{
+    const std::size_t w = static_cast<std::size_t>(grid.width);
+    ParallelRows(0, grid.height, [&](int r) {
+        for (int c = 0; c < grid.width; ++c)
+            across[r * w + c] = TentSum(grid.rows[r], 1, c, grid.width, weight, half);
+    });
+    ParallelRows(0, grid.height, [&](int r) {
+        for (int c = 0; c < grid.width; ++c)
+            grid.rows[r][c] = TentSum(&across[c], w, r, grid.height, weight, half);
+    });
+}
+
+} // namespace
+
 int FilterSeparable(FZFloatGrid& grid, int size)
 {
     if (grid.width < 1 || grid.height < 1 || grid.rows == nullptr)
@@ -27,6 +74,7 @@ int FilterSeparable(FZFloatGrid& grid, int size)
     if (half < 1)
         half = 1;
     const int taps = 2 * half + 1;
+    const bool parallel = ParallelRendering();
 
     std::vector<float> weight;
     std::vector<float> copy;
@@ -34,7 +82,8 @@ int FilterSeparable(FZFloatGrid& grid, int size)
     try {
         weight.resize(static_cast<std::size_t>(taps));
         copy.resize(static_cast<std::size_t>(grid.width) * static_cast<std::size_t>(grid.height));
-        column.resize(static_cast<std::size_t>(grid.height));
+        if (!parallel)
+            column.resize(static_cast<std::size_t>(grid.height));
     } catch (const std::bad_alloc&) {
         return -2;
     } catch (const std::length_error&) {  // a size no allocator could serve
@@ -49,30 +98,15 @@ int FilterSeparable(FZFloatGrid& grid, int size)
     for (int i = 0; i < taps; ++i)
         weight[i] = static_cast<float>(weight[i] / sum);
 
+    if (parallel) {
+        FilterRows(grid, copy, weight, half);
+        return 0;
+    }
     const std::size_t w = static_cast<std::size_t>(grid.width);
     for (int r = 0; r < grid.height; ++r)
         for (int c = 0; c < grid.width; ++c)
             copy[r * w + c] = grid.rows[r][c];
-
-    for (int c = 0; c < grid.width; ++c) {
-        const int xa = FZMax(c - half, 0);
-        const int xb = FZMin(c + half, grid.width - 1);
-        for (int r = 0; r < grid.height; ++r) {
-            double acc = 0.0;
-            const float* row = &copy[r * w];
-            for (int x = xa; x <= xb; ++x)
-                acc += static_cast<double>(row[x]) * weight[x - (c - half)];
-            column[r] = static_cast<float>(acc);
-        }
-        for (int r = 0; r < grid.height; ++r) {
-            const int ya = FZMax(r - half, 0);
-            const int yb = FZMin(r + half, grid.height - 1);
-            double acc = 0.0;
-            for (int y = ya; y <= yb; ++y)
-                acc += static_cast<double>(column[y]) * weight[y - (r - half)];
-            grid.rows[r][c] = static_cast<float>(acc);
-        }
-    }
+    FilterColumns(grid, copy, column, weight, half);
     return 0;
 }
 

@@ -244,6 +244,24 @@ void TiltFacets(const float g[2], float depth, const FZPackedVector& normal, FZP
 
 } // namespace
 
+double MaxFacetTilt(const FZAnisotropy& p)
+{
+    // Without depth both facets are the normal.
+    if (!(p.grooveDepth > 1e-6))
+        return 0.0;
+    const auto tame = [](float v) { return std::fabs(v) <= 1e6f; };  // false for NaN
+    if (!tame(p.grooveDepth) || !tame(p.grooveWidth) || !tame(p.amplitude) || !tame(p.spiralTwist)
+        || !tame(p.angle) || !tame(p.center[0]) || !tame(p.center[1]) || !(p.depthVariation <= 1e6f))
+        return -1.0;
+    // The flanks tilt by atan(depth). The noise lies within [-1, 1], so the
+    // varied depth is at most depth x (1 + 0.5 x variation x width) (0.25
+    // doubled for straight grooves); a little more covers its rounding.
+    double depth = p.grooveDepth;
+    if (p.depthVariation > 0.0f)
+        depth += 0.5 * p.grooveDepth * p.depthVariation * PositiveOrSmallest(p.grooveWidth);
+    return std::atan(depth * 1.00001);
+}
+
 void FillGrooveNoise(float table[kGrooveNoiseSize])
 {
     FZRandom generator;

@@ -12,6 +12,12 @@ inline constexpr int kGrooveNoiseSize = 120;
 void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
                        const float centre[3], FZPackedVector& t1, FZPackedVector& t2);
 
+// The largest angle (radians) between the normal and a facet that
+// AnisotropicFacets can give for these parameters, the rounding of its
+// arithmetic aside; negative when the parameters are too wild to tell (a
+// value so large or not finite that the groove direction may overflow).
+double MaxFacetTilt(const FZAnisotropy& params);
+
 // The 120 noise values; filled from the module generator at first use.
 // Call before any parallel shading so the first use happens on one thread.
 const float* GrooveNoiseTable();

@@ -2,8 +2,10 @@
 
 #include <cmath>
 #include <new>
+#include <vector>
 
 #include "engine/fz_math.h"
+#include "engine/parallel.h"
 #include "engine/shading/anisotropy.h"
 
 namespace {
@@ -100,55 +102,258 @@ int EnsureShadedImage(FZLayer& layer)
     return result;
 }
 
-// Pass 1: ambient and diffuse under every light, times the surface colour.
-void ShadeDiffuse(FZLayer& layer, const FZPtrArray<FZLight>* lights)
+// What a highlight term needs that stays the same over a layer for one
+// light: the half vector (turned to point away from the surface), the power
+// and the strength, and the centre of the groove pattern. The parallel path
+// also knows below which value of b a term certainly rounds to 0.
+struct HighlightSetup {
+    FZPackedVector half;
+    double exponent = 0.0;
+    double scale = 0.0;
+    float centre[3] = {0.0f, 0.0f, 0.0f};
+    // A b at or below the cutoff gives exactly 0 (0: not known).
+    double cutoff = 0.0;
+    // Anisotropic: a normal whose cosine to the half vector is below this
+    // has no facet that reaches above the cutoff (-2: not known).
+    double facetLimit = -2.0;
+    double halfLength = 0.0;
+};
+
+// The largest b whose term pow(b, exponent) x scale certainly rounds to 0 as
+// a float: the term is then at most 2^-151, half of what rounds to 0 at the
+// most, which leaves room for the rounding of pow and of the product. Only
+// for the powers and strengths a material can sensibly have; 0 otherwise.
+double UnderflowCutoff(double exponent, double scale)
 {
-    for (std::int32_t y = 0; y < layer.height; ++y) {
-        for (std::int32_t x = 0; x < layer.width; ++x) {
-            if (layer.coverage[y][x] == 0)
-                continue;
-            float p[3];
-            WorldPoint(layer, x, y, p);
-            float acc[3] = {0.0f, 0.0f, 0.0f};
-            LightSample light;
-            for (std::int32_t i = 0; EvaluateLight(lights, i, p, light); ++i) {
-                float term[3];
-                DiffuseTerm(layer.material, layer.normals[y][x], light.direction, light.color, term);
-                for (int c = 0; c < 3; ++c)
-                    acc[c] = static_cast<float>(static_cast<double>(acc[c]) + term[c]);
-            }
-            float base[3];
-            BaseColor(layer, x, y, base);
-            for (int c = 0; c < 3; ++c)
-                acc[c] = static_cast<float>(static_cast<double>(acc[c]) * base[c]);
-            ClampToOne(acc);
-            StorePixel(*layer.shaded, x, y, acc);
+    constexpr double kTiny = 0x1p-151;
+    if (!(exponent >= 1.0 && exponent <= 1e6 && scale >= 0x1p-20 && scale <= 0x1p20))
+        return 0.0;
+    double b = std::exp(std::log(kTiny / scale) / exponent);
+    for (int i = 0; i < 8 && !(std::pow(b, exponent) * scale <= kTiny); ++i)
+        b *= 0.999;
+    return std::pow(b, exponent) * scale <= kTiny ? b : 0.0;
+}
+
+// The facets lie within `tilt` (plus the rounding of their arithmetic and
+// packing, well below 1e-3 radians) of the normal, and their packed length
+// is below 1.0001. A facet can then reach b above the cutoff only where the
+// normal lies within acos(cutoff / (|H| x 1.0001)) + tilt + 1e-3 of H.
+double FacetLimit(double halfLength, double cutoff, double tilt)
+{
+    if (!(cutoff > 0.0) || !(tilt >= 0.0) || !(halfLength > 0.0))
+        return -2.0;
+    const double reach = FZMin(1.0, cutoff * (1.0 - 1e-6) / (halfLength * 1.0001));
+    const double angle = std::acos(reach) + tilt + 1e-3;
+    return angle < 3.0 ? std::cos(angle) - 1e-9 : -2.0;
+}
+
+double PackedLength(const FZPackedVector& v)
+{
+    return std::sqrt(static_cast<double>(v.x) * v.x + static_cast<double>(v.y) * v.y
+                     + static_cast<double>(v.z) * v.z) / FZPackedVector::kScale;
+}
+
+HighlightSetup SetUpHighlight(const FZLayer& layer, const FZPackedVector& lightDir, const FZPackedVector& view,
+                              bool shortcuts)
+{
+    const FZAttributeEx& m = layer.material;
+    HighlightSetup h;
+    h.half = lightDir;
+    h.half.AddNormalized(view);
+    h.half.x = static_cast<std::int16_t>(-h.half.x);
+    h.half.y = static_cast<std::int16_t>(-h.half.y);
+    h.half.z = static_cast<std::int16_t>(-h.half.z);
+    if (m.anisotropic != 0) {
+        const double x0 = layer.boundsX0 + 0.5;
+        const double y0 = layer.boundsY0 + 0.5;
+        h.centre[0] = static_cast<float>(x0 + (layer.boundsX1 - x0) * m.anisotropy.center[0]);
+        h.centre[1] = static_cast<float>(y0 + (layer.boundsY1 - y0) * m.anisotropy.center[1]);
+    }
+    const double s = m.highlightSharpness;
+    h.exponent = s * s * s * 1000.0;
+    h.scale = static_cast<double>(m.highlightStrength) * 4.0;
+    if (shortcuts) {
+        h.cutoff = UnderflowCutoff(h.exponent, h.scale);
+        h.halfLength = PackedLength(h.half);
+        if (m.anisotropic != 0)
+            h.facetLimit = FacetLimit(h.halfLength, h.cutoff, MaxFacetTilt(m.anisotropy));
+    }
+    return h;
+}
+
+// Whether no facet of a groove at this normal can reach above the cutoff.
+bool FacetsOutOfReach(const HighlightSetup& h, const FZPackedVector& normal)
+{
+    if (h.facetLimit <= -2.0)
+        return false;
+    const double length = PackedLength(normal);
+    return length > 0.0 && FZPackedVector::Dot(h.half, normal) < h.facetLimit * h.halfLength * length;
+}
+
+// The highlight term of one light at (px, py) with the given normal.
+float HighlightAt(const FZLayer& layer, const HighlightSetup& h, float px, float py, float depth,
+                  const FZPackedVector& normal)
+{
+    const FZAttributeEx& m = layer.material;
+    float b;
+    if (m.anisotropic != 0) {
+        if (FacetsOutOfReach(h, normal))
+            return 0.0f;
+        const float point[3] = {px, py, depth};
+        FZPackedVector t1, t2;
+        AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2);
+        const float b1 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t1)));
+        const float b2 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t2)));
+        b = b2 > b1 ? b2 : b1;
+    } else {
+        b = static_cast<float>(FZPackedVector::Dot(h.half, normal));
+    }
+    if (!(b > 0.0f) || b <= h.cutoff)
+        return 0.0f;
+    return static_cast<float>(std::pow(static_cast<double>(b), h.exponent) * h.scale);
+}
+
+// The supersampled highlight of one light over pixel (x, y): n x n points,
+// each with the normal filtered over a box, each held at most 1.
+float SmoothHighlightAt(const FZLayer& layer, const HighlightSetup& h, int x, int y, int n, float boxWidth)
+{
+    const float depth = layer.depth[y][x];
+    float sum = 0.0f;
+    for (int j = 0; j < n; ++j) {
+        for (int i = 0; i < n; ++i) {
+            const float sx = static_cast<float>(x + (i + 0.5) / n);
+            const float sy = static_cast<float>(y + (j + 0.5) / n);
+            const FZPackedVector filtered = FilteredNormal(layer, sx, sy, boxWidth);
+            float term = HighlightAt(layer, h, sx, sy, depth, filtered);
+            if (term > 1.0f)
+                term = 1.0f;
+            sum = static_cast<float>(static_cast<double>(sum) + term);
         }
+    }
+    return static_cast<float>(static_cast<double>(sum) * (1.0 / (static_cast<double>(n) * n)));
+}
+
+// What the three passes share. The straightforward path evaluates every
+// light at every pixel's world point. The parallel path evaluates each light
+// once for the layer (the lights of Tamerisk are directional: the same at
+// every point) and sets up each light's highlight once.
+struct ShadingPass {
+    ShadingPass(FZLayer& l, const FZPackedVector& v, const FZPtrArray<FZLight>* list)
+        : layer(l), view(v), lights(list) {}
+
+    FZLayer& layer;
+    const FZPackedVector& view;
+    const FZPtrArray<FZLight>* lights;
+    bool hoisted = false;
+    std::vector<LightSample> fixed;
+    std::vector<HighlightSetup> highlights;
+    // A white pixel stays white under any highlight: the highlight colour
+    // and the rainbow tint never add a negative or NaN amount.
+    bool whiteStaysWhite = false;
+};
+
+// Whether the rainbow tint is a finite number at every pixel: the film's
+// optical path (at most 2 n d, as the cosine is at most 1) stays finite.
+bool TintIsFinite(const FZAttributeEx& m)
+{
+    const double n = m.refractiveIndex > 0.0f ? m.refractiveIndex : 1.0f;
+    return std::isfinite(static_cast<float>(2.0 * n * m.stripeSpacing * 1.001));
+}
+
+// Sets up the parallel path's shortcuts; on failure (no memory) the
+// straightforward evaluation stays in place.
+void HoistLights(ShadingPass& pass, bool highlight)
+{
+    try {
+        LightSample light;
+        const float anywhere[3] = {0.0f, 0.0f, 0.0f};
+        for (std::int32_t i = 0; EvaluateLight(pass.lights, i, anywhere, light); ++i) {
+            pass.fixed.push_back(light);
+            if (highlight)
+                pass.highlights.push_back(SetUpHighlight(pass.layer, light.direction, pass.view, true));
+        }
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+    const FZAttributeEx& m = pass.layer.material;
+    pass.whiteStaysWhite = m.rainbow == 0 || TintIsFinite(m);
+    pass.hoisted = true;
+}
+
+// Calls visit(i, light) for every light i in list order at pixel (x, y).
+template <typename Visit>
+void ForEachLight(const ShadingPass& pass, std::int32_t x, std::int32_t y, Visit visit)
+{
+    if (pass.hoisted) {
+        for (std::size_t i = 0; i < pass.fixed.size(); ++i)
+            visit(i, pass.fixed[i]);
+        return;
+    }
+    float p[3];
+    WorldPoint(pass.layer, x, y, p);
+    LightSample light;
+    for (std::int32_t i = 0; EvaluateLight(pass.lights, i, p, light); ++i)
+        visit(static_cast<std::size_t>(i), light);
+}
+
+// The first light of the list at pixel (x, y); false when there is none.
+bool FirstLight(const ShadingPass& pass, std::int32_t x, std::int32_t y, LightSample& first)
+{
+    if (pass.hoisted) {
+        if (pass.fixed.empty())
+            return false;
+        first = pass.fixed.front();
+        return true;
+    }
+    float p[3];
+    WorldPoint(pass.layer, x, y, p);
+    return EvaluateLight(pass.lights, 0, p, first);
+}
+
+// Pass 1: ambient and diffuse under every light, times the surface colour.
+void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
+{
+    FZLayer& layer = pass.layer;
+    for (std::int32_t x = 0; x < layer.width; ++x) {
+        if (layer.coverage[y][x] == 0)
+            continue;
+        float acc[3] = {0.0f, 0.0f, 0.0f};
+        ForEachLight(pass, x, y, [&](std::size_t, const LightSample& light) {
+            float term[3];
+            DiffuseTerm(layer.material, layer.normals[y][x], light.direction, light.color, term);
+            for (int c = 0; c < 3; ++c)
+                acc[c] = static_cast<float>(static_cast<double>(acc[c]) + term[c]);
+        });
+        float base[3];
+        BaseColor(layer, x, y, base);
+        for (int c = 0; c < 3; ++c)
+            acc[c] = static_cast<float>(static_cast<double>(acc[c]) * base[c]);
+        ClampToOne(acc);
+        StorePixel(*layer.shaded, x, y, acc);
     }
 }
 
 // Pass 2: the unclamped highlight of all lights at every covered pixel
 // centre, -1 outside the shape.
-void FillHighlightMap(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLight>* lights)
+void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
 {
-    for (std::int32_t y = 0; y < layer.height; ++y) {
-        for (std::int32_t x = 0; x < layer.width; ++x) {
-            if (layer.coverage[y][x] == 0) {
-                layer.highlight[y][x] = -1.0f;
-                continue;
-            }
-            float p[3];
-            WorldPoint(layer, x, y, p);
-            const float px = static_cast<float>(x + 0.5);
-            const float py = static_cast<float>(y + 0.5);
-            float sum = 0.0f;
-            LightSample light;
-            for (std::int32_t i = 0; EvaluateLight(lights, i, p, light); ++i)
-                sum = static_cast<float>(sum + static_cast<double>(HighlightTerm(
-                                                   layer, px, py, layer.depth[y][x], layer.normals[y][x],
-                                                   light.direction, view)));
-            layer.highlight[y][x] = sum;
+    FZLayer& layer = pass.layer;
+    for (std::int32_t x = 0; x < layer.width; ++x) {
+        if (layer.coverage[y][x] == 0) {
+            layer.highlight[y][x] = -1.0f;
+            continue;
         }
+        const float px = static_cast<float>(x + 0.5);
+        const float py = static_cast<float>(y + 0.5);
+        const float depth = layer.depth[y][x];
+        const FZPackedVector& normal = layer.normals[y][x];
+        float sum = 0.0f;
+        ForEachLight(pass, x, y, [&](std::size_t i, const LightSample& light) {
+            const float term = pass.hoisted ? HighlightAt(layer, pass.highlights[i], px, py, depth, normal)
+                                            : HighlightTerm(layer, px, py, depth, normal, light.direction, pass.view);
+            sum = static_cast<float>(sum + static_cast<double>(term));
+        });
+        layer.highlight[y][x] = sum;
     }
 }
 
@@ -173,32 +378,32 @@ bool HighlightVaries(const FZLayer& layer, std::int32_t x, std::int32_t y)
 
 // The highlight of pixel (x, y): the map value, or a supersampled one where
 // the highlight changes sharply and smoothing is on.
-float PixelHighlight(const FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLight>* lights,
-                     std::int32_t x, std::int32_t y)
+float PixelHighlight(const ShadingPass& pass, std::int32_t x, std::int32_t y)
 {
+    const FZLayer& layer = pass.layer;
     const bool smooth = layer.material.smoothHighlight != 0;
     if (!smooth || !HighlightVaries(layer, x, y))
         return layer.highlight[y][x];
-    float p[3];
-    WorldPoint(layer, x, y, p);
+    const float width = layer.material.smoothWidth;
     float sum = 0.0f;
-    LightSample light;
-    for (std::int32_t i = 0; EvaluateLight(lights, i, p, light); ++i)
-        sum = static_cast<float>(sum + static_cast<double>(SmoothHighlightTerm(
-                                           layer, x, y, 3, layer.material.smoothWidth, light.direction, view)));
+    ForEachLight(pass, x, y, [&](std::size_t i, const LightSample& light) {
+        const float term = pass.hoisted ? SmoothHighlightAt(layer, pass.highlights[i], x, y, 3, width)
+                                        : SmoothHighlightTerm(layer, x, y, 3, width, light.direction, pass.view);
+        sum = static_cast<float>(sum + static_cast<double>(term));
+    });
     return sum;
 }
 
 // The highlight colour, tinted by the rainbow gloss of the first light.
-void HighlightColor(const FZLayer& layer, const FZPtrArray<FZLight>* lights, std::int32_t x, std::int32_t y,
-                    float hc[3])
+void HighlightColor(const ShadingPass& pass, std::int32_t x, std::int32_t y, float hc[3])
 {
+    const FZLayer& layer = pass.layer;
     const FZAttributeEx& m = layer.material;
     m.highlightColor.GetFloats(hc);
-    float p[3];
-    WorldPoint(layer, x, y, p);
+    if (m.rainbow == 0)
+        return;
     LightSample first;
-    if (m.rainbow == 0 || !EvaluateLight(lights, 0, p, first))
+    if (!FirstLight(pass, x, y, first))
         return;
     float tint[3];
     RainbowGloss(m.stripeSpacing, m.refractiveIndex, first.direction, layer.normals[y][x], tint);
@@ -206,28 +411,44 @@ void HighlightColor(const FZLayer& layer, const FZPtrArray<FZLight>* lights, std
         hc[c] = static_cast<float>(static_cast<double>(hc[c]) * tint[c]);
 }
 
-// Pass 3: adds the highlight, held at most 1, in the highlight colour.
-void ApplyHighlight(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLight>* lights)
+bool IsWhite(const FZImage& image, std::int32_t x, std::int32_t y)
 {
-    for (std::int32_t y = 0; y < layer.height; ++y) {
-        for (std::int32_t x = 0; x < layer.width; ++x) {
-            if (layer.coverage[y][x] == 0)
-                continue;
-            float h = PixelHighlight(layer, view, lights, x, y);
-            if (h > 1.0f)
-                h = 1.0f;
-            if (!(h > 0.0f))
-                continue;
-            float hc[3];
-            HighlightColor(layer, lights, x, y, hc);
-            float colour[3];
-            ReadPixel(*layer.shaded, x, y, colour);
-            for (int c = 0; c < 3; ++c)
-                colour[c] = static_cast<float>(colour[c] + static_cast<double>(h) * hc[c]);
-            ClampToOne(colour);
-            StorePixel(*layer.shaded, x, y, colour);
-        }
+    const std::uint8_t* p = image.PixelAddress(x, y);
+    return p[0] == 255 && p[1] == 255 && p[2] == 255;
+}
+
+// Pass 3: adds the highlight, held at most 1, in the highlight colour.
+void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
+{
+    FZLayer& layer = pass.layer;
+    for (std::int32_t x = 0; x < layer.width; ++x) {
+        if (layer.coverage[y][x] == 0)
+            continue;
+        if (pass.hoisted && pass.whiteStaysWhite && IsWhite(*layer.shaded, x, y))
+            continue;
+        float h = PixelHighlight(pass, x, y);
+        if (h > 1.0f)
+            h = 1.0f;
+        if (!(h > 0.0f))
+            continue;
+        float hc[3];
+        HighlightColor(pass, x, y, hc);
+        float colour[3];
+        ReadPixel(*layer.shaded, x, y, colour);
+        for (int c = 0; c < 3; ++c)
+            colour[c] = static_cast<float>(colour[c] + static_cast<double>(h) * hc[c]);
+        ClampToOne(colour);
+        StorePixel(*layer.shaded, x, y, colour);
     }
+}
+
+bool AnyCovered(const FZLayer& layer)
+{
+    for (std::int32_t y = 0; y < layer.height; ++y)
+        for (std::int32_t x = 0; x < layer.width; ++x)
+            if (layer.coverage[y][x] != 0)
+                return true;
+    return false;
 }
 
 } // namespace
@@ -249,11 +470,23 @@ int ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLi
             return -2;
     }
 
-    ShadeDiffuse(layer, lights);
+    ShadingPass pass{layer, view, lights};
+    const bool parallel = ParallelRendering();
+    if (parallel)
+        HoistLights(pass, highlight);
+    ParallelRows(0, layer.height, [&pass](std::int32_t y) { ShadeDiffuseRow(pass, y); });
     if (!highlight)
         return 0;
-    FillHighlightMap(layer, view, lights);
-    ApplyHighlight(layer, view, lights);
+    // The groove noise table is filled by the first anisotropic highlight of
+    // the module's life; it happens here, on this thread, when the rows below
+    // would be the first.
+    LightSample light;
+    const float anywhere[3] = {0.0f, 0.0f, 0.0f};
+    if (parallel && layer.material.anisotropic != 0 && EvaluateLight(lights, 0, anywhere, light)
+        && AnyCovered(layer))
+        GrooveNoiseTable();
+    ParallelRows(0, layer.height, [&pass](std::int32_t y) { FillHighlightRow(pass, y); });
+    ParallelRows(0, layer.height, [&pass](std::int32_t y) { ApplyHighlightRow(pass, y); });
     return 0;
 }
 
@@ -274,37 +507,9 @@ void DiffuseTerm(const FZAttributeEx& material, const FZPackedVector& normal, co
 float HighlightTerm(const FZLayer& layer, float px, float py, float depth, const FZPackedVector& normal,
                     const FZPackedVector& lightDir, const FZPackedVector& view)
 {
-    const FZAttributeEx& m = layer.material;
-    if (!(m.highlightStrength > 0.0f))
+    if (!(layer.material.highlightStrength > 0.0f))
         return 0.0f;
-    // The half vector, turned to point away from the surface.
-    FZPackedVector h = lightDir;
-    h.AddNormalized(view);
-    h.x = static_cast<std::int16_t>(-h.x);
-    h.y = static_cast<std::int16_t>(-h.y);
-    h.z = static_cast<std::int16_t>(-h.z);
-
-    float b;
-    if (m.anisotropic != 0) {
-        const double x0 = layer.boundsX0 + 0.5;
-        const double y0 = layer.boundsY0 + 0.5;
-        const float centre[3] = {static_cast<float>(x0 + (layer.boundsX1 - x0) * m.anisotropy.center[0]),
-                                 static_cast<float>(y0 + (layer.boundsY1 - y0) * m.anisotropy.center[1]),
-                                 0.0f};
-        const float point[3] = {px, py, depth};
-        FZPackedVector t1, t2;
-        AnisotropicFacets(m.anisotropy, point, normal, centre, t1, t2);
-        const float b1 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h, t1)));
-        const float b2 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h, t2)));
-        b = b2 > b1 ? b2 : b1;
-    } else {
-        b = static_cast<float>(FZPackedVector::Dot(h, normal));
-    }
-    if (!(b > 0.0f))
-        return 0.0f;
-    const double s = m.highlightSharpness;
-    return static_cast<float>(std::pow(static_cast<double>(b), s * s * s * 1000.0)
-                              * (static_cast<double>(m.highlightStrength) * 4.0));
+    return HighlightAt(layer, SetUpHighlight(layer, lightDir, view, false), px, py, depth, normal);
 }
 
 float SmoothHighlightTerm(const FZLayer& layer, int x, int y, int n, float boxWidth, const FZPackedVector& lightDir,
@@ -312,20 +517,10 @@ float SmoothHighlightTerm(const FZLayer& layer, int x, int y, int n, float boxWi
 {
     if (n < 1 || !HasSurface(layer) || x < 0 || y < 0 || x >= layer.width || y >= layer.height)
         return 0.0f;
-    const float depth = layer.depth[y][x];
-    float sum = 0.0f;
-    for (int j = 0; j < n; ++j) {
-        for (int i = 0; i < n; ++i) {
-            const float sx = static_cast<float>(x + (i + 0.5) / n);
-            const float sy = static_cast<float>(y + (j + 0.5) / n);
-            const FZPackedVector filtered = FilteredNormal(layer, sx, sy, boxWidth);
-            float h = HighlightTerm(layer, sx, sy, depth, filtered, lightDir, view);
-            if (h > 1.0f)
-                h = 1.0f;
-            sum = static_cast<float>(static_cast<double>(sum) + h);
-        }
-    }
-    return static_cast<float>(static_cast<double>(sum) * (1.0 / (static_cast<double>(n) * n)));
+    // Without a highlight every point gives 0.
+    if (!(layer.material.highlightStrength > 0.0f))
+        return 0.0f;
+    return SmoothHighlightAt(layer, SetUpHighlight(layer, lightDir, view, false), x, y, n, boxWidth);
 }
 
 FZPackedVector FilteredNormal(const FZLayer& layer, float sx, float sy, float boxWidth)

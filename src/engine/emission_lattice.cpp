@@ -1,0 +1,242 @@
+#include "engine/emission_lattice.h"
+
+#include <cmath>
+#include <limits>
+#include <new>
+#include <vector>
+
+#if defined(__x86_64__) || defined(__i386__)
+#include <immintrin.h>
+#define TAMERISK_X86_KERNELS 1
+#endif
+
+#include "engine/fz_math.h"
+#include "engine/parallel.h"
+
+namespace {
+
+// A block centre ready for splatting: its light times the falloff constant
+// (w x k, the first product of every term) and its position.
+struct Centre {
+    double wk;
+    float cx;
+    float cy;
+    bool lit;
+};
+
+// The lattice points of one ground row: their x in the frame, and their
+// light, padded to a whole number of vectors (padding x is NaN, which no
+// distance test passes).
+constexpr std::int32_t kPad = 8;
+
+// The columns j of the lattice whose point can lie within r of x = cx: a
+// pixel beyond r + 1 in x is out of reach whatever the float rounding of
+// the distance (checked exactly per point anyway). For radii so large that
+// rounding could exceed that margin, every column.
+void ReachableColumns(double cx, double x0, double r, std::int32_t n, std::int32_t& first, std::int32_t& last)
+{
+    first = 0;
+    last = n - 1;
+    if (!(r < 1048576.0))
+        return;
+    // Lattice column j lies at x0 + 5 j.
+    const double lo = std::floor((cx - r - 1.0 - x0) / 5.0);
+    const double hi = std::ceil((cx + r + 1.0 - x0) / 5.0);
+    if (lo > first)
+        first = lo > last ? n : static_cast<std::int32_t>(lo);
+    if (hi < last)
+        last = hi < 0.0 ? -1 : static_cast<std::int32_t>(hi);
+}
+
+// One centre's light on one lattice row, point by point, as the block-by-
+// block splat adds it.
+void SplatCentreScalar(const Centre& c, double dy2, const double* gx, std::int32_t first, std::int32_t last, double r,
+                       float* cells)
+{
+    for (std::int32_t j = first; j <= last; ++j) {
+        const double dx = c.cx - gx[j];
+        const float dist2 = static_cast<float>(dx * dx + dy2);
+        if (!(dist2 <= r * r))
+            continue;
+        const double fall = std::sqrt(static_cast<double>(dist2)) - r;
+        cells[j] = static_cast<float>(cells[j] + c.wk * fall * fall);
+    }
+}
+
+#ifdef TAMERISK_X86_KERNELS
+
+// GCC's conversion intrinsics start from an undefined register, which its
+// flow analysis reports as possibly uninitialised.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+
+// Eight points at a time. Every operation is the scalar one lane by lane
+// (IEEE sums, products, square roots and conversions round identically);
+// points outside the radius keep their value through the store mask.
+__attribute__((target("avx512f,avx512vl"))) void SplatCentreAvx512(const Centre& c, double dy2, const double* gx,
+                                                                  std::int32_t first, std::int32_t last, double r,
+                                                                  float* cells)
+{
+    const __m512d cx = _mm512_set1_pd(c.cx);
+    const __m512d yy = _mm512_set1_pd(dy2);
+    const __m512d rr = _mm512_set1_pd(r * r);
+    const __m512d rv = _mm512_set1_pd(r);
+    const __m512d wk = _mm512_set1_pd(c.wk);
+    for (std::int32_t j = first; j <= last; j += 8) {
+        const __m512d dx = _mm512_sub_pd(cx, _mm512_loadu_pd(gx + j));
+        const __m512d d2 = _mm512_cvtps_pd(_mm512_cvtpd_ps(_mm512_add_pd(_mm512_mul_pd(dx, dx), yy)));
+        const __mmask8 inside = _mm512_cmp_pd_mask(d2, rr, _CMP_LE_OQ);
+        if (inside == 0)
+            continue;
+        const __m512d fall = _mm512_sub_pd(_mm512_sqrt_pd(d2), rv);
+        const __m512d term = _mm512_mul_pd(_mm512_mul_pd(wk, fall), fall);
+        const __m512d sum = _mm512_add_pd(_mm512_cvtps_pd(_mm256_loadu_ps(cells + j)), term);
+        _mm256_mask_storeu_ps(cells + j, inside, _mm512_cvtpd_ps(sum));
+    }
+}
+
+// Four points at a time; points outside keep their value through a blend
+// before the conversion back to float, which gives a float its own value.
+__attribute__((target("avx2"))) void SplatCentreAvx2(const Centre& c, double dy2, const double* gx,
+                                                     std::int32_t first, std::int32_t last, double r, float* cells)
+{
+    const __m256d cx = _mm256_set1_pd(c.cx);
+    const __m256d yy = _mm256_set1_pd(dy2);
+    const __m256d rr = _mm256_set1_pd(r * r);
+    const __m256d rv = _mm256_set1_pd(r);
+    const __m256d wk = _mm256_set1_pd(c.wk);
+    for (std::int32_t j = first; j <= last; j += 4) {
+        const __m256d dx = _mm256_sub_pd(cx, _mm256_loadu_pd(gx + j));
+        const __m256d d2 = _mm256_cvtps_pd(_mm256_cvtpd_ps(_mm256_add_pd(_mm256_mul_pd(dx, dx), yy)));
+        const __m256d inside = _mm256_cmp_pd(d2, rr, _CMP_LE_OQ);
+        if (_mm256_movemask_pd(inside) == 0)
+            continue;
+        const __m256d fall = _mm256_sub_pd(_mm256_sqrt_pd(d2), rv);
+        const __m256d term = _mm256_mul_pd(_mm256_mul_pd(wk, fall), fall);
+        const __m256d old = _mm256_cvtps_pd(_mm_loadu_ps(cells + j));
+        const __m256d sum = _mm256_blendv_pd(old, _mm256_add_pd(old, term), inside);
+        _mm_storeu_ps(cells + j, _mm256_cvtpd_ps(sum));
+    }
+}
+
+#pragma GCC diagnostic pop
+
+#endif
+
+using SplatCentreFunction = void (*)(const Centre&, double, const double*, std::int32_t, std::int32_t, double,
+                                     float*);
+
+SplatCentreFunction ChooseSplatCentre()
+{
+#ifdef TAMERISK_X86_KERNELS
+    __builtin_cpu_init();
+    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl"))
+        return SplatCentreAvx512;
+    if (__builtin_cpu_supports("avx2"))
+        return SplatCentreAvx2;
+#endif
+    return SplatCentreScalar;
+}
+
+std::int32_t LatticeCount(std::int32_t size)
+{
+    return size > 2 ? (size - 3) / 5 + 1 : 0;
+}
+
+struct Lattice {
+    const FZLightGrid& m;
+    const FZRect& emitterRect;
+    const FZLightGrid& g;
+    const FZRect& groundRect;
+    double r;
+    std::int32_t blockColumns;
+    std::int32_t columns;  // lattice columns of the ground
+    std::int32_t stride;   // padded
+    std::vector<Centre> centres;
+    std::vector<double> gx;
+    std::vector<float> cells;
+};
+
+void GatherCentres(Lattice& l, std::int32_t blockRow)
+{
+    const float k = static_cast<float>(1.0 / (l.r * l.r * l.r * 100.0));
+    for (std::int32_t j = 0; j < l.blockColumns; ++j) {
+        Centre& c = l.centres[static_cast<std::size_t>(blockRow) * l.blockColumns + j];
+        float w = 0.0f;
+        c.lit = EmissionBlockCentre(l.m, l.emitterRect.x0, l.emitterRect.y0, 2 + 5 * blockRow, 2 + 5 * j, w, c.cx,
+                                    c.cy);
+        c.wk = static_cast<double>(w) * k;
+    }
+}
+
+void SplatGroundRow(Lattice& l, SplatCentreFunction splat, std::int32_t row)
+{
+    const double r = l.r;
+    const double gy = l.groundRect.y0 + (2 + 5 * row) + 0.5;
+    float* cells = l.cells.data() + static_cast<std::size_t>(row) * l.stride;
+    const double x0 = l.groundRect.x0 + 2 + 0.5;
+    for (const Centre& c : l.centres) {
+        if (!c.lit)
+            continue;
+        const double dy = c.cy - gy;
+        if (!(dy * dy <= r * r))
+            continue;
+        std::int32_t first = 0;
+        std::int32_t last = 0;
+        ReachableColumns(c.cx, x0, r, l.columns, first, last);
+        if (first <= last)
+            splat(c, dy * dy, l.gx.data(), first, last, r, cells);
+    }
+    float* out = l.g.rows[2 + 5 * row];
+    for (std::int32_t j = 0; j < l.columns; ++j)
+        out[2 + 5 * j] = cells[j];
+}
+
+} // namespace
+
+bool EmissionBlockCentre(const FZLightGrid& m, std::int32_t x0, std::int32_t y0, std::int32_t br, std::int32_t bc,
+                         float& w, float& cx, float& cy)
+{
+    w = 0.0f;
+    float sumX = 0.0f;
+    float sumY = 0.0f;
+    for (std::int32_t row = FZMax(br - 2, 0); row <= FZMin(br + 2, m.height - 1); ++row)
+        for (std::int32_t col = FZMax(bc - 2, 0); col <= FZMin(bc + 2, m.width - 1); ++col) {
+            const double v = m.rows[row][col];
+            w = static_cast<float>(w + v);
+            sumX = static_cast<float>(sumX + v * (x0 + col + 0.5));
+            sumY = static_cast<float>(sumY + v * (y0 + row + 0.5));
+        }
+    if (w == 0.0f)
+        return false;
+    cx = static_cast<float>(static_cast<double>(sumX) / w);
+    cy = static_cast<float>(static_cast<double>(sumY) / w);
+    return true;
+}
+
+bool SplatEmissionByGroundRows(const FZLightGrid& m, const FZRect& emitterRect, const FZLightGrid& g,
+                               const FZRect& groundRect, std::int32_t radius)
+{
+    static const SplatCentreFunction splat = ChooseSplatCentre();
+    Lattice l{m, emitterRect, g, groundRect, static_cast<double>(radius), LatticeCount(m.width),
+              LatticeCount(g.width), 0, {}, {}, {}};
+    const std::int32_t blockRows = LatticeCount(m.height);
+    const std::int32_t groundRows = LatticeCount(g.height);
+    l.stride = (l.columns + kPad - 1) / kPad * kPad + kPad;
+    try {
+        l.centres.resize(static_cast<std::size_t>(blockRows) * static_cast<std::size_t>(l.blockColumns));
+        l.gx.assign(static_cast<std::size_t>(l.stride), std::numeric_limits<double>::quiet_NaN());
+        l.cells.assign(static_cast<std::size_t>(groundRows) * static_cast<std::size_t>(l.stride), 0.0f);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    for (std::int32_t j = 0; j < l.columns; ++j)
+        l.gx[j] = groundRect.x0 + (2 + 5 * j) + 0.5;
+    for (std::int32_t row = 0; row < groundRows; ++row)
+        for (std::int32_t j = 0; j < l.columns; ++j)
+            l.cells[static_cast<std::size_t>(row) * l.stride + j] = g.rows[2 + 5 * row][2 + 5 * j];
+
+    ParallelRows(0, blockRows, [&l](std::int32_t row) { GatherCentres(l, row); });
+    ParallelRows(0, groundRows, [&l](std::int32_t row) { SplatGroundRow(l, splat, row); });
+    return true;
+}

@@ -1,0 +1,35 @@
+// The emission lattice: an emitter's light, gathered into one light centre
+// per 5 x 5 block of its light grid, splatted onto every fifth pixel of
+// every fifth row of the ground.
+#ifndef TAMERISK_ENGINE_EMISSION_LATTICE_H
+#define TAMERISK_ENGINE_EMISSION_LATTICE_H
+
+#include <cstdint>
+
+#include "engine/value_types.h"
+
+// A float raster seen through its row pointers.
+struct FZLightGrid {
+    float* const* rows = nullptr;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+};
+
+// The light centre of the block of m around (br, bc), clipped to m: w, the
+// sum of its values, and (cx, cy), the w-weighted mean of their pixel
+// centres in the frame (the emitter's grid starts at frame pixel
+// (x0, y0)). False, with only w set, when w is 0.
+bool EmissionBlockCentre(const FZLightGrid& m, std::int32_t x0, std::int32_t y0, std::int32_t br, std::int32_t bc,
+                         float& w, float& cx, float& cy);
+
+// The parallel form of the splat: the same sums, made by ground lattice row.
+// Each lattice point adds the light of every block centre in block order,
+// row by row and column by column, exactly as the block-by-block splat does,
+// so every float sum keeps its order; the rows are spread over the pool and
+// the columns of a row are taken several at a time by vector instructions
+// where the processor has them. False, with g unchanged, when its scratch
+// memory cannot be had.
+bool SplatEmissionByGroundRows(const FZLightGrid& m, const FZRect& emitterRect, const FZLightGrid& g,
+                               const FZRect& groundRect, std::int32_t radius);
+
+#endif

@@ -1,0 +1,153 @@
+#include "engine/parallel.h"
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace {
+
+// Chunks per thread: rows differ in cost (a sample shape fills the middle of
+// the frame), so threads claim smaller chunks one after another.
+constexpr std::int32_t kChunksPerThread = 8;
+
+std::atomic<int> requestedThreads{0};
+
+// Set while a thread works on a chunk: a pass started from inside a chunk
+// runs on that thread alone.
+thread_local bool insideChunk = false;
+
+int ProcessorCount()
+{
+    const unsigned n = std::thread::hardware_concurrency();
+    return n == 0 ? 1 : static_cast<int>(std::min(n, 256u));
+}
+
+// The workers wait for a job, claim its chunks by number until none is
+// left, and report back. Every worker reports on every job, so the job's
+// state is never touched by a worker once its caller has returned.
+class RowPool {
+public:
+    ~RowPool() { Resize(0); }
+
+    void Run(std::int32_t begin, std::int32_t end, FZRowChunkFunction chunk, void* context, int threads)
+    {
+        const std::lock_guard<std::mutex> one(jobMutex);
+        Resize(threads - 1);
+        const std::int32_t rows = end - begin;
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            job = Job{begin, rows, std::min<std::int32_t>(rows, threads * kChunksPerThread), chunk, context};
+            next.store(0);
+            reporting = static_cast<int>(workers.size());
+            ++generation;
+        }
+        wake.notify_all();
+        Work(job);
+        std::unique_lock<std::mutex> lock(mutex);
+        done.wait(lock, [this] { return reporting == 0; });
+    }
+
+private:
+    struct Job {
+        std::int32_t begin = 0;
+        std::int32_t rows = 0;
+        std::int32_t chunks = 0;
+        FZRowChunkFunction chunk = nullptr;
+        void* context = nullptr;
+    };
+
+    // Claims chunks of the job until all are taken. Chunk i covers the rows
+    // from begin + rows * i / chunks up to the next chunk's first row.
+    void Work(const Job& j)
+    {
+        insideChunk = true;
+        for (std::int32_t i = next.fetch_add(1); i < j.chunks; i = next.fetch_add(1)) {
+            const std::int32_t first = j.begin + static_cast<std::int32_t>(std::int64_t{j.rows} * i / j.chunks);
+            const std::int32_t last
+                = j.begin + static_cast<std::int32_t>(std::int64_t{j.rows} * (i + 1) / j.chunks);
+            j.chunk(j.context, first, last);
+        }
+        insideChunk = false;
+    }
+
+    void WorkerLoop()
+    {
+        std::uint64_t seen = 0;
+        std::unique_lock<std::mutex> lock(mutex);
+        for (;;) {
+            wake.wait(lock, [&] { return stopping || generation != seen; });
+            if (stopping)
+                return;
+            seen = generation;
+            const Job mine = job;
+            lock.unlock();
+            Work(mine);
+            lock.lock();
+            if (--reporting == 0)
+                done.notify_one();
+        }
+    }
+
+    // Keeps exactly count workers; called with jobMutex held.
+    void Resize(int count)
+    {
+        if (static_cast<int>(workers.size()) == count)
+            return;
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            stopping = true;
+        }
+        wake.notify_all();
+        for (std::thread& t : workers)
+            t.join();
+        workers.clear();
+        stopping = false;
+        for (int i = 0; i < count; ++i)
+            workers.emplace_back([this] { WorkerLoop(); });
+    }
+
+    std::mutex jobMutex;  // one job at a time, whichever thread asks
+    std::mutex mutex;     // guards everything below
+    std::condition_variable wake;
+    std::condition_variable done;
+    std::vector<std::thread> workers;
+    Job job;
+    std::atomic<std::int32_t> next{0};
+    int reporting = 0;
+    std::uint64_t generation = 0;
+    bool stopping = false;
+};
+
+RowPool& Pool()
+{
+    static RowPool pool;
+    return pool;
+}
+
+} // namespace
+
+void SetRenderThreads(int count)
+{
+    requestedThreads.store(count < 0 ? 0 : count);
+}
+
+int RenderThreads()
+{
+    const int n = requestedThreads.load();
+    return n == 0 ? ProcessorCount() : n;
+}
+
+void RunRowChunks(std::int32_t begin, std::int32_t end, FZRowChunkFunction chunk, void* context)
+{
+    if (end <= begin)
+        return;
+    const int threads = RenderThreads();
+    if (threads <= 1 || end - begin == 1 || insideChunk) {
+        chunk(context, begin, end);
+        return;
+    }
+    Pool().Run(begin, end, chunk, context, threads);
+}

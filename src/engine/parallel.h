@@ -1,0 +1,48 @@
+// The engine's worker threads: one pool for the whole module, shared by every
+// scene. A pass whose rows do not depend on each other hands them to
+// ParallelRows, which splits them into contiguous chunks and runs the chunks
+// on the pool's threads and the caller's.
+//
+// The thread count decides the path the renderer takes. With one thread it
+// runs its straightforward single-threaded code, pixel by pixel in row order;
+// with more it takes the parallel path, whose results are the same bytes.
+#ifndef TAMERISK_ENGINE_PARALLEL_H
+#define TAMERISK_ENGINE_PARALLEL_H
+
+#include <cstdint>
+#include <memory>
+#include <type_traits>
+
+// 0 (the default): one thread per processor; 1: the straightforward path;
+// N: N threads. Negative counts are taken as 0. Takes effect at the next
+// pass; never call it while a pass runs on another thread.
+void SetRenderThreads(int count);
+// The count in force: the setting, with 0 resolved to the number of
+// processors (at least 1).
+int RenderThreads();
+// Whether the renderer takes its parallel path (more than one thread).
+inline bool ParallelRendering() { return RenderThreads() > 1; }
+
+// A chunk of rows [first, last) to work on; context is the caller's.
+using FZRowChunkFunction = void (*)(void* context, std::int32_t first, std::int32_t last);
+
+// Runs chunk over contiguous chunks that together cover [begin, end) exactly
+// once, on the pool and the calling thread, and returns when all are done.
+// With one thread, for a single row, or when called from inside a chunk, it
+// calls chunk(context, begin, end) on the calling thread. Chunks must not
+// throw.
+void RunRowChunks(std::int32_t begin, std::int32_t end, FZRowChunkFunction chunk, void* context);
+
+// Calls row(y) for every y in [begin, end), rows split across the pool.
+template <typename RowFunction>
+void ParallelRows(std::int32_t begin, std::int32_t end, RowFunction&& row)
+{
+    auto chunk = [](void* context, std::int32_t first, std::int32_t last) {
+        RowFunction& f = *static_cast<std::remove_reference_t<RowFunction>*>(context);
+        for (std::int32_t y = first; y < last; ++y)
+            f(y);
+    };
+    RunRowChunks(begin, end, chunk, const_cast<void*>(static_cast<const void*>(std::addressof(row))));
+}
+
+#endif

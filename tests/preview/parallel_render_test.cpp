@@ -1,0 +1,252 @@
+// The parallel renderer against the straightforward one: for every material
+// of the benchmark set (and a few more that make highlights, tints and sky
+// reflections visible), every sample shape and several frame sizes, the
+// frames, shaded images and highlight maps of both paths must be the same
+// bytes, whatever the number of threads.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "../../bench/bench_materials.h"
+#include "engine/parallel.h"
+#include "engine/render.h"
+#include "preview/preview_panel.h"
+
+namespace {
+
+// Restores the default thread count after each test.
+class ParallelRender : public ::testing::Test {
+protected:
+    void TearDown() override { SetRenderThreads(0); }
+};
+
+// Everything a render leaves behind that the straightforward path defines.
+struct Result {
+    std::vector<std::uint8_t> frame;
+    std::vector<std::uint8_t> shaded;
+    std::vector<float> highlight;
+};
+
+void Append(std::vector<std::uint8_t>& out, const FZImage* image)
+{
+    if (image != nullptr && image->data != nullptr)
+        out.insert(out.end(), image->data, image->data + image->dataSize);
+}
+
+Result Capture(const FZScene& scene)
+{
+    Result r;
+    Append(r.frame, scene.frame);
+    for (std::int32_t i = 0; i < scene.LayerCount(); ++i) {
+        const FZLayer& layer = *scene.LayerAt(i);
+        Append(r.shaded, layer.shaded);
+        if (layer.highlight != nullptr)
+            for (std::int32_t y = 0; y < layer.height; ++y)
+                r.highlight.insert(r.highlight.end(), layer.highlight[y], layer.highlight[y] + layer.width);
+    }
+    return r;
+}
+
+// Highlight maps compare bit for bit (a NaN equals itself).
+bool SameBits(const std::vector<float>& a, const std::vector<float>& b)
+{
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(float)) == 0;
+}
+
+void ExpectSame(const Result& expected, const Result& actual, const std::string& what)
+{
+    EXPECT_TRUE(expected.frame == actual.frame) << what << ": frame differs";
+    EXPECT_TRUE(expected.shaded == actual.shaded) << what << ": shaded image differs";
+    EXPECT_TRUE(SameBits(expected.highlight, actual.highlight)) << what << ": highlight map differs";
+}
+
+// Materials beyond the benchmark set: coloured, so that highlights and
+// tints show instead of vanishing in a white that is already full, and
+// the other groove patterns.
+std::vector<BenchMaterial> ComparedMaterials()
+{
+    std::vector<BenchMaterial> set = BenchMaterials();
+    for (std::int32_t type : {1, 3, 4, 5, 11, 20, 21}) {
+        FZAttributeEx m;
+        m.color.SetBytes(40, 90, 160);
+        m.anisotropic = 1;
+        m.anisotropy.type = type;
+        m.anisotropy.depthVariation = 1.0f;
+        m.anisotropy.angle = 30.0f;
+        m.highlightSharpness = 0.6f;
+        m.smoothHighlight = type % 2;
+        set.push_back({"grooves" + std::to_string(type), m});
+    }
+    FZAttributeEx tinted;
+    tinted.color.SetBytes(120, 30, 30);
+    tinted.rainbow = 1;
+    tinted.smoothHighlight = 1;
+    tinted.highlightSharpness = 0.4f;
+    tinted.reflection = 0.3f;
+    set.push_back({"tinted", tinted});
+    FZAttributeEx lamp;
+    lamp.emission = 1.0f;
+    lamp.transparency = 0.5f;
+    lamp.color.SetBytes(30, 200, 90);
+    set.push_back({"lamp", lamp});
+    return set;
+}
+
+// Shape n in a frame of w x h, each material applied in turn, rendered
+// with the given number of threads: what each material leaves behind.
+std::vector<Result> RenderMaterials(int threads, std::int32_t w, std::int32_t h, std::int32_t n,
+                                    const std::vector<BenchMaterial>& materials)
+{
+    SetRenderThreads(threads);
+    CPreviewPanel panel;
+    EXPECT_EQ(panel.SetUpFrame(w, h), 0);
+    panel.BuildSampleShape(n);
+    std::vector<Result> results;
+    for (const BenchMaterial& m : materials) {
+        panel.ApplyMaterial(m.material, 0);
+        results.push_back(Capture(*panel.Scene()));
+    }
+    return results;
+}
+
+} // namespace
+
+TEST_F(ParallelRender, EveryMaterialShapeAndSizeGivesTheSameBytes)
+{
+    struct Size {
+        std::int32_t w, h;
+    };
+    const Size sizes[] = {{1, 1}, {17, 13}, {120, 120}, {256, 256}};
+    const std::vector<BenchMaterial> materials = ComparedMaterials();
+    for (std::int32_t n = 1; n <= 4; ++n)
+        for (const Size& size : sizes) {
+            const std::vector<Result> expected = RenderMaterials(1, size.w, size.h, n, materials);
+            for (int threads : {2, 3, 7}) {
+                const std::vector<Result> actual = RenderMaterials(threads, size.w, size.h, n, materials);
+                for (std::size_t i = 0; i < materials.size(); ++i)
+                    ExpectSame(expected[i], actual[i],
+                               materials[i].name + " on shape " + std::to_string(n) + " at " + std::to_string(size.w)
+                                   + "x" + std::to_string(size.h) + ", " + std::to_string(threads) + " threads");
+            }
+        }
+}
+
+TEST_F(ParallelRender, ShapeAndMaterialChangesGiveTheSameBytes)
+{
+    // The dialogs' redraws: materials applied after shapes are rebuilt, in
+    // both orders, on one panel.
+    const std::vector<BenchMaterial> materials = ComparedMaterials();
+    const auto run = [&](int threads) {
+        SetRenderThreads(threads);
+        CPreviewPanel panel;
+        EXPECT_EQ(panel.SetUpFrame(96, 80), 0);
+        std::vector<Result> steps;
+        std::int32_t shape = 1;
+        for (const BenchMaterial& m : materials) {
+            shape = shape % 4 + 1;
+            panel.BuildSampleShape(shape);
+            steps.push_back(Capture(*panel.Scene()));
+            panel.ApplyMaterial(m.material, shape == 2 ? 1 : 0);
+            steps.push_back(Capture(*panel.Scene()));
+        }
+        return steps;
+    };
+    const std::vector<Result> expected = run(1);
+    for (int threads : {2, 3, 7}) {
+        const std::vector<Result> actual = run(threads);
+        ASSERT_EQ(actual.size(), expected.size());
+        for (std::size_t i = 0; i < expected.size(); ++i)
+            ExpectSame(expected[i], actual[i], "step " + std::to_string(i) + ", " + std::to_string(threads) + " threads");
+    }
+}
+
+TEST_F(ParallelRender, LayeredScenesWithSeveralLightsGiveTheSameBytes)
+{
+    // Layers placed off the frame origin and over its edges, a glass layer
+    // between the ground and an emitter (which dims its light), two lights,
+    // and partial render rectangles.
+    const auto run = [](int threads) {
+        SetRenderThreads(threads);
+        FZScene scene;
+        const float white[3] = {1.0f, 1.0f, 1.0f};
+        EXPECT_EQ(scene.SetUpFrame(90, 70, white), 0);
+        FZLight* second = new FZLight;
+        const float direction[3] = {-0.5f, 0.2f, -1.0f};
+        const float warm[3] = {1.0f, 0.8f, 0.5f};
+        second->SetDirectional(0.7f, direction, warm);
+        scene.lights->Append(second);
+        FZAttributeEx glass;
+        glass.transparency = 0.6f;
+        glass.refractiveIndex = 1.3f;
+        glass.reflection = 0.4f;
+        glass.color.SetBytes(200, 220, 255);
+        FZAttributeEx lamp;
+        lamp.emission = 0.5f;
+        lamp.color.SetBytes(255, 200, 0);
+        lamp.anisotropic = 1;
+        lamp.highlightSharpness = 0.5f;
+        const struct {
+            std::int32_t x, y, w, h;
+            const FZAttributeEx& m;
+        } layers[] = {{-10, 5, 60, 50, glass}, {30, -8, 70, 60, lamp}};
+        PrepareLayer(scene, 0);
+        ShadeLayerAt(scene, 0);
+        for (const auto& l : layers) {
+            const std::int32_t index = scene.AddLayerRect(l.x, l.y, l.w, l.h);
+            FZLayer& layer = *scene.LayerAt(index);
+            layer.SetMaterial(l.m);
+            layer.SetColorSource(0);
+            for (std::int32_t y = 0; y < l.h; ++y)
+                for (std::int32_t x = 0; x < l.w; ++x) {
+                    const float dx = x - l.w * 0.5f;
+                    const float dy = y - l.h * 0.5f;
+                    const float d = 400.0f - dx * dx - dy * dy;
+                    if (d > 0.0f)
+                        layer.CompositeSample(x, y, d * 0.05f, d > 30.0f ? 255 : 120, FZColor());
+                }
+            PrepareLayer(scene, index);
+            ShadeLayerAt(scene, index);
+        }
+        std::vector<Result> results;
+        RenderScene(scene);
+        results.push_back(Capture(scene));
+        RenderRect(scene, FZRect(12, 9, 61, 40));
+        results.push_back(Capture(scene));
+        return results;
+    };
+    const std::vector<Result> expected = run(1);
+    for (int threads : {2, 3, 7}) {
+        const std::vector<Result> actual = run(threads);
+        for (std::size_t i = 0; i < expected.size(); ++i)
+            ExpectSame(expected[i], actual[i], "render " + std::to_string(i) + ", " + std::to_string(threads) + " threads");
+    }
+}
+
+TEST_F(ParallelRender, ThreadCountSetting)
+{
+    SetRenderThreads(3);
+    EXPECT_EQ(RenderThreads(), 3);
+    EXPECT_TRUE(ParallelRendering());
+    SetRenderThreads(1);
+    EXPECT_FALSE(ParallelRendering());
+    SetRenderThreads(-4);
+    EXPECT_GE(RenderThreads(), 1);
+    SetRenderThreads(0);
+    EXPECT_GE(RenderThreads(), 1);
+
+    // Every row is visited once, whatever the split; a pass started from
+    // inside a chunk runs on that thread.
+    for (int threads : {1, 2, 7}) {
+        SetRenderThreads(threads);
+        std::vector<int> visits(1000, 0);
+        ParallelRows(3, 1000, [&](std::int32_t y) {
+            ++visits[y];
+            ParallelRows(0, 2, [](std::int32_t) {});
+        });
+        for (int y = 0; y < 1000; ++y)
+            ASSERT_EQ(visits[y], y < 3 ? 0 : 1) << "row " << y << ", " << threads << " threads";
+    }
+}
