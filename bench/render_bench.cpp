@@ -1,28 +1,126 @@
 // Timings of the preview's two expensive calls at three frame sizes:
 // ApplyMaterial (shading of the sample layer and a full render) for each
 // material of the shared set, and BuildSampleShape (drawing, surface
-// preparation, shading and a full render) for each sample shape.
+// preparation, shading and a full render) for each sample shape. Each runs
+// side by side with one thread (the straightforward path) and with the
+// parallel path; its "per_pixel" counter is the time per frame pixel.
+//
+// The parallel path uses every processor, or TAMERISK_THREADS threads when
+// that variable is set (a number of 2 or more).
+//
+// PeakMemory builds a 1024 x 1024 preview and applies every material of the
+// set: its "peak_MB" counter is the most memory the scene and the renderer
+// held at once (every allocation is counted, from the frame set-up on).
 #include <benchmark/benchmark.h>
 
+#include <malloc.h>
+
+#include <atomic>
 #include <cstdint>
+#include <cstdlib>
+#include <new>
 #include <string>
 
 #include "bench_materials.h"
+#include "engine/parallel.h"
 #include "preview/preview_panel.h"
+
+namespace {
+
+// Bytes currently allocated through operator new, and the most since the
+// last reset.
+std::atomic<std::int64_t> liveBytes{0};
+std::atomic<std::int64_t> peakBytes{0};
+
+void* Allocate(std::size_t size) noexcept
+{
+    void* p = std::malloc(size == 0 ? 1 : size);
+    if (p != nullptr) {
+        const std::int64_t now = liveBytes += static_cast<std::int64_t>(malloc_usable_size(p));
+        std::int64_t peak = peakBytes.load();
+        while (now > peak && !peakBytes.compare_exchange_weak(peak, now)) {
+        }
+    }
+    return p;
+}
+
+void Release(void* p) noexcept
+{
+    if (p == nullptr)
+        return;
+    liveBytes -= static_cast<std::int64_t>(malloc_usable_size(p));
+    std::free(p);
+}
+
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    if (void* p = Allocate(size))
+        return p;
+    throw std::bad_alloc();
+}
+void* operator new[](std::size_t size)
+{
+    return operator new(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return Allocate(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
+{
+    return Allocate(size);
+}
+void operator delete(void* p) noexcept
+{
+    Release(p);
+}
+void operator delete[](void* p) noexcept
+{
+    Release(p);
+}
+void operator delete(void* p, std::size_t) noexcept
+{
+    Release(p);
+}
+void operator delete[](void* p, std::size_t) noexcept
+{
+    Release(p);
+}
 
 namespace {
 
 const std::int32_t kSizes[] = {120, 512, 1024};
 
-// A square preview of the benchmark's size; false (and the benchmark
-// skipped) when it cannot be built.
+// The thread count of the parallel runs.
+int ParallelThreads()
+{
+    const char* text = std::getenv("TAMERISK_THREADS");
+    const int n = text == nullptr ? 0 : std::atoi(text);
+    SetRenderThreads(n >= 2 ? n : 0);
+    const int resolved = RenderThreads();
+    SetRenderThreads(0);
+    return resolved;
+}
+
+// A square preview of the benchmark's size, rendered with its thread count;
+// false (and the benchmark skipped) when it cannot be built.
 bool SetUp(benchmark::State& state, CPreviewPanel& panel)
 {
     const auto size = static_cast<std::int32_t>(state.range(0));
+    SetRenderThreads(static_cast<int>(state.range(1)));
     if (panel.SetUpFrame(size, size) == 0)
         return true;
     state.SkipWithError("the preview could not be set up");
     return false;
+}
+
+void CountPixels(benchmark::State& state)
+{
+    const double pixels = static_cast<double>(state.range(0)) * static_cast<double>(state.range(0));
+    state.counters["per_pixel"] = benchmark::Counter(
+        pixels, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 void ApplyAndRender(benchmark::State& state, const FZAttributeEx& material)
@@ -34,6 +132,7 @@ void ApplyAndRender(benchmark::State& state, const FZAttributeEx& material)
         panel.ApplyMaterial(material, 0);
         benchmark::DoNotOptimize(panel.Scene()->frame->data);
     }
+    CountPixels(state);
 }
 
 void BuildShape(benchmark::State& state, std::int32_t shape)
@@ -50,21 +149,51 @@ void BuildShape(benchmark::State& state, std::int32_t shape)
         panel.BuildSampleShape(shape);
         benchmark::DoNotOptimize(panel.Scene()->frame->data);
     }
+    CountPixels(state);
 }
 
-void AddSizes(benchmark::internal::Benchmark* b)
+void PeakMemory(benchmark::State& state)
 {
-    for (const std::int32_t size : kSizes)
-        b->Arg(size);
-    b->ArgName("size")->Unit(benchmark::kMillisecond);
+    std::int64_t peak = 0;
+    for (auto _ : state) {
+        SetRenderThreads(static_cast<int>(state.range(1)));
+        peakBytes = liveBytes.load();
+        const std::int64_t before = liveBytes.load();
+        {
+            CPreviewPanel panel;
+            const auto size = static_cast<std::int32_t>(state.range(0));
+            if (panel.SetUpFrame(size, size) != 0) {
+                state.SkipWithError("the preview could not be set up");
+                return;
+            }
+            for (const BenchMaterial& m : BenchMaterials())
+                panel.ApplyMaterial(m.material, 0);
+        }
+        peak = peakBytes.load() - before;
+    }
+    state.counters["peak_MB"] = static_cast<double>(peak) / (1024.0 * 1024.0);
+}
+
+void AddRuns(benchmark::internal::Benchmark* b, const std::int32_t* sizes, std::size_t count)
+{
+    static const int parallel = ParallelThreads();
+    for (std::size_t i = 0; i < count; ++i)
+        for (const int threads : {1, parallel})
+            b->Args({sizes[i], threads});
+    b->ArgNames({"size", "threads"})->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 
 const bool kRegistered = [] {
+    const std::size_t sizes = sizeof kSizes / sizeof kSizes[0];
     for (const BenchMaterial& m : BenchMaterials())
-        AddSizes(benchmark::RegisterBenchmark(("ApplyMaterial/" + m.name).c_str(), ApplyAndRender, m.material));
+        AddRuns(benchmark::RegisterBenchmark(("ApplyMaterial/" + m.name).c_str(), ApplyAndRender, m.material),
+                kSizes, sizes);
     for (std::int32_t shape = 1; shape <= 4; ++shape)
-        AddSizes(benchmark::RegisterBenchmark(("BuildSampleShape/" + std::to_string(shape)).c_str(), BuildShape,
-                                              shape));
+        AddRuns(benchmark::RegisterBenchmark(("BuildSampleShape/" + std::to_string(shape)).c_str(), BuildShape,
+                                             shape),
+                kSizes, sizes);
+    const std::int32_t large[] = {1024};
+    AddRuns(benchmark::RegisterBenchmark("PeakMemory", PeakMemory)->Iterations(1), large, 1);
     return true;
 }();
 

@@ -2,7 +2,7 @@
 // exactly as the preview panel of the material editor shows it.
 //
 //   tamerisk-render [--material FILE.qva|FILE.json] [--shape N] [--size N|WxH]
-//                   [--color-bind] [--seed S] --output OUT.png|OUT.ppm
+//                   [--color-bind] [--seed S] [--threads N] --output OUT.png|OUT.ppm
 //
 // The picture is made through the panel's own calls (SetUpFrame,
 // BuildSampleShape, ApplyMaterial), so a thumbnail made here and the dialog's
@@ -23,6 +23,7 @@
 
 #include "common/material_json.h"
 #include "engine/display/image_display.h"
+#include "engine/parallel.h"
 #include "engine/random.h"
 #include "preview/preview_panel.h"
 
@@ -30,6 +31,7 @@ namespace {
 
 constexpr int kUsageError = 2;
 constexpr int kRunError = 1;
+constexpr int kMaxThreads = 256;
 
 enum class Format { Png, Ppm };
 
@@ -40,6 +42,7 @@ struct Options {
     std::int32_t height = 120;
     bool colorBind = false;
     std::optional<std::uint32_t> seed;
+    int threads = 0;
     QString output;
     Format format = Format::Png;
 };
@@ -115,12 +118,17 @@ bool ParseOptions(QCommandLineParser& parser, const QStringList& arguments, Opti
                                   QStringLiteral("Seed the random generator instead of the time, so the groove "
                                                  "depth variation of anisotropic materials is reproducible."),
                                   QStringLiteral("S"));
+    const QCommandLineOption threads(QStringLiteral("threads"),
+                                     QStringLiteral("Render with N threads: 0 (the default) for one per processor, "
+                                                    "1 for the straightforward single-threaded path. The picture "
+                                                    "is the same whatever N is."),
+                                     QStringLiteral("N"));
     const QCommandLineOption output(QStringLiteral("output"),
                                     QStringLiteral("Image to write: .png, or .ppm (binary P6, top row first)."),
                                     QStringLiteral("OUT"));
     parser.setApplicationDescription(
         QStringLiteral("Renders a material on a sample shape, as the material editor's preview shows it."));
-    parser.addOptions({material, shape, size, colorBind, seed, output});
+    parser.addOptions({material, shape, size, colorBind, seed, threads, output});
     parser.addHelpOption();
 
     if (!parser.parse(arguments)) {
@@ -155,6 +163,16 @@ bool ParseOptions(QCommandLineParser& parser, const QStringList& arguments, Opti
             return false;
         }
         options.seed = value;
+    }
+    if (parser.isSet(threads)) {
+        bool ok = false;
+        options.threads = parser.value(threads).toInt(&ok);
+        if (!ok || options.threads < 0 || options.threads > kMaxThreads) {
+            error = QStringLiteral("invalid --threads '%1': expected a number from 0 to %2")
+                        .arg(parser.value(threads))
+                        .arg(kMaxThreads);
+            return false;
+        }
     }
     return ParseOutput(parser.value(output), options, error);
 }
@@ -257,6 +275,7 @@ int main(int argc, char** argv)
     // first used.
     if (options.seed)
         FZRandom::SetFixedSeed(options.seed);
+    SetRenderThreads(options.threads);
 
     QImage image;
     if (!Render(options, material, image, error) || !WriteImage(image, options, error)) {

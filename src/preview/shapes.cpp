@@ -135,7 +135,7 @@ void AddDimple(FZLayer& layer, float cx, float cy, float radius, float depth)
     const std::int32_t rowFirst = FZTruncateClamped(static_cast<double>(cy) - radius, 0, INT32_MAX);
     const std::int32_t rowLast = FZTruncateClamped(static_cast<double>(cy) + radius, INT32_MIN, layer.height - 1);
 
-    for (std::int32_t py = rowFirst; py <= rowLast; ++py) {
+    ParallelRows(rowFirst, rowLast + 1, [&](std::int32_t py) {
         for (std::int32_t px = columnFirst; px <= columnLast; ++px) {
             if (layer.coverage[py][px] == 0)
                 continue;
@@ -155,7 +155,7 @@ void AddDimple(FZLayer& layer, float cx, float cy, float radius, float depth)
             }
             layer.depth[py][px] = static_cast<float>(sum * (1.0 / 16.0));
         }
-    }
+    });
 }
 
 void FlattenTop(FZLayer& layer, float k)

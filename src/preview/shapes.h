@@ -14,6 +14,7 @@
 
 #include <tamerisk/fz_truncate.h>
 
+#include "engine/parallel.h"
 #include "engine/scene.h"
 
 // The bounding box of an outline, computed when its parameters are set.
@@ -102,7 +103,8 @@ void RasterizeShape(FZLayer& layer, const Shape& shape)
     const float sixth = 1.0f / 6.0f;
     const float ninth = 1.0f / 9.0f;
 
-    for (std::int32_t py = rowFirst; py <= rowLast; ++py) {
+    // Each pixel reads and writes only itself, so rows run in parallel.
+    ParallelRows(rowFirst, rowLast + 1, [&](std::int32_t py) {
         for (std::int32_t px = columnFirst; px <= columnLast; ++px) {
             const float a0 = layer.coverage[py][px] / 255.0f;
             const float z0p = layer.depth[py][px];
@@ -129,7 +131,7 @@ void RasterizeShape(FZLayer& layer, const Shape& shape)
                 layer.CompositeSample(px, py, z, cb, kFZShapeSampleColor);
             }
         }
-    }
+    });
 }
 
 // Lowers the covered depths within radius of (cx, cy) by a smooth bowl that

@@ -144,6 +144,26 @@ TEST(RenderTool, SeedMakesGrooveVariationReproducible)
     EXPECT_NE(render(QStringLiteral("4242"), QStringLiteral("c.ppm")), first);
 }
 
+TEST(RenderTool, ThreadCountNeverChangesThePicture)
+{
+    QTemporaryDir dir;
+    const QString material = dir.filePath(QStringLiteral("lamp.json"));
+    WriteText(material, R"({"emission": 0.7, "transparency": 0.4, "anisotropic": 1, "smoothHighlight": 1,
+                            "color": [200, 60, 20], "highlightSharpness": 0.5})");
+    const auto render = [&](const QString& threads) {
+        const QString out = dir.filePath(threads + QStringLiteral(".ppm"));
+        EXPECT_EQ(RunRenderTool({"--material", material, "--seed", "7", "--size", "150x110", "--shape", "4",
+                                 "--threads", threads, "--output", out})
+                      .exitCode,
+                  0);
+        return ReadBytes(out);
+    };
+    const QByteArray straightforward = render(QStringLiteral("1"));
+    EXPECT_FALSE(straightforward.isEmpty());
+    for (const char* threads : {"0", "2", "5"})
+        EXPECT_EQ(render(QLatin1String(threads)), straightforward) << threads;
+}
+
 TEST(RenderTool, BadArgumentsAreRefusedWithoutWritingAnything)
 {
     QTemporaryDir dir;
@@ -163,6 +183,8 @@ TEST(RenderTool, BadArgumentsAreRefusedWithoutWritingAnything)
         {{"--size", "99999999999", "--output", out}, 2, "too large"},
         {{"--size", "100000", "--output", out}, 1, "too large"},
         {{"--seed", "abc", "--output", out}, 2, "--seed"},
+        {{"--threads", "-1", "--output", out}, 2, "--threads"},
+        {{"--threads", "two", "--output", out}, 2, "--threads"},
         {{"--output", dir.filePath(QStringLiteral("out.bmp"))}, 2, ".png or .ppm"},
         {{"--output", out, "extra"}, 2, "extra"},
     };
@@ -213,6 +235,6 @@ TEST(RenderTool, HelpNamesEveryOption)
     ASSERT_TRUE(process.waitForFinished(30000));
     EXPECT_EQ(process.exitCode(), 0);
     const QString help = QString::fromUtf8(process.readAllStandardOutput());
-    for (const char* option : {"--material", "--shape", "--size", "--color-bind", "--seed", "--output"})
+    for (const char* option : {"--material", "--shape", "--size", "--color-bind", "--seed", "--threads", "--output"})
         EXPECT_TRUE(help.contains(QLatin1String(option))) << option;
 }

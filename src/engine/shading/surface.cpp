@@ -3,6 +3,8 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "engine/parallel.h"
+
 namespace {
 
 FZRect WholeLayer(const FZLayer& layer)
@@ -163,9 +165,11 @@ int EstimateNormals(FZLayer& layer, const FZRect& rect)
     FZRect r = rect;
     if (!HasHeightField(layer) || !r.ClipTo(0, 0, layer.width - 1, layer.height - 1))
         return 0;
-    for (std::int32_t y = r.y0; y <= r.y1; ++y)
+    // Normals are written, depths and coverage only read: rows are independent.
+    ParallelRows(r.y0, r.y1 + 1, [&](std::int32_t y) {
         for (std::int32_t x = r.x0; x <= r.x1; ++x)
             if (layer.coverage[y][x] != 0)
                 layer.normals[y][x] = NormalAt(layer, x, y);
+    });
     return 0;
 }
