@@ -1,10 +1,37 @@
 // What belongs to libtamerisk.so alone: the module's start-up when the
 // library is loaded and its shut-down when it is unloaded.
+//
+// Start-up registers the dialogs' pictures (a Qt resource compiled into the
+// library), so that they are found before any dialog exists. The random-colour
+// generator needs nothing here: it is a static object of the dialogs, and the
+// whole dialog library is linked in, so it is constructed, and seeds the
+// module's random state, while the library loads.
+#include <QCoreApplication>
+
+#include "dialogs/resources.h"
+#include "host/editor_instance.h"
+
+// Outside any namespace, as Qt's resource macros require.
+static void ReleaseDialogResources()
+{
+    Q_CLEANUP_RESOURCE(bitmaps);
+}
+
 namespace {
 
 struct ModuleLifetime {
-    ModuleLifetime() = default;
-    ~ModuleLifetime() = default;
+    ModuleLifetime() { TameriskRegisterResources(); }
+
+    // A host that unloads the library with the editor still open would keep
+    // a window whose code is gone; it is closed here instead, which also
+    // remembers its placement. At process exit the QApplication is already
+    // gone, its windows with it, and no widget may be touched any more.
+    ~ModuleLifetime()
+    {
+        if (QCoreApplication::instance())
+            DeleteEditorInstance();
+        ReleaseDialogResources();
+    }
 };
 
 const ModuleLifetime module;

@@ -1,0 +1,9 @@
+// The one editor that the exported functions manage.
+#ifndef TAMERISK_HOST_EDITOR_INSTANCE_H
+#define TAMERISK_HOST_EDITOR_INSTANCE_H
+
+// Destroys the open editor, whose window remembers its placement on the
+// way, and leaves none open. Does nothing when none is open.
+void DeleteEditorInstance();
+
+#endif
