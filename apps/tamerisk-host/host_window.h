@@ -1,0 +1,51 @@
+// The demo host's window: what a 3D application does with the editor. It
+// keeps its own copy of the material, opens the editor with it, and takes the
+// edited material back when the editor notifies ("更新" or the space bar).
+#ifndef TAMERISK_HOST_APP_HOST_WINDOW_H
+#define TAMERISK_HOST_APP_HOST_WINDOW_H
+
+#include <QString>
+#include <QWidget>
+
+#include <tamerisk/tamerisk.h>
+
+class QCheckBox;
+class QLabel;
+class QTableWidget;
+class TameriskApi;
+
+class HostWindow : public QWidget {
+public:
+    HostWindow(const TameriskApi& api, const FZAttributeEx& material, const QString& materialName);
+    ~HostWindow() override;
+
+    // Opens the editor with the host's material, or brings back the one that
+    // is open.
+    void OpenEditor();
+    // The editor's top-level window, or null when none is open.
+    static QWidget* EditorWindow();
+
+protected:
+    bool event(QEvent* event) override;
+
+private:
+    void OnEditorNotify();
+    void ShowMaterial();
+    void ShowPreview();
+    void ShowEditorState();
+
+    const TameriskApi& api;
+    FZAttributeEx material;
+    QString materialName;
+    const unsigned int notifyMessage;
+    int updatesReceived = 0;
+
+    QTableWidget* table = nullptr;
+    QLabel* preview = nullptr;
+    QLabel* surfaceSwatch = nullptr;
+    QLabel* highlightSwatch = nullptr;
+    QCheckBox* colorBind = nullptr;
+    QLabel* state = nullptr;
+};
+
+#endif

@@ -1,0 +1,88 @@
+// tamerisk-host: a small host application for the material editor. It loads
+// libtamerisk.so at run time, opens the editor with a material, and shows
+// what the editor sends back when the user presses "更新".
+//
+//   tamerisk-host [--open FILE.qva] [--library PATH] [--screenshot OUT.png]
+//
+// --screenshot opens the editor, saves a picture of its window and exits;
+// with QT_QPA_PLATFORM=offscreen it needs no display.
+#include <cstdio>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
+#include <QPixmap>
+
+#include "host_window.h"
+#include "qva_reader.h"
+#include "tamerisk_api.h"
+
+namespace {
+
+QString DefaultLibraryPath()
+{
+    return QDir::cleanPath(QCoreApplication::applicationDirPath() + "/../lib/libtamerisk.so");
+}
+
+int Fail(const QString& message)
+{
+    std::fprintf(stderr, "tamerisk-host: %s\n", qPrintable(message));
+    return 1;
+}
+
+int SaveScreenshot(HostWindow& host, const QString& path)
+{
+    host.OpenEditor();
+    QApplication::processEvents();
+    QWidget* editor = HostWindow::EditorWindow();
+    if (!editor)
+        return Fail(QStringLiteral("the editor did not open"));
+    if (!editor->grab().save(path))
+        return Fail(QStringLiteral("cannot write %1").arg(path));
+    std::printf("%s\n", qPrintable(QFileInfo(path).absoluteFilePath()));
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication app(argc, argv);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("A small host for the Tamerisk material editor."));
+    parser.addHelpOption();
+    const QCommandLineOption open(QStringLiteral("open"),
+                                  QStringLiteral("Start with the material of an attribute file."),
+                                  QStringLiteral("FILE.qva"));
+    const QCommandLineOption library(QStringLiteral("library"),
+                                     QStringLiteral("The Tamerisk library to load."),
+                                     QStringLiteral("PATH"), DefaultLibraryPath());
+    const QCommandLineOption screenshot(
+        QStringLiteral("screenshot"),
+        QStringLiteral("Open the editor, save a picture of its window and exit."),
+        QStringLiteral("OUT.png"));
+    parser.addOptions({open, library, screenshot});
+    parser.process(app);
+
+    TameriskApi api;
+    QString error;
+    if (!api.Load(parser.value(library), error))
+        return Fail(error);
+
+    FZAttributeEx material;
+    QString materialName;
+    if (parser.isSet(open)) {
+        error = ReadQvaFile(parser.value(open), material);
+        if (!error.isEmpty())
+            return Fail(error);
+        materialName = QFileInfo(parser.value(open)).fileName();
+    }
+
+    HostWindow host(api, material, materialName);
+    if (parser.isSet(screenshot))
+        return SaveScreenshot(host, parser.value(screenshot));
+    host.show();
+    host.OpenEditor();
+    return app.exec();
+}
