@@ -1,16 +1,20 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and starts the demo host with the editor.
+# Installs what is missing, builds, and starts the demo host with the
+# material editor open. Arguments go to the host (for example
+# --open material.qva).
+#
+# Without a display ($DISPLAY and $WAYLAND_DISPLAY empty) the host runs
+# offscreen, saves a picture of the editor and says where it is.
 set -euo pipefail
 cd "$(dirname "$0")"
 
 ./scripts/install-deps.sh
 ./scripts/build.sh
 
-# Main job, until the editor's demo host arrives: the default material on
-# each of the four sample shapes, rendered as the preview shows it.
-mkdir -p out
-for shape in 1 2 3 4; do
-  build/bin/tamerisk-render --shape "$shape" --output "out/preview-shape$shape.png"
-done
-echo "The default material on the four sample shapes, as the preview shows it:"
-printf '  %s\n' "$PWD"/out/preview-shape{1,2,3,4}.png
+if [[ -z "${DISPLAY:-}" && -z "${WAYLAND_DISPLAY:-}" ]]; then
+  picture="$PWD/build/tamerisk-editor.png"
+  QT_QPA_PLATFORM=offscreen build/bin/tamerisk-host --screenshot "$picture" "$@" >/dev/null
+  echo "No display: the editor was drawn offscreen into $picture"
+else
+  exec build/bin/tamerisk-host "$@"
+fi
