@@ -14,7 +14,6 @@
 #include <QTableWidget>
 #include <QTimer>
 
-#include "tamerisk_api.h"
 
 namespace {
 
@@ -79,7 +78,7 @@ QString ShowStateText(unsigned int show)
 
 } // namespace
 
-HostWindow::HostWindow(const TameriskApi& api, const FZAttributeEx& material,
+HostWindow::HostWindow(const TameriskFunctions& api, const FZAttributeEx& material,
                        const QString& materialName)
     : api(api), material(material), materialName(materialName),
       notifyMessage(static_cast<unsigned int>(QEvent::registerEventType()))

@@ -12,11 +12,11 @@
 class QCheckBox;
 class QLabel;
 class QTableWidget;
-class TameriskApi;
+
 
 class HostWindow : public QWidget {
 public:
-    HostWindow(const TameriskApi& api, const FZAttributeEx& material, const QString& materialName);
+    HostWindow(const TameriskFunctions& api, const FZAttributeEx& material, const QString& materialName);
     ~HostWindow() override;
 
     // Opens the editor with the host's material, or brings back the one that
@@ -34,7 +34,7 @@ private:
     void ShowPreview();
     void ShowEditorState();
 
-    const TameriskApi& api;
+    const TameriskFunctions& api;
     FZAttributeEx material;
     QString materialName;
     const unsigned int notifyMessage;

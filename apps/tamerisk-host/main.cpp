@@ -65,9 +65,9 @@ int main(int argc, char** argv)
     parser.addOptions({open, library, screenshot});
     parser.process(app);
 
-    TameriskApi api;
+    TameriskFunctions api;
     QString error;
-    if (!api.Load(parser.value(library), error))
+    if (!LoadTamerisk(parser.value(library), api, error))
         return Fail(error);
 
     FZAttributeEx material;

@@ -1,27 +1,18 @@
 #include "tamerisk_api.h"
 
-template <typename Function>
-bool TameriskApi::Resolve(const char* name, Function& function, QString& error)
-{
-    function = reinterpret_cast<Function>(library.resolve(name));
-    if (!function)
-        error = QStringLiteral("%1 does not export %2").arg(library.fileName(), name);
-    return function != nullptr;
-}
+#include <QLibrary>
 
-bool TameriskApi::Load(const QString& path, QString& error)
+bool LoadTamerisk(const QString& path, TameriskFunctions& functions, QString& error)
 {
-    library.setFileName(path);
+    // Deliberately never unloaded (a QLibrary does not unload when destroyed).
+    QLibrary library(path);
     if (!library.load()) {
         error = library.errorString();
         return false;
     }
-    return Resolve("Tamerisk_Open", Open, error) && Resolve("Tamerisk_Close", Close, error)
-           && Resolve("Tamerisk_SetAttribute", SetAttribute, error)
-           && Resolve("Tamerisk_GetAttribute", GetAttribute, error)
-           && Resolve("Tamerisk_SetColorBind", SetColorBind, error)
-           && Resolve("Tamerisk_GetColorBind", GetColorBind, error)
-           && Resolve("Tamerisk_ShowWindow", ShowWindow, error)
-           && Resolve("Tamerisk_GetShow", GetShow, error)
-           && Resolve("Tamerisk_SetTitle", SetTitle, error);
+    const char* missing = TameriskResolveFunctions(
+        functions, [&library](const char* name) { return library.resolve(name); });
+    if (missing)
+        error = QStringLiteral("%1 does not export %2").arg(path, QLatin1String(missing));
+    return missing == nullptr;
 }

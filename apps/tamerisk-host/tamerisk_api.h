@@ -4,33 +4,13 @@
 #ifndef TAMERISK_HOST_APP_TAMERISK_API_H
 #define TAMERISK_HOST_APP_TAMERISK_API_H
 
-#include <QLibrary>
 #include <QString>
 
 #include <tamerisk/tamerisk.h>
 
-class TameriskApi {
-public:
-    // Loads the library and resolves every function. False, with a message
-    // in error, when the library or any function is missing.
-    bool Load(const QString& path, QString& error);
-
-    Tamerisk_OpenFunction Open = nullptr;
-    Tamerisk_CloseFunction Close = nullptr;
-    Tamerisk_SetAttributeFunction SetAttribute = nullptr;
-    Tamerisk_GetAttributeFunction GetAttribute = nullptr;
-    Tamerisk_SetColorBindFunction SetColorBind = nullptr;
-    Tamerisk_GetColorBindFunction GetColorBind = nullptr;
-    Tamerisk_ShowWindowFunction ShowWindow = nullptr;
-    Tamerisk_GetShowFunction GetShow = nullptr;
-    Tamerisk_SetTitleFunction SetTitle = nullptr;
-
-private:
-    template <typename Function>
-    bool Resolve(const char* name, Function& function, QString& error);
-
-    // Never unloaded: the editor's window code lives in it.
-    QLibrary library;
-};
+// Loads the library at path and fills functions. False, with a message in
+// error, when the library or any function is missing. The library stays
+// loaded for the rest of the process: the editor's window code lives in it.
+bool LoadTamerisk(const QString& path, TameriskFunctions& functions, QString& error);
 
 #endif

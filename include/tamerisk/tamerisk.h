@@ -51,6 +51,8 @@
 #ifndef TAMERISK_TAMERISK_H
 #define TAMERISK_TAMERISK_H
 
+#include <type_traits>
+
 #include "attribute.h"
 #include "export.h"
 
@@ -124,5 +126,51 @@ typedef int (*Tamerisk_GetColorBindFunction)(void);
 typedef void (*Tamerisk_ShowWindowFunction)(int);
 typedef unsigned int (*Tamerisk_GetShowFunction)(void);
 typedef void (*Tamerisk_SetTitleFunction)(const char*);
+
+// The nine functions as one table, for hosts that load the library at run
+// time:
+//
+//     void* library = dlopen("libtamerisk.so", RTLD_NOW);
+//     TameriskFunctions tamerisk;
+//     if (const char* missing = TameriskResolveFunctions(
+//             tamerisk, [&](const char* name) { return dlsym(library, name); }))
+//         ...;  // not a Tamerisk library: `missing` was not found
+//     tamerisk.Open(window, message);
+//
+// lookup takes a function's name and returns its address or null (dlsym, or
+// QLibrary::resolve). The result is null when every function was found, else
+// the name of the first one missing.
+struct TameriskFunctions {
+    Tamerisk_OpenFunction Open = nullptr;
+    Tamerisk_CloseFunction Close = nullptr;
+    Tamerisk_SetAttributeFunction SetAttribute = nullptr;
+    Tamerisk_GetAttributeFunction GetAttribute = nullptr;
+    Tamerisk_SetColorBindFunction SetColorBind = nullptr;
+    Tamerisk_GetColorBindFunction GetColorBind = nullptr;
+    Tamerisk_ShowWindowFunction ShowWindow = nullptr;
+    Tamerisk_GetShowFunction GetShow = nullptr;
+    Tamerisk_SetTitleFunction SetTitle = nullptr;
+};
+
+template <typename Lookup>
+const char* TameriskResolveFunctions(TameriskFunctions& table, Lookup lookup)
+{
+    const char* missing = nullptr;
+    const auto resolve = [&](auto& function, const char* name) {
+        function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(lookup(name));
+        if (!function && !missing)
+            missing = name;
+    };
+    resolve(table.Open, "Tamerisk_Open");
+    resolve(table.Close, "Tamerisk_Close");
+    resolve(table.SetAttribute, "Tamerisk_SetAttribute");
+    resolve(table.GetAttribute, "Tamerisk_GetAttribute");
+    resolve(table.SetColorBind, "Tamerisk_SetColorBind");
+    resolve(table.GetColorBind, "Tamerisk_GetColorBind");
+    resolve(table.ShowWindow, "Tamerisk_ShowWindow");
+    resolve(table.GetShow, "Tamerisk_GetShow");
+    resolve(table.SetTitle, "Tamerisk_SetTitle");
+    return missing;
+}
 
 #endif

@@ -1,6 +1,7 @@
 // The nine exported functions. They manage one editor on the host's behalf:
 // the module-wide pointer below, null while no editor is open. Every function
 // but Tamerisk_Open does nothing without an editor.
+#include <iterator>
 #include <new>
 
 #include <QApplication>
@@ -39,6 +40,11 @@ void ShowInState(QWidget& window, Qt::WindowStates state, bool activate)
     }
 }
 
+Qt::WindowStates Kept(Qt::WindowStates s)
+{
+    return s;
+}
+
 Qt::WindowStates Normal(Qt::WindowStates s)
 {
     return s & ~(Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen);
@@ -61,6 +67,29 @@ Qt::WindowStates Restored(Qt::WindowStates s)
 {
     return s.testFlag(Qt::WindowMinimized) ? s & ~Qt::WindowMinimized : Normal(s);
 }
+
+// What each show command does, by its Windows number. Every command but
+// hiding makes the window visible, as on Windows.
+struct ShowCommand {
+    Qt::WindowStates (*state)(Qt::WindowStates);
+    bool activate;
+};
+
+constexpr ShowCommand kShowCommands[] = {
+    {nullptr, false},   // TAMERISK_SW_HIDE
+    {Normal, true},     // TAMERISK_SW_SHOWNORMAL
+    {Minimized, true},  // TAMERISK_SW_SHOWMINIMIZED
+    {Maximized, true},  // TAMERISK_SW_SHOWMAXIMIZED
+    {Normal, false},    // TAMERISK_SW_SHOWNOACTIVATE
+    {Kept, true},       // TAMERISK_SW_SHOW
+    {Minimized, false}, // TAMERISK_SW_MINIMIZE: the next window gets the focus
+    {Minimized, false}, // TAMERISK_SW_SHOWMINNOACTIVE
+    {Kept, false},      // TAMERISK_SW_SHOWNA
+    {Restored, true},   // TAMERISK_SW_RESTORE
+    {Normal, true},     // TAMERISK_SW_SHOWDEFAULT
+    {Minimized, false}, // TAMERISK_SW_FORCEMINIMIZE
+};
+static_assert(std::size(kShowCommands) == TAMERISK_SW_FORCEMINIMIZE + 1);
 
 } // namespace
 
@@ -129,44 +158,13 @@ int Tamerisk_GetColorBind(void)
 
 void Tamerisk_ShowWindow(int command)
 {
-    if (!editor)
+    if (!editor || command < 0 || command >= static_cast<int>(std::size(kShowCommands)))
         return;
-    QWidget& window = *editor;
-    const Qt::WindowStates state = window.windowState();
-    switch (command) {
-    case TAMERISK_SW_HIDE:
-        window.hide();
-        break;
-    case TAMERISK_SW_SHOWNORMAL:
-    case TAMERISK_SW_SHOWDEFAULT:
-        ShowInState(window, Normal(state), true);
-        break;
-    case TAMERISK_SW_SHOWMINIMIZED:
-        ShowInState(window, Minimized(state), true);
-        break;
-    case TAMERISK_SW_SHOWMAXIMIZED:
-        ShowInState(window, Maximized(state), true);
-        break;
-    case TAMERISK_SW_SHOWNOACTIVATE:
-        ShowInState(window, Normal(state), false);
-        break;
-    case TAMERISK_SW_SHOW:
-        ShowInState(window, state, true);
-        break;
-    case TAMERISK_SW_MINIMIZE:
-    case TAMERISK_SW_SHOWMINNOACTIVE:
-    case TAMERISK_SW_FORCEMINIMIZE:
-        ShowInState(window, Minimized(state), false);
-        break;
-    case TAMERISK_SW_SHOWNA:
-        ShowInState(window, state, false);
-        break;
-    case TAMERISK_SW_RESTORE:
-        ShowInState(window, Restored(state), true);
-        break;
-    default:
-        break;
-    }
+    const ShowCommand& what = kShowCommands[command];
+    if (what.state)
+        ShowInState(*editor, what.state(editor->windowState()), what.activate);
+    else
+        editor->hide();
 }
 
 // The show state of the placement, not the visibility: like the Windows

@@ -17,23 +17,9 @@ struct LoadedLibrary {
             error = dlerror();
             return;
         }
-        Resolve(handle, "Tamerisk_Open", functions.Open);
-        Resolve(handle, "Tamerisk_Close", functions.Close);
-        Resolve(handle, "Tamerisk_SetAttribute", functions.SetAttribute);
-        Resolve(handle, "Tamerisk_GetAttribute", functions.GetAttribute);
-        Resolve(handle, "Tamerisk_SetColorBind", functions.SetColorBind);
-        Resolve(handle, "Tamerisk_GetColorBind", functions.GetColorBind);
-        Resolve(handle, "Tamerisk_ShowWindow", functions.ShowWindow);
-        Resolve(handle, "Tamerisk_GetShow", functions.GetShow);
-        Resolve(handle, "Tamerisk_SetTitle", functions.SetTitle);
-    }
-
-    template <typename Function>
-    void Resolve(void* handle, const char* name, Function& function)
-    {
-        function = reinterpret_cast<Function>(dlsym(handle, name));
-        if (!function)
-            error += std::string("missing ") + name + "; ";
+        if (const char* missing = TameriskResolveFunctions(
+                functions, [handle](const char* name) { return dlsym(handle, name); }))
+            error = std::string("missing ") + missing;
     }
 };
 
@@ -44,12 +30,6 @@ const LoadedLibrary& Library()
 }
 
 } // namespace
-
-bool TameriskFunctions::Complete() const
-{
-    return Open && Close && SetAttribute && GetAttribute && SetColorBind && GetColorBind
-           && ShowWindow && GetShow && SetTitle;
-}
 
 const TameriskFunctions& Tamerisk()
 {
