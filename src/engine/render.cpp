@@ -104,6 +104,15 @@ void CopyRect(const FZImage& from, FZImage& to, const FZRect& rect)
     }
 }
 
+// What the parallel path works out once for a layer: a fully covered pixel
+// that neither reflects nor refracts shows its shaded bytes through a table,
+// and the attenuation factor of the transparency.
+struct ComposeShortcuts {
+    bool opaqueTable = false;
+    std::uint8_t table[256];
+    float attenuation = 0.0f;
+};
+
 // Everything that stays the same for all pixels of one layer.
 struct LayerPass {
     FZScene& scene;
@@ -113,16 +122,50 @@ struct LayerPass {
     bool reflects;
     bool refracts;
     float eta;
+    const ComposeShortcuts* shortcuts = nullptr;  // the parallel path's
 };
+
+// The parallel path's memory along a row: neighbouring pixels often share
+// their normal, and the sky a normal reflects and the direction it
+// refracts the view into depend on the normal alone.
+struct NormalMemo {
+    FZPackedVector skyNormal;
+    bool hasSky = false;
+    bool skyFound = false;
+    float sky[3] = {0.0f, 0.0f, 0.0f};
+    FZPackedVector refractNormal;
+    bool hasRefraction = false;
+    bool refracted = false;
+    FZPackedVector refractedDirection;
+};
+
+bool SameVector(const FZPackedVector& a, const FZPackedVector& b)
+{
+    return a.x == b.x && a.y == b.y && a.z == b.z;
+}
+
+// The view refracted at normal n; false on total internal reflection.
+bool RefractedDirection(const LayerPass& pass, const FZPackedVector& n, NormalMemo* memo, FZPackedVector& r)
+{
+    if (memo == nullptr)
+        return FZPackedVector::Refract(r, ViewDirection(), n, pass.eta);
+    if (!memo->hasRefraction || !SameVector(memo->refractNormal, n)) {
+        memo->refracted = FZPackedVector::Refract(memo->refractedDirection, ViewDirection(), n, pass.eta);
+        memo->refractNormal = n;
+        memo->hasRefraction = true;
+    }
+    r = memo->refractedDirection;
+    return memo->refracted;
+}
 
 // Where the refracted ray meets the plane z = 0; false when it never does
 // (total internal reflection, a ray parallel to the plane).
 bool RefractedPoint(const LayerPass& pass, std::int32_t x, std::int32_t y, std::int32_t lx,
-                    std::int32_t ly, float d, const FZPackedVector& n, float& sx, float& sy)
+                    std::int32_t ly, float d, const FZPackedVector& n, NormalMemo* memo, float& sx, float& sy)
 {
     const FZPackedVector view = ViewDirection();
     FZPackedVector r;
-    if (!FZPackedVector::Refract(r, view, n, pass.eta))
+    if (!RefractedDirection(pass, n, memo, r))
         return false;
     float rx, ry, rz;
     r.GetFloats(rx, ry, rz);
@@ -163,19 +206,59 @@ bool RefractedPoint(const LayerPass& pass, std::int32_t x, std::int32_t y, std::
 // the refracted ray meets the plane z = 0; the background where refraction
 // fails.
 void RefractedColour(const LayerPass& pass, std::int32_t x, std::int32_t y, std::int32_t lx,
-                     std::int32_t ly, float d, const FZPackedVector& n, float out[3])
+                     std::int32_t ly, float d, const FZPackedVector& n, NormalMemo* memo, float out[3])
 {
     float sx = 0.0f;
     float sy = 0.0f;
-    if (RefractedPoint(pass, x, y, lx, ly, d, n, sx, sy))
+    if (RefractedPoint(pass, x, y, lx, ly, d, n, memo, sx, sy))
         SampleBehind(pass.scene, sx, sy, out);
     else
         CopyBackground(pass.scene, out);
 }
 
+// The sky reflected at pixel (x, y) along its normal n, weighted by how
+// squarely n faces the viewer; false when the sky cannot be built.
+bool ReflectedSky(const LayerPass& pass, std::int32_t x, std::int32_t y, float d, const FZPackedVector& n,
+                  NormalMemo* memo, float sky[3])
+{
+    if (memo != nullptr && memo->hasSky && SameVector(memo->skyNormal, n)) {
+        for (int c = 0; c < 3; ++c)
+            sky[c] = memo->sky[c];
+        return memo->skyFound;
+    }
+    const double facing = -FZPackedVector::Dot(ViewDirection(), n);
+    FZRay ray;
+    ray.origin[0] = static_cast<float>(x + 0.5);
+    ray.origin[1] = static_cast<float>(y + 0.5);
+    ray.origin[2] = static_cast<float>(static_cast<double>(d) + pass.bias);
+    ray.direction = n;
+    ray.weight = static_cast<float>(pass.material.reflection * FZMax(0.0, facing));
+    const bool found = LookupEnvironment(pass.scene.environment, ray, sky) == 0;
+    if (memo != nullptr) {
+        memo->skyNormal = n;
+        memo->hasSky = true;
+        memo->skyFound = found;
+        for (int c = 0; c < 3; ++c)
+            memo->sky[c] = sky[c];
+    }
+    return found;
+}
+
+// One channel of a composited pixel: shade x a, plus what shows through and
+// what shows around the layer, at most 1, as a byte. Values a broken
+// material drives below 0 (or to NaN) store 0.
+std::uint8_t CompositeByte(float shade, float a, float through, float under)
+{
+    const float s = static_cast<float>(static_cast<double>(shade) * a);
+    float out = static_cast<float>(static_cast<double>(s) + through + under);
+    if (out > 1.0f)
+        out = 1.0f;
+    return static_cast<std::uint8_t>(FZTruncateClamped(static_cast<double>(out) * 255.0, 0, 255));
+}
+
 // Composites one covered layer pixel (lx, ly) over frame pixel (x, y).
 void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t x,
-                  std::int32_t y, std::int32_t lx, std::int32_t ly)
+                  std::int32_t y, std::int32_t lx, std::int32_t ly, NormalMemo* memo = nullptr)
 {
     const float a = static_cast<float>(pass.layer.coverage[ly][lx] / 255.0);
     if (!(a > 0.0f))
@@ -188,26 +271,22 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
 
     float shade[3];
     float t = 0.0f;
-    LookupShade(pass.layer, lx, ly, shade, t);
+    if (pass.shortcuts != nullptr)
+        LookupShade(pass.layer, lx, ly, shade, t, pass.shortcuts->attenuation);
+    else
+        LookupShade(pass.layer, lx, ly, shade, t);
 
     if (pass.reflects) {
-        const double facing = -FZPackedVector::Dot(ViewDirection(), n);
-        FZRay ray;
-        ray.origin[0] = static_cast<float>(x + 0.5);
-        ray.origin[1] = static_cast<float>(y + 0.5);
-        ray.origin[2] = static_cast<float>(static_cast<double>(d) + pass.bias);
-        ray.direction = n;
-        ray.weight = static_cast<float>(pass.material.reflection * FZMax(0.0, facing));
         float sky[3] = {0.0f, 0.0f, 0.0f};
         // A sky that cannot be built reflects nothing.
-        if (LookupEnvironment(pass.scene.environment, ray, sky) == 0)
+        if (ReflectedSky(pass, x, y, d, n, memo, sky))
             for (int c = 0; c < 3; ++c)
                 shade[c] = static_cast<float>(static_cast<double>(shade[c]) + sky[c]);
     }
 
     float through[3] = {0.0f, 0.0f, 0.0f};
     if (pass.refracts) {
-        RefractedColour(pass, x, y, lx, ly, d, n, through);
+        RefractedColour(pass, x, y, lx, ly, d, n, memo, through);
         for (int c = 0; c < 3; ++c)
             through[c] = static_cast<float>(static_cast<double>(through[c]) * a * t);
     }
@@ -220,15 +299,38 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
             under[c] = static_cast<float>(static_cast<double>(under[c]) * uncovered);
     }
 
+    // Bytes go blue, green, red.
     std::uint8_t* p = frame.PixelAddress(x, y);
-    for (int c = 0; c < 3; ++c) {
-        const float s = static_cast<float>(static_cast<double>(shade[c]) * a);
-        float out = static_cast<float>(static_cast<double>(s) + through[c] + under[c]);
-        if (out > 1.0f)
-            out = 1.0f;
-        // Bytes go blue, green, red; values a broken material drives below
-        // 0 (or to NaN) store 0.
-        p[2 - c] = static_cast<std::uint8_t>(FZTruncateClamped(static_cast<double>(out) * 255.0, 0, 255));
+    for (int c = 0; c < 3; ++c)
+        p[2 - c] = CompositeByte(shade[c], a, through[c], under[c]);
+}
+
+// The parallel path's row: a fully covered pixel that neither reflects nor
+// refracts takes its bytes from the table (what the pixel steps give for a
+// = 1 and nothing through or around); every other pixel goes through the
+// pixel steps with the row's memory of normals.
+void ComposeRowWithShortcuts(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t y,
+                             std::int32_t first, std::int32_t last, std::int32_t ly)
+{
+    NormalMemo memo;
+    const ComposeShortcuts& shortcuts = *pass.shortcuts;
+    const std::uint8_t* coverage = pass.layer.coverage[ly];
+    const std::uint8_t* shaded = shortcuts.opaqueTable ? pass.layer.shaded->PixelAddress(0, ly) : nullptr;
+    std::uint8_t* out = frame.PixelAddress(0, y);
+    for (std::int32_t x = first; x <= last; ++x) {
+        const std::int32_t lx = x - pass.layer.x;
+        const std::uint8_t c = coverage[lx];
+        if (c == 0)
+            continue;
+        if (c == 255 && shaded != nullptr) {
+            const std::uint8_t* from = shaded + std::ptrdiff_t{3} * lx;
+            std::uint8_t* to = out + std::ptrdiff_t{3} * x;
+            to[0] = shortcuts.table[from[0]];
+            to[1] = shortcuts.table[from[1]];
+            to[2] = shortcuts.table[from[2]];
+            continue;
+        }
+        ComposePixel(pass, behind, frame, x, y, lx, ly, &memo);
     }
 }
 
@@ -241,8 +343,28 @@ void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, st
     const std::int32_t ly = ClampToInt32(std::int64_t{y} - pass.layer.y);
     const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, pass.layer.x));
     const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{pass.layer.x} + pass.layer.width - 1));
+    if (pass.shortcuts != nullptr) {
+        ComposeRowWithShortcuts(pass, behind, frame, y, first, last, ly);
+        return;
+    }
     for (std::int32_t x = first; x <= last; ++x)
         ComposePixel(pass, behind, frame, x, y, x - pass.layer.x, ly);
+}
+
+// The parallel path's shortcuts for the layer. The table holds the pixel
+// steps' bytes for a full coverage, a shade byte b (read as LookupShade
+// reads it) and nothing through or around; it serves only where the layer
+// neither reflects nor refracts and its shaded image covers the layer.
+void SetUpShortcuts(const LayerPass& pass, ComposeShortcuts& shortcuts)
+{
+    const FZLayer& layer = pass.layer;
+    const FZImage* shaded = layer.shaded;
+    shortcuts.opaqueTable = !pass.reflects && !pass.refracts && shaded != nullptr && shaded->data != nullptr
+                            && shaded->bytesPerPixel == 3 && shaded->width >= layer.width
+                            && shaded->height >= layer.height;
+    for (int b = 0; b < 256; ++b)
+        shortcuts.table[b] = CompositeByte(static_cast<float>(b * 1.0 / 255.0), 1.0f, 0.0f, 0.0f);
+    shortcuts.attenuation = AttenuationFactor(layer);
 }
 
 // Whether the layer covers any pixel of frame rows y0 to y1 inside rect.
@@ -293,8 +415,13 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
     const std::int32_t y1 = ClampToInt32(FZMin<std::int64_t>(rect.y1, top));
     if (y0 > y1)
         return;
-    if (pass.reflects && ParallelRendering() && !PrepareSky(pass, y0, y1, rect))
-        pass.reflects = false;
+    ComposeShortcuts shortcuts;
+    if (ParallelRendering()) {
+        if (pass.reflects && !PrepareSky(pass, y0, y1, rect))
+            pass.reflects = false;
+        SetUpShortcuts(pass, shortcuts);
+        pass.shortcuts = &shortcuts;
+    }
     ParallelRows(y0, y1 + 1, [&](std::int32_t y) { ComposeRow(pass, *scene.behind, frame, y, rect.x0, rect.x1); });
 }
 

@@ -21,9 +21,20 @@ float ApplyIncidence(float t, float k, const FZLayer& layer, std::int32_t x, std
     return static_cast<float>((1.0 - k) * t + static_cast<double>(t) * k * nz);
 }
 
+float Factor(const FZAttributeEx& m, float range)
+{
+    float f = static_cast<float>(std::pow(1.0 - m.attenuation, 1.0 / range));
+    // An attenuation above 1 (NaN from pow) absorbs as much as 1 does.
+    if (!(f >= kAttenuationFloor))
+        f = kAttenuationFloor;
+    return f;
+}
+
 // Thick parts pass less: the fraction a is absorbed through the full depth
 // range, and the absorbed light comes back as the surface's own colour.
-float ApplyAttenuation(float t, const FZLayer& layer, std::int32_t x, std::int32_t y, float colour[3])
+// factor: the share kept per unit of depth when already known, else null.
+float ApplyAttenuation(float t, const FZLayer& layer, std::int32_t x, std::int32_t y, float colour[3],
+                       const float* factor)
 {
     const FZAttributeEx& m = layer.material;
     if (!(t > 0.0f) || !(m.attenuation > 0.0f) || layer.depth == nullptr)
@@ -32,10 +43,7 @@ float ApplyAttenuation(float t, const FZLayer& layer, std::int32_t x, std::int32
     const float h = static_cast<float>(static_cast<double>(layer.depth[y][x]) - layer.depthMin);
     if (!(range > 0.0f) || !(h > 0.0f))
         return t;
-    float f = static_cast<float>(std::pow(1.0 - m.attenuation, 1.0 / range));
-    // An attenuation above 1 (NaN from pow) absorbs as much as 1 does.
-    if (!(f >= kAttenuationFloor))
-        f = kAttenuationFloor;
+    const float f = factor != nullptr ? *factor : Factor(m, range);
     const float kept = static_cast<float>(std::pow(static_cast<double>(f), static_cast<double>(h)) * t);
     const std::uint8_t surface[3] = {m.color.r, m.color.g, m.color.b};
     const double absorbed = FZMax(0.0, static_cast<double>(t) - kept);
@@ -47,9 +55,7 @@ float ApplyAttenuation(float t, const FZLayer& layer, std::int32_t x, std::int32
     return kept;
 }
 
-} // namespace
-
-void LookupShade(const FZLayer& layer, int x, int y, float colour[3], float& t)
+void Lookup(const FZLayer& layer, int x, int y, float colour[3], float& t, const float* factor)
 {
     colour[0] = colour[1] = colour[2] = 0.0f;
     t = 0.0f;
@@ -66,8 +72,26 @@ void LookupShade(const FZLayer& layer, int x, int y, float colour[3], float& t)
     if (!(m.transparency > 0.0f))
         return;
     t = ApplyIncidence(m.transparency, m.incidenceDependence, layer, x, y);
-    t = ApplyAttenuation(t, layer, x, y, colour);
+    t = ApplyAttenuation(t, layer, x, y, colour, factor);
     // Fractions from a wild record (above 1, NaN) still give a transmission
     // in [0, 1].
     t = t > 1.0f ? 1.0f : (t > 0.0f ? t : 0.0f);
+}
+
+} // namespace
+
+void LookupShade(const FZLayer& layer, int x, int y, float colour[3], float& t)
+{
+    Lookup(layer, x, y, colour, t, nullptr);
+}
+
+float AttenuationFactor(const FZLayer& layer)
+{
+    const float range = static_cast<float>(static_cast<double>(layer.depthMax) - layer.depthMin);
+    return Factor(layer.material, range);
+}
+
+void LookupShade(const FZLayer& layer, int x, int y, float colour[3], float& t, float attenuationFactor)
+{
+    Lookup(layer, x, y, colour, t, &attenuationFactor);
 }
