@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -25,6 +27,34 @@ int ProcessorCount()
     return n == 0 ? 1 : static_cast<int>(std::min(n, 256u));
 }
 
+// How long a thread keeps looking for the next job, or for the end of its
+// own, before it sleeps: the passes of a frame follow each other within
+// microseconds, and waking a sleeping thread takes longer than that.
+constexpr auto kSpin = std::chrono::microseconds(50);
+
+void Pause()
+{
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#else
+    std::this_thread::yield();
+#endif
+}
+
+// Spins until ready() holds or the spin time is over; whether it holds.
+template <typename Ready>
+bool SpinUntil(Ready ready)
+{
+    const auto until = std::chrono::steady_clock::now() + kSpin;
+    for (int i = 1;; ++i) {
+        if (ready())
+            return true;
+        if (i % 64 == 0 && std::chrono::steady_clock::now() > until)
+            return false;
+        Pause();
+    }
+}
+
 // The workers wait for a job, claim its chunks by number until none is
 // left, and report back. Every worker reports on every job, so the job's
 // state is never touched by a worker once its caller has returned.
@@ -37,17 +67,19 @@ public:
         const std::lock_guard<std::mutex> one(jobMutex);
         Resize(threads - 1);
         const std::int32_t rows = end - begin;
+        job = Job{begin, rows, std::min<std::int32_t>(rows, threads * kChunksPerThread), chunk, context};
+        next.store(0);
+        reporting.store(static_cast<int>(workers.size()));
         {
             const std::lock_guard<std::mutex> lock(mutex);
-            job = Job{begin, rows, std::min<std::int32_t>(rows, threads * kChunksPerThread), chunk, context};
-            next.store(0);
-            reporting = static_cast<int>(workers.size());
-            ++generation;
+            generation.fetch_add(1, std::memory_order_release);
         }
         wake.notify_all();
         Work(job);
+        if (SpinUntil([this] { return reporting.load(std::memory_order_acquire) == 0; }))
+            return;
         std::unique_lock<std::mutex> lock(mutex);
-        done.wait(lock, [this] { return reporting == 0; });
+        done.wait(lock, [this] { return reporting.load(std::memory_order_acquire) == 0; });
     }
 
 private:
@@ -76,49 +108,59 @@ private:
     void WorkerLoop()
     {
         std::uint64_t seen = 0;
-        std::unique_lock<std::mutex> lock(mutex);
         for (;;) {
-            wake.wait(lock, [&] { return stopping || generation != seen; });
-            if (stopping)
+            const auto posted = [&] {
+                return stopping.load(std::memory_order_acquire) || generation.load(std::memory_order_acquire) != seen;
+            };
+            if (!SpinUntil(posted)) {
+                std::unique_lock<std::mutex> lock(mutex);
+                wake.wait(lock, posted);
+            }
+            if (stopping.load(std::memory_order_acquire))
                 return;
-            seen = generation;
-            const Job mine = job;
-            lock.unlock();
-            Work(mine);
-            lock.lock();
-            if (--reporting == 0)
+            seen = generation.load(std::memory_order_acquire);
+            Work(job);
+            if (reporting.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+                const std::lock_guard<std::mutex> lock(mutex);
                 done.notify_one();
+            }
         }
     }
 
-    // Keeps exactly count workers; called with jobMutex held.
+    // Keeps exactly count workers (fewer when the system refuses threads);
+    // called with jobMutex held.
     void Resize(int count)
     {
         if (static_cast<int>(workers.size()) == count)
             return;
         {
             const std::lock_guard<std::mutex> lock(mutex);
-            stopping = true;
+            stopping.store(true, std::memory_order_release);
         }
         wake.notify_all();
         for (std::thread& t : workers)
             t.join();
         workers.clear();
-        stopping = false;
-        for (int i = 0; i < count; ++i)
-            workers.emplace_back([this] { WorkerLoop(); });
+        stopping.store(false);
+        for (int i = 0; i < count; ++i) {
+            try {
+                workers.emplace_back([this] { WorkerLoop(); });
+            } catch (const std::system_error&) {
+                break;
+            }
+        }
     }
 
     std::mutex jobMutex;  // one job at a time, whichever thread asks
-    std::mutex mutex;     // guards everything below
+    std::mutex mutex;     // for sleeping and waking
     std::condition_variable wake;
     std::condition_variable done;
     std::vector<std::thread> workers;
     Job job;
     std::atomic<std::int32_t> next{0};
-    int reporting = 0;
-    std::uint64_t generation = 0;
-    bool stopping = false;
+    std::atomic<int> reporting{0};
+    std::atomic<std::uint64_t> generation{0};
+    std::atomic<bool> stopping{false};
 };
 
 RowPool& Pool()

@@ -66,14 +66,22 @@ int EnsureFrameSizedImage(const FZScene& scene, FZImage*& image)
     return result;
 }
 
-// Colour (R, G, B floats) of an image pixel, stored blue, green, red.
-void ReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, float rgb[3])
+// A byte as a colour float, b / 255.
+float ByteValue(std::uint8_t b)
+{
+    return static_cast<float>(b / 255.0);
+}
+
+// Colour (R, G, B floats) of an image pixel, stored blue, green, red; from
+// a table of the 256 byte values when one is given.
+void ReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, float rgb[3], const float* values = nullptr)
 {
     const std::uint8_t* p = image.PixelAddress(x, y);
-    rgb[0] = static_cast<float>(p[2] / 255.0);
-    rgb[1] = static_cast<float>(p[1] / 255.0);
-    rgb[2] = static_cast<float>(p[0] / 255.0);
+    for (int c = 0; c < 3; ++c)
+        rgb[c] = values != nullptr ? values[p[2 - c]] : ByteValue(p[2 - c]);
 }
+
+void SampleBox(const FZScene& scene, double sx, double sy, float out[3], const float* values);
 
 void CopyBackground(const FZScene& scene, float rgb[3])
 {
@@ -111,6 +119,7 @@ struct ComposeShortcuts {
     bool opaqueTable = false;
     std::uint8_t table[256];
     float attenuation = 0.0f;
+    float byteValues[256];  // b / 255 for every byte
 };
 
 // Everything that stays the same for all pixels of one layer.
@@ -211,7 +220,7 @@ void RefractedColour(const LayerPass& pass, std::int32_t x, std::int32_t y, std:
     float sx = 0.0f;
     float sy = 0.0f;
     if (RefractedPoint(pass, x, y, lx, ly, d, n, memo, sx, sy))
-        SampleBehind(pass.scene, sx, sy, out);
+        SampleBox(pass.scene, sx, sy, out, pass.shortcuts != nullptr ? pass.shortcuts->byteValues : nullptr);
     else
         CopyBackground(pass.scene, out);
 }
@@ -294,7 +303,7 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
     float under[3] = {0.0f, 0.0f, 0.0f};
     const float uncovered = static_cast<float>(1.0 - a);
     if (uncovered != 0.0f) {
-        ReadPixel(behind, x, y, under);
+        ReadPixel(behind, x, y, under, pass.shortcuts != nullptr ? pass.shortcuts->byteValues : nullptr);
         for (int c = 0; c < 3; ++c)
             under[c] = static_cast<float>(static_cast<double>(under[c]) * uncovered);
     }
@@ -362,8 +371,10 @@ void SetUpShortcuts(const LayerPass& pass, ComposeShortcuts& shortcuts)
     shortcuts.opaqueTable = !pass.reflects && !pass.refracts && shaded != nullptr && shaded->data != nullptr
                             && shaded->bytesPerPixel == 3 && shaded->width >= layer.width
                             && shaded->height >= layer.height;
-    for (int b = 0; b < 256; ++b)
+    for (int b = 0; b < 256; ++b) {
         shortcuts.table[b] = CompositeByte(static_cast<float>(b * 1.0 / 255.0), 1.0f, 0.0f, 0.0f);
+        shortcuts.byteValues[b] = ByteValue(static_cast<std::uint8_t>(b));
+    }
     shortcuts.attenuation = AttenuationFactor(layer);
 }
 
@@ -632,6 +643,14 @@ int ComposeLayers(FZScene& scene, const FZRect& rect, FZImage& frame)
 
 void SampleBehind(const FZScene& scene, double sx, double sy, float out[3])
 {
+    SampleBox(scene, sx, sy, out, nullptr);
+}
+
+namespace {
+
+// SampleBehind, reading bytes through the table of their values when given.
+void SampleBox(const FZScene& scene, double sx, double sy, float out[3], const float* values)
+{
     CopyBackground(scene, out);
     const FZImage* image = scene.behind;
     // A ray that lands nowhere (a material's NaN or infinity) sees the
@@ -661,7 +680,7 @@ void SampleBehind(const FZScene& scene, double sx, double sy, float out[3])
                 continue;
             const double weight = static_cast<double>(hx) * hy;
             float rgb[3];
-            ReadPixel(*image, c, r, rgb);
+            ReadPixel(*image, c, r, rgb, values);
             for (int ch = 0; ch < 3; ++ch)
                 sum[ch] = static_cast<float>(sum[ch] + rgb[ch] * weight);
             total = static_cast<float>(total + weight);
@@ -674,6 +693,8 @@ void SampleBehind(const FZScene& scene, double sx, double sy, float out[3])
         out[ch] = static_cast<float>(static_cast<double>(sum[ch]) / total * total
                                      + (1.0 - total) * scene.background[ch]);
 }
+
+} // namespace
 
 int AddEmissionLight(FZScene& scene, const FZRect& rect, FZImage& frame)
 {

@@ -25,14 +25,23 @@ namespace {
 // One tap sum of the tent filter: the values at positions centre - half to
 // centre + half (those inside 0 .. count - 1), stride floats apart, each
 // times its weight, summed in double in position order.
+//
+// The parallel form leaves out values of 0, which cannot change the sum: it
+// starts at +0, never becomes -0, and adding a zero product to any other
+// value gives that value back.
+template <bool SkipZeros = false>
 float TentSum(const float* values, std::size_t stride, int centre, int count, const std::vector<float>& weight,
               int half)
 {
     const int a = FZMax(centre - half, 0);
     const int b = FZMin(centre + half, count - 1);
     double acc = 0.0;
-    for (int i = a; i <= b; ++i)
-        acc += static_cast<double>(values[static_cast<std::size_t>(i) * stride]) * weight[i - (centre - half)];
+    for (int i = a; i <= b; ++i) {
+        const float v = values[static_cast<std::size_t>(i) * stride];
+        if (SkipZeros && v == 0.0f)
+            continue;
+        acc += static_cast<double>(v) * weight[i - (centre - half)];
+    }
     return static_cast<float>(acc);
 }
 
@@ -56,11 +65,11 @@ void FilterRows(FZFloatGrid& grid, std::vector<float>& across, const std::vector
     const std::size_t w = static_cast<std::size_t>(grid.width);
     ParallelRows(0, grid.height, [&](int r) {
         for (int c = 0; c < grid.width; ++c)
-            across[r * w + c] = TentSum(grid.rows[r], 1, c, grid.width, weight, half);
+            across[r * w + c] = TentSum<true>(grid.rows[r], 1, c, grid.width, weight, half);
     });
     ParallelRows(0, grid.height, [&](int r) {
         for (int c = 0; c < grid.width; ++c)
-            grid.rows[r][c] = TentSum(&across[c], w, r, grid.height, weight, half);
+            grid.rows[r][c] = TentSum<true>(&across[c], w, r, grid.height, weight, half);
     });
 }
 

@@ -214,10 +214,22 @@ FZPackedVector RotatedFacet(const FZMatrix4& m, const float u[3])
     return packed;
 }
 
+// The rotation that carries +z onto the normal (nx, ny, nz); the identity
+// where none can be built.
+void RotationOntoNormal(float nx, float ny, float nz, bool direct, FZMatrix4& m)
+{
+    FZVector3 up;
+    up.Set(0.0f, 0.0f, 1.0f);
+    FZVector3 n;
+    n.Set(nx, ny, nz);
+    if (!(direct ? m.SetRotationOntoDirect(up, n) : m.SetRotationOnto(up, n)))
+        m.SetIdentity();
+}
+
 // The two flanks tilted by atan(depth) to either side of g, in the frame of
-// the surface normal.
-void TiltFacets(const float g[2], float depth, const FZPackedVector& normal, FZPackedVector& t1,
-                FZPackedVector& t2)
+// the surface normal (its rotation from frame when one is given).
+void TiltFacets(const float g[2], float depth, const FZPackedVector& normal, FZFacetFrame* frame,
+                FZPackedVector& t1, FZPackedVector& t2)
 {
     const float z = static_cast<float>(
         std::sqrt(static_cast<double>(g[0]) * g[0] + static_cast<double>(g[1]) * g[1]) / depth);
@@ -231,15 +243,41 @@ void TiltFacets(const float g[2], float depth, const FZPackedVector& normal, FZP
         t2.SetFloats(u2, true);
         return;
     }
-    FZVector3 up;
-    up.Set(0.0f, 0.0f, 1.0f);
-    FZVector3 n;
-    n.Set(nx, ny, nz);
-    FZMatrix4 m;
-    if (!m.SetRotationOnto(up, n))
-        m.SetIdentity();
+    FZMatrix4 own;
+    if (frame == nullptr)
+        RotationOntoNormal(nx, ny, nz, false, own);
+    const FZMatrix4& m = frame != nullptr ? frame->For(normal) : own;
     t1 = RotatedFacet(m, u1);
     t2 = RotatedFacet(m, u2);
+}
+
+void Facets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal, const float centre[3],
+            FZFacetFrame* frame, FZPackedVector& t1, FZPackedVector& t2)
+{
+    GrooveNoiseTable();
+    // A NaN depth counts as no groove at all.
+    if (!(params.grooveDepth > 1e-6)) {
+        t1 = normal;
+        t2 = normal;
+        return;
+    }
+    Offset o;
+    o.px = point[0];
+    o.py = point[1];
+    o.dx = static_cast<float>(static_cast<double>(point[0]) - centre[0]);
+    o.dy = static_cast<float>(static_cast<double>(point[1]) - centre[1]);
+    o.r = static_cast<float>(std::sqrt(static_cast<double>(o.dx) * o.dx + static_cast<double>(o.dy) * o.dy));
+
+    float g[2];
+    GrooveDirection(params, o, normal, g);
+
+    float depth = params.grooveDepth;
+    if (params.depthVariation > 0.0f)
+        depth = VariedGrooveDepth(params, GrooveNoise(AcrossGroove(params, o), params.grooveWidth), o.dx, o.dy);
+    // Grooves never get shallower than 1e-6; NaN from a wild record as well.
+    if (!(depth >= 1e-6))
+        depth = 1e-6f;
+    TiltFacets(g, depth, normal, frame, t1, t2);
 }
 
 } // namespace
@@ -327,28 +365,23 @@ float VariedGrooveDepth(const FZAnisotropy& p, float noise, float dx, float dy)
 void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
                        const float centre[3], FZPackedVector& t1, FZPackedVector& t2)
 {
-    GrooveNoiseTable();
-    // A NaN depth counts as no groove at all.
-    if (!(params.grooveDepth > 1e-6)) {
-        t1 = normal;
-        t2 = normal;
-        return;
+    Facets(params, point, normal, centre, nullptr, t1, t2);
+}
+
+void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
+                       const float centre[3], FZPackedVector& t1, FZPackedVector& t2, FZFacetFrame& frame)
+{
+    Facets(params, point, normal, centre, &frame, t1, t2);
+}
+
+const FZMatrix4& FZFacetFrame::For(const FZPackedVector& normal)
+{
+    if (!valid_ || normal.x != normal_.x || normal.y != normal_.y || normal.z != normal_.z) {
+        float nx, ny, nz;
+        normal.GetFloats(nx, ny, nz);
+        RotationOntoNormal(nx, ny, nz, true, rotation_);
+        normal_ = normal;
+        valid_ = true;
     }
-    Offset o;
-    o.px = point[0];
-    o.py = point[1];
-    o.dx = static_cast<float>(static_cast<double>(point[0]) - centre[0]);
-    o.dy = static_cast<float>(static_cast<double>(point[1]) - centre[1]);
-    o.r = static_cast<float>(std::sqrt(static_cast<double>(o.dx) * o.dx + static_cast<double>(o.dy) * o.dy));
-
-    float g[2];
-    GrooveDirection(params, o, normal, g);
-
-    float depth = params.grooveDepth;
-    if (params.depthVariation > 0.0f)
-        depth = VariedGrooveDepth(params, GrooveNoise(AcrossGroove(params, o), params.grooveWidth), o.dx, o.dy);
-    // Grooves never get shallower than 1e-6; NaN from a wild record as well.
-    if (!(depth >= 1e-6))
-        depth = 1e-6f;
-    TiltFacets(g, depth, normal, t1, t2);
+    return rotation_;
 }

@@ -5,12 +5,31 @@
 
 #include <tamerisk/attribute.h>
 
+#include "engine/shading/vector3.h"
+
 inline constexpr int kGrooveNoiseSize = 120;
 
 // Facet normals T1, T2 at the layer point (point[0], point[1]; point[2] is
 // the depth, unused) with normal n, about centre (centre[0], centre[1]).
 void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
                        const float centre[3], FZPackedVector& t1, FZPackedVector& t2);
+
+// The rotation that brings facets into the frame of a normal, kept for the
+// last normal asked for: neighbouring pixels often share their normal. One
+// per thread.
+class FZFacetFrame {
+public:
+    const FZMatrix4& For(const FZPackedVector& normal);
+
+private:
+    FZPackedVector normal_;
+    bool valid_ = false;
+    FZMatrix4 rotation_;
+};
+
+// The same facets, with the rotation for the normal taken from frame.
+void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
+                       const float centre[3], FZPackedVector& t1, FZPackedVector& t2, FZFacetFrame& frame);
 
 // The largest angle (radians) between the normal and a facet that
 // AnisotropicFacets can give for these parameters, the rounding of its

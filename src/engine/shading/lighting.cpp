@@ -191,8 +191,9 @@ bool FacetsOutOfReach(const HighlightSetup& h, const FZPackedVector& normal)
 }
 
 // The highlight term of one light at (px, py) with the given normal.
+// frame: the parallel path's rotation memory for the facets, else null.
 float HighlightAt(const FZLayer& layer, const HighlightSetup& h, float px, float py, float depth,
-                  const FZPackedVector& normal)
+                  const FZPackedVector& normal, FZFacetFrame* frame = nullptr)
 {
     const FZAttributeEx& m = layer.material;
     float b;
@@ -201,7 +202,10 @@ float HighlightAt(const FZLayer& layer, const HighlightSetup& h, float px, float
             return 0.0f;
         const float point[3] = {px, py, depth};
         FZPackedVector t1, t2;
-        AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2);
+        if (frame != nullptr)
+            AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2, *frame);
+        else
+            AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2);
         const float b1 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t1)));
         const float b2 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t2)));
         b = b2 > b1 ? b2 : b1;
@@ -215,7 +219,8 @@ float HighlightAt(const FZLayer& layer, const HighlightSetup& h, float px, float
 
 // The supersampled highlight of one light over pixel (x, y): n x n points,
 // each with the normal filtered over a box, each held at most 1.
-float SmoothHighlightAt(const FZLayer& layer, const HighlightSetup& h, int x, int y, int n, float boxWidth)
+float SmoothHighlightAt(const FZLayer& layer, const HighlightSetup& h, int x, int y, int n, float boxWidth,
+                        FZFacetFrame* frame = nullptr)
 {
     const float depth = layer.depth[y][x];
     float sum = 0.0f;
@@ -224,7 +229,7 @@ float SmoothHighlightAt(const FZLayer& layer, const HighlightSetup& h, int x, in
             const float sx = static_cast<float>(x + (i + 0.5) / n);
             const float sy = static_cast<float>(y + (j + 0.5) / n);
             const FZPackedVector filtered = FilteredNormal(layer, sx, sy, boxWidth);
-            float term = HighlightAt(layer, h, sx, sy, depth, filtered);
+            float term = HighlightAt(layer, h, sx, sy, depth, filtered, frame);
             if (term > 1.0f)
                 term = 1.0f;
             sum = static_cast<float>(static_cast<double>(sum) + term);
@@ -311,25 +316,70 @@ bool FirstLight(const ShadingPass& pass, std::int32_t x, std::int32_t y, LightSa
 }
 
 // Pass 1: ambient and diffuse under every light, times the surface colour.
+// The parallel path's memory along a row: with the lights the same at
+// every point, what the lights give depends on the normal alone, and
+// neighbouring pixels often share it.
+struct RowMemo {
+    FZPackedVector normal;
+    bool valid = false;
+    float value[3] = {0.0f, 0.0f, 0.0f};
+
+    bool Has(const ShadingPass& pass, const FZPackedVector& n) const
+    {
+        return pass.hoisted && valid && n.x == normal.x && n.y == normal.y && n.z == normal.z;
+    }
+    void Keep(const FZPackedVector& n, const float v[3])
+    {
+        normal = n;
+        valid = true;
+        for (int c = 0; c < 3; ++c)
+            value[c] = v[c];
+    }
+};
+
 void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
+    RowMemo memo;
+    // With the material's colour everywhere, the stored bytes too depend
+    // on the normal alone.
+    const bool uniform = !(layer.colorSource == 1 && layer.colors != nullptr);
+    std::uint8_t bytes[3] = {0, 0, 0};
     for (std::int32_t x = 0; x < layer.width; ++x) {
         if (layer.coverage[y][x] == 0)
             continue;
+        const FZPackedVector& normal = layer.normals[y][x];
+        const bool known = memo.Has(pass, normal);
+        if (known && uniform) {
+            std::uint8_t* p = layer.shaded->PixelAddress(x, y);
+            p[0] = bytes[0];
+            p[1] = bytes[1];
+            p[2] = bytes[2];
+            continue;
+        }
         float acc[3] = {0.0f, 0.0f, 0.0f};
-        ForEachLight(pass, x, y, [&](std::size_t, const LightSample& light) {
-            float term[3];
-            DiffuseTerm(layer.material, layer.normals[y][x], light.direction, light.color, term);
+        if (known) {
             for (int c = 0; c < 3; ++c)
-                acc[c] = static_cast<float>(static_cast<double>(acc[c]) + term[c]);
-        });
+                acc[c] = memo.value[c];
+        } else {
+            ForEachLight(pass, x, y, [&](std::size_t, const LightSample& light) {
+                float term[3];
+                DiffuseTerm(layer.material, normal, light.direction, light.color, term);
+                for (int c = 0; c < 3; ++c)
+                    acc[c] = static_cast<float>(static_cast<double>(acc[c]) + term[c]);
+            });
+            memo.Keep(normal, acc);
+        }
         float base[3];
         BaseColor(layer, x, y, base);
         for (int c = 0; c < 3; ++c)
             acc[c] = static_cast<float>(static_cast<double>(acc[c]) * base[c]);
         ClampToOne(acc);
         StorePixel(*layer.shaded, x, y, acc);
+        const std::uint8_t* p = layer.shaded->PixelAddress(x, y);
+        bytes[0] = p[0];
+        bytes[1] = p[1];
+        bytes[2] = p[2];
     }
 }
 
@@ -338,6 +388,10 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
 void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
+    FZFacetFrame frame;
+    // Without grooves the highlight too depends on the normal alone.
+    RowMemo memo;
+    const bool grooves = layer.material.anisotropic != 0;
     for (std::int32_t x = 0; x < layer.width; ++x) {
         if (layer.coverage[y][x] == 0) {
             layer.highlight[y][x] = -1.0f;
@@ -347,13 +401,20 @@ void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
         const float py = static_cast<float>(y + 0.5);
         const float depth = layer.depth[y][x];
         const FZPackedVector& normal = layer.normals[y][x];
+        if (!grooves && memo.Has(pass, normal)) {
+            layer.highlight[y][x] = memo.value[0];
+            continue;
+        }
         float sum = 0.0f;
         ForEachLight(pass, x, y, [&](std::size_t i, const LightSample& light) {
-            const float term = pass.hoisted ? HighlightAt(layer, pass.highlights[i], px, py, depth, normal)
-                                            : HighlightTerm(layer, px, py, depth, normal, light.direction, pass.view);
+            const float term = pass.hoisted
+                                   ? HighlightAt(layer, pass.highlights[i], px, py, depth, normal, &frame)
+                                   : HighlightTerm(layer, px, py, depth, normal, light.direction, pass.view);
             sum = static_cast<float>(sum + static_cast<double>(term));
         });
         layer.highlight[y][x] = sum;
+        const float kept[3] = {sum, 0.0f, 0.0f};
+        memo.Keep(normal, kept);
     }
 }
 
@@ -387,7 +448,8 @@ float PixelHighlight(const ShadingPass& pass, std::int32_t x, std::int32_t y)
     const float width = layer.material.smoothWidth;
     float sum = 0.0f;
     ForEachLight(pass, x, y, [&](std::size_t i, const LightSample& light) {
-        const float term = pass.hoisted ? SmoothHighlightAt(layer, pass.highlights[i], x, y, 3, width)
+        FZFacetFrame frame;
+        const float term = pass.hoisted ? SmoothHighlightAt(layer, pass.highlights[i], x, y, 3, width, &frame)
                                         : SmoothHighlightTerm(layer, x, y, 3, width, light.direction, pass.view);
         sum = static_cast<float>(sum + static_cast<double>(term));
     });

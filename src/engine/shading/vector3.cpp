@@ -106,7 +106,7 @@ void FZMatrix4::SetProduct(const FZMatrix4& a, const FZMatrix4& b)
     kind = kGeneral;
 }
 
-void FZMatrix4::SetRotation(double sine, double cosine, const FZDirection3& axis, const float point[3])
+void FZMatrix4::SetAxisRotation(double sine, double cosine, const FZDirection3& axis)
 {
     const double ax = axis.x;
     const double ay = axis.y;
@@ -119,13 +119,17 @@ void FZMatrix4::SetRotation(double sine, double cosine, const FZDirection3& axis
         {ay * ax * t + az * sine, cosine + ay * ay * t, ay * az * t - ax * sine},
         {az * ax * t - ay * sine, az * ay * t + ax * sine, cosine + az * az * t},
     };
-    FZMatrix4 rotation;
-    rotation.SetIdentity();
+    SetIdentity();
     for (int i = 0; i < 3; ++i)
         for (int j = 0; j < 3; ++j)
-            rotation.m[i][j] = static_cast<float>(r[j][i]);
-    rotation.kind = kGeneral;
+            m[i][j] = static_cast<float>(r[j][i]);
+    kind = kGeneral;
+}
 
+void FZMatrix4::SetRotation(double sine, double cosine, const FZDirection3& axis, const float point[3])
+{
+    FZMatrix4 rotation;
+    rotation.SetAxisRotation(sine, cosine, axis);
     FZMatrix4 toOrigin;
     FZMatrix4 back;
     toOrigin.SetTranslation(-point[0], -point[1], -point[2]);
@@ -136,6 +140,16 @@ void FZMatrix4::SetRotation(double sine, double cosine, const FZDirection3& axis
 }
 
 bool FZMatrix4::SetRotationOnto(const FZVector3& a, const FZVector3& b)
+{
+    return RotateOnto(a, b, false);
+}
+
+bool FZMatrix4::SetRotationOntoDirect(const FZVector3& a, const FZVector3& b)
+{
+    return RotateOnto(a, b, true);
+}
+
+bool FZMatrix4::RotateOnto(const FZVector3& a, const FZVector3& b, bool direct)
 {
     const double lengthA = LengthOf(a);
     const double lengthB = LengthOf(b);
@@ -155,8 +169,15 @@ bool FZMatrix4::SetRotationOnto(const FZVector3& a, const FZVector3& b)
             static_cast<float>(static_cast<double>(a.y) * b.z - static_cast<double>(a.z) * b.y),
             static_cast<float>(static_cast<double>(a.z) * b.x - static_cast<double>(a.x) * b.z),
             static_cast<float>(static_cast<double>(a.x) * b.y - static_cast<double>(a.y) * b.x));
-        const float origin[3] = {0.0f, 0.0f, 0.0f};
-        SetRotation(sine, cosine, axis, origin);
+        if (!direct) {
+            const float origin[3] = {0.0f, 0.0f, 0.0f};
+            SetRotation(sine, cosine, axis, origin);
+            return true;
+        }
+        SetAxisRotation(sine, cosine, axis);
+        for (int i = 0; i < 3; ++i)
+            for (int j = 0; j < 3; ++j)
+                m[i][j] += 0.0f;  // -0 becomes +0, as in the products
         return true;
     }
     if (cosine >= 0.0) {

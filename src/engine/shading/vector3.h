@@ -63,9 +63,18 @@ public:
     // The rotation that carries the direction of a onto that of b. False
     // when a and b point in opposite directions (the matrix is then unset).
     bool SetRotationOnto(const FZVector3& a, const FZVector3& b);
+    // The same matrix, built directly: SetRotationOnto turns about the
+    // origin between two translations by zero, whose products change no
+    // element but turn a -0 into +0, which this does too.
+    bool SetRotationOntoDirect(const FZVector3& a, const FZVector3& b);
     // in x M with the translation row included, renormalised; an identity
     // copies.
     void Transform(const FZDirection3& in, FZDirection3& out) const;
+
+private:
+    // The rotation about the origin (kind general).
+    void SetAxisRotation(double sine, double cosine, const FZDirection3& axis);
+    bool RotateOnto(const FZVector3& a, const FZVector3& b, bool direct);
 };
 
 #endif
