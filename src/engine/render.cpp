@@ -91,25 +91,25 @@ void CopyBackground(const FZScene& scene, float rgb[3])
 
 void FillRect(FZImage& frame, const FZRect& rect, const std::uint8_t bgr[3])
 {
-    for (std::int32_t y = rect.y0; y <= rect.y1; ++y) {
+    ParallelRows(rect.y0, rect.y1 + 1, [&](std::int32_t y) {
         std::uint8_t* p = frame.PixelAddress(rect.x0, y);
         for (std::int32_t x = rect.x0; x <= rect.x1; ++x, p += 3) {
             p[0] = bgr[0];
             p[1] = bgr[1];
             p[2] = bgr[2];
         }
-    }
+    });
 }
 
 void CopyRect(const FZImage& from, FZImage& to, const FZRect& rect)
 {
     const std::size_t bytes = static_cast<std::size_t>(rect.x1 - rect.x0 + 1) * 3;
-    for (std::int32_t y = rect.y0; y <= rect.y1; ++y) {
+    ParallelRows(rect.y0, rect.y1 + 1, [&](std::int32_t y) {
         const std::uint8_t* src = from.PixelAddress(rect.x0, y);
         std::uint8_t* dst = to.PixelAddress(rect.x0, y);
         for (std::size_t i = 0; i < bytes; ++i)
             dst[i] = src[i];
-    }
+    });
 }
 
 // What the parallel path works out once for a layer: a fully covered pixel
@@ -117,9 +117,9 @@ void CopyRect(const FZImage& from, FZImage& to, const FZRect& rect)
 // and the attenuation factor of the transparency.
 struct ComposeShortcuts {
     bool opaqueTable = false;
-    std::uint8_t table[256];
+    const std::uint8_t* table = nullptr;
     float attenuation = 0.0f;
-    float byteValues[256];  // b / 255 for every byte
+    const float* byteValues = nullptr;  // b / 255 for every byte
 };
 
 // Everything that stays the same for all pixels of one layer.
@@ -371,10 +371,20 @@ void SetUpShortcuts(const LayerPass& pass, ComposeShortcuts& shortcuts)
     shortcuts.opaqueTable = !pass.reflects && !pass.refracts && shaded != nullptr && shaded->data != nullptr
                             && shaded->bytesPerPixel == 3 && shaded->width >= layer.width
                             && shaded->height >= layer.height;
-    for (int b = 0; b < 256; ++b) {
-        shortcuts.table[b] = CompositeByte(static_cast<float>(b * 1.0 / 255.0), 1.0f, 0.0f, 0.0f);
-        shortcuts.byteValues[b] = ByteValue(static_cast<std::uint8_t>(b));
-    }
+    struct Tables {
+        std::uint8_t opaque[256];
+        float values[256];
+    };
+    static const Tables tables = [] {
+        Tables t;
+        for (int b = 0; b < 256; ++b) {
+            t.opaque[b] = CompositeByte(static_cast<float>(b * 1.0 / 255.0), 1.0f, 0.0f, 0.0f);
+            t.values[b] = ByteValue(static_cast<std::uint8_t>(b));
+        }
+        return t;
+    }();
+    shortcuts.table = tables.opaque;
+    shortcuts.byteValues = tables.values;
     shortcuts.attenuation = AttenuationFactor(layer);
 }
 

@@ -423,13 +423,14 @@ void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
 bool HighlightVaries(const FZLayer& layer, std::int32_t x, std::int32_t y)
 {
     const float centre = FZMin(layer.highlight[y][x], 1.0f);
-    for (std::int32_t yy = y - 1; yy <= y + 1; ++yy) {
-        if (yy < 0 || yy >= layer.height)
-            continue;
-        for (std::int32_t xx = x - 1; xx <= x + 1; ++xx) {
-            if (xx < 0 || xx >= layer.width || layer.highlight[yy][xx] < 0.0f)
+    const std::int32_t x0 = FZMax(x - 1, 0);
+    const std::int32_t x1 = FZMin(x + 1, layer.width - 1);
+    for (std::int32_t yy = FZMax(y - 1, 0); yy <= FZMin(y + 1, layer.height - 1); ++yy) {
+        const float* row = layer.highlight[yy];
+        for (std::int32_t xx = x0; xx <= x1; ++xx) {
+            if (row[xx] < 0.0f)
                 continue;
-            const float v = FZMin(layer.highlight[yy][xx], 1.0f);
+            const float v = FZMin(row[xx], 1.0f);
             if (std::fabs(static_cast<double>(centre) - v) > 0.1)
                 return true;
         }
