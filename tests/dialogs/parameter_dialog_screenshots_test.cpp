@@ -44,12 +44,15 @@ TEST(ParameterDialogScreenshots, WriteTheThreeDialogs)
         GTEST_SKIP() << "TAMERISK_SCREENSHOT_DIR is not set";
     ASSERT_TRUE(QDir().mkpath(directory));
 
-    Save<CDlgAnisotropic>(directory, "dialog_anisotropic.png", ShowcaseMaterial(), 1);
+    Save<CDlgAnisotropic>(directory, "anisotropic-dialog.png", ShowcaseMaterial(), 1);
 
-    FZAttributeEx rainbow = ShowcaseMaterial();
-    rainbow.anisotropic = 0;
+    FZAttributeEx rainbow;
+    rainbow.color.SetBytes(70, 70, 90);
+    rainbow.highlightStrength = 1.0f;
+    rainbow.highlightSharpness = 0.3f;
+    rainbow.reflection = 0.5f;
     rainbow.rainbow = 1;
-    Save<CDlgRainbowHighlight>(directory, "dialog_rainbow_highlight.png", rainbow, 2);
+    Save<CDlgRainbowHighlight>(directory, "rainbow-gloss-dialog.png", rainbow, 2);
 
     FZAttributeEx glass;
     glass.color.SetBytes(120, 190, 230);
@@ -57,7 +60,7 @@ TEST(ParameterDialogScreenshots, WriteTheThreeDialogs)
     glass.refractiveIndex = 1.5f;
     glass.incidenceDependence = 0.5f;
     glass.attenuation = 0.25f;
-    Save<CDlgTransparency>(directory, "dialog_transparency.png", glass, 3);
+    Save<CDlgTransparency>(directory, "transparency-dialog.png", glass, 3);
 }
 
 } // namespace
