@@ -223,9 +223,11 @@ TEST_F(MaterialDialog, ParameterButtonsFollowTheirState)
     EXPECT_EQ(Record().rainbow, 1);
     EXPECT_TRUE(Item(kIdRainbowParameter)->isEnabled());
 
-    // Until the parameter dialogs exist their buttons change nothing.
+    // A parameter dialog left with Cancel changes nothing.
     const FZAttributeEx before = Record();
+    const ModalAnswer cancel([](QWidget* w) { w->close(); });
     DlgItem<QAbstractButton>(dialog.get(), kIdAnisotropicParameter)->click();
+    EXPECT_TRUE(cancel.Seen());
     EXPECT_EQ(std::memcmp(&before, &Record(), sizeof(FZAttributeEx)), 0);
 }
 
