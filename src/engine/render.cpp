@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <new>
 #include <vector>
 
@@ -74,7 +75,8 @@ float ByteValue(std::uint8_t b)
 
 // Colour (R, G, B floats) of an image pixel, stored blue, green, red; from
 // a table of the 256 byte values when one is given.
-void ReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, float rgb[3], const float* values = nullptr)
+inline void ReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, float rgb[3],
+                      const float* values = nullptr)
 {
     const std::uint8_t* p = image.PixelAddress(x, y);
     for (int c = 0; c < 3; ++c)
@@ -89,27 +91,26 @@ void CopyBackground(const FZScene& scene, float rgb[3])
         rgb[c] = scene.background[c];
 }
 
+// Fills the rect's first row pixel by pixel, and every other row as a copy
+// of it.
 void FillRect(FZImage& frame, const FZRect& rect, const std::uint8_t bgr[3])
 {
-    ParallelRows(rect.y0, rect.y1 + 1, [&](std::int32_t y) {
-        std::uint8_t* p = frame.PixelAddress(rect.x0, y);
-        for (std::int32_t x = rect.x0; x <= rect.x1; ++x, p += 3) {
-            p[0] = bgr[0];
-            p[1] = bgr[1];
-            p[2] = bgr[2];
-        }
-    });
+    const std::size_t bytes = static_cast<std::size_t>(rect.x1 - rect.x0 + 1) * 3;
+    std::uint8_t* first = frame.PixelAddress(rect.x0, rect.y0);
+    for (std::size_t i = 0; i < bytes; i += 3) {
+        first[i] = bgr[0];
+        first[i + 1] = bgr[1];
+        first[i + 2] = bgr[2];
+    }
+    ParallelRows(rect.y0 + 1, rect.y1 + 1,
+                 [&](std::int32_t y) { std::memcpy(frame.PixelAddress(rect.x0, y), first, bytes); });
 }
 
 void CopyRect(const FZImage& from, FZImage& to, const FZRect& rect)
 {
     const std::size_t bytes = static_cast<std::size_t>(rect.x1 - rect.x0 + 1) * 3;
-    ParallelRows(rect.y0, rect.y1 + 1, [&](std::int32_t y) {
-        const std::uint8_t* src = from.PixelAddress(rect.x0, y);
-        std::uint8_t* dst = to.PixelAddress(rect.x0, y);
-        for (std::size_t i = 0; i < bytes; ++i)
-            dst[i] = src[i];
-    });
+    ParallelRows(rect.y0, rect.y1 + 1,
+                 [&](std::int32_t y) { std::memcpy(to.PixelAddress(rect.x0, y), from.PixelAddress(rect.x0, y), bytes); });
 }
 
 // What the parallel path works out once for a layer: a fully covered pixel

@@ -31,16 +31,18 @@ FZPackedVector NormalAt(const FZLayer& layer, std::int32_t x, std::int32_t y)
     float sy = 0.0f;
     float wx = 0.0f;
     float wy = 0.0f;
-    for (int dy = -1; dy <= 1; ++dy) {
-        const std::int32_t ny = y + dy;
-        if (ny < 0 || ny >= layer.height)
-            continue;
-        for (int dx = -1; dx <= 1; ++dx) {
-            const std::int32_t nx = x + dx;
-            if (nx < 0 || nx >= layer.width || layer.coverage[ny][nx] == 0)
+    const std::int32_t firstColumn = x > 0 ? x - 1 : 0;
+    const std::int32_t lastColumn = x + 1 < layer.width ? x + 1 : layer.width - 1;
+    for (std::int32_t ny = y > 0 ? y - 1 : 0; ny <= y + 1 && ny < layer.height; ++ny) {
+        const std::uint8_t* coverage = layer.coverage[ny];
+        const float* depth = layer.depth[ny];
+        const int dy = ny - y;
+        for (std::int32_t nx = firstColumn; nx <= lastColumn; ++nx) {
+            const int m = coverage[nx];
+            if (m == 0)
                 continue;
-            const int m = layer.coverage[ny][nx];
-            const float d = static_cast<float>((layer.depth[ny][nx] - zc) * m);
+            const int dx = nx - x;
+            const float d = static_cast<float>((depth[nx] - zc) * m);
             const int kx = kSlopeX[dy + 1][dx + 1];
             const int ky = kSlopeY[dy + 1][dx + 1];
             sx = static_cast<float>(sx + static_cast<double>(kx) * d);
