@@ -1,5 +1,6 @@
 #include "engine/render.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -9,6 +10,7 @@
 #include "engine/emission_lattice.h"
 #include "engine/fz_math.h"
 #include "engine/parallel.h"
+#include "engine/scratch.h"
 #include "engine/shading/lighting.h"
 #include "engine/shading/surface.h"
 #include "engine/shading/transparency.h"
@@ -454,26 +456,30 @@ bool IsEmitter(const FZLayer* layer)
 
 // A float raster of h rows of w floats with its row pointers.
 struct Grid {
-    std::vector<float> cells;
+    explicit Grid(FZScratchSlot slot) : cells(slot) {}
+
+    FZScratchFloats cells;
     std::vector<float*> rows;
     std::int32_t width = 0;
     std::int32_t height = 0;
 
-    // False when out of memory.
+    // All cells 0; false when out of memory.
     bool Allocate(std::int32_t w, std::int32_t h)
     {
+        if (!cells.Assign(static_cast<std::size_t>(w) * static_cast<std::size_t>(h)))
+            return false;
         try {
-            cells.assign(static_cast<std::size_t>(w) * static_cast<std::size_t>(h), 0.0f);
             rows.resize(static_cast<std::size_t>(h));
         } catch (const std::bad_alloc&) {
             return false;
         }
         for (std::int32_t r = 0; r < h; ++r)
-            rows[r] = cells.data() + static_cast<std::size_t>(r) * static_cast<std::size_t>(w);
+            rows[r] = cells.Data() + static_cast<std::size_t>(r) * static_cast<std::size_t>(w);
         width = w;
         height = h;
         return true;
     }
+    void Clear() { std::fill(cells.Vector().begin(), cells.Vector().end(), 0.0f); }
     float* operator[](std::int32_t r) { return rows[r]; }
     const float* operator[](std::int32_t r) const { return rows[r]; }
 };
@@ -588,12 +594,11 @@ int AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& renderRect
     const std::int32_t radius = EmissionRadius(layer);
     if (radius <= 0)
         return 0;
-    Grid m;
+    Grid m(FZScratchSlot::EmitterLight);
     if (!m.Allocate(rect.x1 - rect.x0 + 1, rect.y1 - rect.y0 + 1))
         return -2;
     GatherEmission(scene, index, renderRect, rect, m);
-    for (float& cell : g.cells)
-        cell = 0.0f;
+    g.Clear();
     // The parallel splat needs scratch memory; without it the plain one runs.
     if (!ParallelRendering()
         || !SplatEmissionByGroundRows(LightGridOf(m), rect, LightGridOf(g), groundRect, radius))
@@ -723,7 +728,7 @@ int AddEmissionLight(FZScene& scene, const FZRect& rect, FZImage& frame)
     if (!anyLight)
         return 0;
 
-    Grid g;
+    Grid g(FZScratchSlot::GroundLight);
     if (!g.Allocate(groundRect.x1 - groundRect.x0 + 1, groundRect.y1 - groundRect.y0 + 1))
         return -2;
     for (std::int32_t i = 1; i < scene.LayerCount(); ++i) {

@@ -8,6 +8,7 @@
 
 #include "engine/fz_math.h"
 #include "engine/parallel.h"
+#include "engine/scratch.h"
 
 bool FZRect::ClipTo(std::int32_t bx0, std::int32_t by0, std::int32_t bx1, std::int32_t by1)
 {
@@ -29,14 +30,17 @@ namespace {
 // The parallel form leaves out values of 0, which cannot change the sum: it
 // starts at +0, never becomes -0, and adding a zero product to any other
 // value gives that value back.
+// Positions flagged in `zero` hold 0 and are left out the same way.
 template <bool SkipZeros = false>
 float TentSum(const float* values, std::size_t stride, int centre, int count, const std::vector<float>& weight,
-              int half)
+              int half, const char* zero = nullptr)
 {
     const int a = FZMax(centre - half, 0);
     const int b = FZMin(centre + half, count - 1);
     double acc = 0.0;
     for (int i = a; i <= b; ++i) {
+        if (SkipZeros && zero != nullptr && zero[i] != 0)
+            continue;
         const float v = values[static_cast<std::size_t>(i) * stride];
         if (SkipZeros && v == 0.0f)
             continue;
@@ -58,18 +62,31 @@ void FilterColumns(FZFloatGrid& grid, const std::vector<float>& copy, std::vecto
     }
 }
 
+bool AllZero(const float* values, int count)
+{
+    for (int i = 0; i < count; ++i)
+        if (values[i] != 0.0f)
+            return false;
+    return true;
+}
+
 // The same sums in two passes of independent rows, for the pool: every
 // value filtered across into the work grid, then every value down from it.
-void FilterRows(FZFloatGrid& grid, std::vector<float>& across, const std::vector<float>& weight, int half)
+// Rows of zeros (most rows of an emission lattice) filter across to zeros
+// and are left out of the sums down.
+void FilterRows(FZFloatGrid& grid, std::vector<float>& across, std::vector<char>& zero,
+                const std::vector<float>& weight, int half)
 {
     const std::size_t w = static_cast<std::size_t>(grid.width);
     ParallelRows(0, grid.height, [&](int r) {
+        float* out = &across[r * w];
+        zero[r] = AllZero(grid.rows[r], grid.width) ? 1 : 0;
         for (int c = 0; c < grid.width; ++c)
-            across[r * w + c] = TentSum<true>(grid.rows[r], 1, c, grid.width, weight, half);
+            out[c] = zero[r] != 0 ? 0.0f : TentSum<true>(grid.rows[r], 1, c, grid.width, weight, half);
     });
     ParallelRows(0, grid.height, [&](int r) {
         for (int c = 0; c < grid.width; ++c)
-            grid.rows[r][c] = TentSum<true>(&across[c], w, r, grid.height, weight, half);
+            grid.rows[r][c] = TentSum<true>(&across[c], w, r, grid.height, weight, half, zero.data());
     });
 }
 
@@ -86,12 +103,17 @@ int FilterSeparable(FZFloatGrid& grid, int size)
     const bool parallel = ParallelRendering();
 
     std::vector<float> weight;
-    std::vector<float> copy;
+    FZScratchFloats work(FZScratchSlot::FilterWork);
+    std::vector<float>& copy = work.Vector();
     std::vector<float> column;
+    std::vector<char> zero;
+    if (!work.Assign(static_cast<std::size_t>(grid.width) * static_cast<std::size_t>(grid.height)))
+        return -2;
     try {
         weight.resize(static_cast<std::size_t>(taps));
-        copy.resize(static_cast<std::size_t>(grid.width) * static_cast<std::size_t>(grid.height));
-        if (!parallel)
+        if (parallel)
+            zero.resize(static_cast<std::size_t>(grid.height));
+        else
             column.resize(static_cast<std::size_t>(grid.height));
     } catch (const std::bad_alloc&) {
         return -2;
@@ -108,7 +130,7 @@ int FilterSeparable(FZFloatGrid& grid, int size)
         weight[i] = static_cast<float>(weight[i] / sum);
 
     if (parallel) {
-        FilterRows(grid, copy, weight, half);
+        FilterRows(grid, copy, zero, weight, half);
         return 0;
     }
     const std::size_t w = static_cast<std::size_t>(grid.width);

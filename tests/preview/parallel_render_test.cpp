@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -227,6 +228,33 @@ TEST_F(ParallelRender, LayeredScenesWithSeveralLightsGiveTheSameBytes)
         for (std::size_t i = 0; i < expected.size(); ++i)
             ExpectSame(expected[i], actual[i], "render " + std::to_string(i) + ", " + std::to_string(threads) + " threads");
     }
+}
+
+TEST_F(ParallelRender, TentFilterGivesTheSameBits)
+{
+    // Mostly zero rows and columns, as in an emission lattice, with signed
+    // zeros, negative values and an infinity among them.
+    const std::int32_t w = 37;
+    const std::int32_t h = 29;
+    const auto filtered = [&](int threads) {
+        SetRenderThreads(threads);
+        std::vector<float> cells(static_cast<std::size_t>(w) * h, 0.0f);
+        std::vector<float*> rows(h);
+        for (std::int32_t r = 0; r < h; ++r)
+            rows[r] = cells.data() + static_cast<std::size_t>(r) * w;
+        for (std::int32_t r = 2; r < h; r += 5)
+            for (std::int32_t c = 2; c < w; c += 5)
+                rows[r][c] = static_cast<float>((r * 7 + c * 3) % 11) * 0.37f - 1.1f;
+        rows[7][3] = -0.0f;
+        rows[12][30] = 1e30f;
+        rows[27][36] = std::numeric_limits<float>::infinity();
+        FZFloatGrid grid(w, h, rows.data());
+        EXPECT_EQ(FilterSeparable(grid, 10), 0);
+        return cells;
+    };
+    const std::vector<float> expected = filtered(1);
+    for (int threads : {2, 3, 7})
+        EXPECT_TRUE(SameBits(expected, filtered(threads))) << threads << " threads";
 }
 
 TEST_F(ParallelRender, ThreadCountSetting)
