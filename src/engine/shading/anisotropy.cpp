@@ -214,6 +214,49 @@ FZPackedVector RotatedFacet(const FZMatrix4& m, const float u[3])
     return packed;
 }
 
+// x / length for each component, the length raised to 1e-10, as an
+// FZDirection3 normalises.
+void Normalised(const double v[3], float out[3])
+{
+    double length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+    if (length < 1e-10)
+        length = 1e-10;
+    for (int i = 0; i < 3; ++i)
+        out[i] = static_cast<float>(v[i] / length);
+}
+
+// RotatedFacet for u = (gx, gy, z) and its mirror (-gx, -gy, z) at once,
+// giving the same numbers with the work they share done once: normalising
+// the mirror negates x and y of the normalised u, and in the transform
+// (-a) + (-b) is exactly -(a + b), so only the sums with the z term differ.
+// The two final normalisations are independent, so they overlap.
+void RotatedFacetPair(const FZMatrix4& m, const float u[3], FZPackedVector& t1, FZPackedVector& t2)
+{
+    const double in[3] = {u[0], u[1], u[2]};
+    float d[3];
+    Normalised(in, d);
+    if (m.kind == FZMatrix4::kIdentity) {
+        t1.SetFloats(d[0], d[1], d[2], false);
+        t2.SetFloats(-d[0], -d[1], d[2], false);
+        return;
+    }
+    double v1[3];
+    double v2[3];
+    for (int j = 0; j < 3; ++j) {
+        const double shared = static_cast<double>(d[0]) * m.m[0][j] + static_cast<double>(d[1]) * m.m[1][j];
+        const double lifted = static_cast<double>(d[2]) * m.m[2][j];
+        // Stored as floats before normalising, as FZDirection3::Set does.
+        v1[j] = static_cast<float>(shared + lifted + m.m[3][j]);
+        v2[j] = static_cast<float>(-shared + lifted + m.m[3][j]);
+    }
+    float turned1[3];
+    float turned2[3];
+    Normalised(v1, turned1);
+    Normalised(v2, turned2);
+    t1.SetFloats(turned1[0], turned1[1], turned1[2], false);
+    t2.SetFloats(turned2[0], turned2[1], turned2[2], false);
+}
+
 // The rotation that carries +z onto the normal (nx, ny, nz); the identity
 // where none can be built.
 void RotationOntoNormal(float nx, float ny, float nz, bool direct, FZMatrix4& m)
@@ -243,12 +286,14 @@ void TiltFacets(const float g[2], float depth, const FZPackedVector& normal, FZF
         t2.SetFloats(u2, true);
         return;
     }
+    if (frame != nullptr) {
+        RotatedFacetPair(frame->For(normal), u1, t1, t2);
+        return;
+    }
     FZMatrix4 own;
-    if (frame == nullptr)
-        RotationOntoNormal(nx, ny, nz, false, own);
-    const FZMatrix4& m = frame != nullptr ? frame->For(normal) : own;
-    t1 = RotatedFacet(m, u1);
-    t2 = RotatedFacet(m, u2);
+    RotationOntoNormal(nx, ny, nz, false, own);
+    t1 = RotatedFacet(own, u1);
+    t2 = RotatedFacet(own, u2);
 }
 
 void Facets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal, const float centre[3],
