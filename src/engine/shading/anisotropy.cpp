@@ -421,12 +421,13 @@ void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const F
 
 const FZMatrix4& FZFacetFrame::For(const FZPackedVector& normal)
 {
-    if (!valid_ || normal.x != normal_.x || normal.y != normal_.y || normal.z != normal_.z) {
+    FZFacetFrameEntry& e = entry_ != nullptr ? *entry_ : last_;
+    if (!e.valid || normal.x != e.normal.x || normal.y != e.normal.y || normal.z != e.normal.z) {
         float nx, ny, nz;
         normal.GetFloats(nx, ny, nz);
-        RotationOntoNormal(nx, ny, nz, true, rotation_);
-        normal_ = normal;
-        valid_ = true;
+        RotationOntoNormal(nx, ny, nz, true, e.rotation);
+        e.normal = normal;
+        e.valid = true;
     }
-    return rotation_;
+    return e.rotation;
 }

@@ -14,17 +14,27 @@ inline constexpr int kGrooveNoiseSize = 120;
 void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
                        const float centre[3], FZPackedVector& t1, FZPackedVector& t2);
 
-// The rotation that brings facets into the frame of a normal, kept for the
-// last normal asked for: neighbouring pixels often share their normal. One
-// per thread.
+// The rotation that brings facets into the frame of a normal, remembered
+// with the normal it was made for.
+struct FZFacetFrameEntry {
+    FZPackedVector normal;
+    bool valid = false;
+    FZMatrix4 rotation;
+};
+
+// Finds the rotation for a normal: in the entry given for the pixel (kept
+// by the caller between shadings, as the geometry stays while the material
+// changes), else in its memory of the last normal asked for (neighbouring
+// pixels often share their normal). An entry serves only for the normal it
+// was made for, so a stale or reused one is never wrong. One per thread.
 class FZFacetFrame {
 public:
+    void UseEntry(FZFacetFrameEntry* entry) { entry_ = entry; }
     const FZMatrix4& For(const FZPackedVector& normal);
 
 private:
-    FZPackedVector normal_;
-    bool valid_ = false;
-    FZMatrix4 rotation_;
+    FZFacetFrameEntry* entry_ = nullptr;
+    FZFacetFrameEntry last_;
 };
 
 // The same facets, with the rotation for the normal taken from frame.

@@ -1,6 +1,7 @@
 #include "engine/shading/lighting.h"
 
 #include <cmath>
+#include <mutex>
 #include <new>
 #include <vector>
 
@@ -255,7 +256,43 @@ struct ShadingPass {
     // A white pixel stays white under any highlight: the highlight colour
     // and the rainbow tint never add a negative or NaN amount.
     bool whiteStaysWhite = false;
+    // Facet rotations by pixel, kept from the last shading (null: none).
+    FZFacetFrameEntry* frames = nullptr;
 };
+
+// The facet rotations of the pixels of the last grooved layer shaded on the
+// parallel path, for layers of at most 256 x 256 pixels (the previews the
+// dialogs show, which are shaded again at every change of the material).
+class FacetFrameTable {
+public:
+    static constexpr std::int64_t kMaxPixels = 256 * 256;
+
+    // Lends the table for a layer of w x h until Release; null when another
+    // shading holds it, the layer is larger, or memory runs out.
+    FZFacetFrameEntry* Lend(std::int32_t w, std::int32_t h)
+    {
+        if (std::int64_t{w} * h > kMaxPixels || !lock.try_lock())
+            return nullptr;
+        try {
+            entries.resize(static_cast<std::size_t>(w) * static_cast<std::size_t>(h));
+        } catch (const std::bad_alloc&) {
+            lock.unlock();
+            return nullptr;
+        }
+        return entries.data();
+    }
+    void Release() { lock.unlock(); }
+
+private:
+    std::mutex lock;
+    std::vector<FZFacetFrameEntry> entries;
+};
+
+FacetFrameTable& FacetFrames()
+{
+    static FacetFrameTable table;
+    return table;
+}
 
 // Whether the rainbow tint is a finite number at every pixel: the film's
 // optical path (at most 2 n d, as the cosine is at most 1) stays finite.
@@ -406,6 +443,8 @@ void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
             continue;
         }
         float sum = 0.0f;
+        if (pass.frames != nullptr)
+            frame.UseEntry(&pass.frames[static_cast<std::size_t>(y) * layer.width + x]);
         ForEachLight(pass, x, y, [&](std::size_t i, const LightSample& light) {
             const float term = pass.hoisted
                                    ? HighlightAt(layer, pass.highlights[i], px, py, depth, normal, &frame)
@@ -545,10 +584,14 @@ int ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLi
     // would be the first.
     LightSample light;
     const float anywhere[3] = {0.0f, 0.0f, 0.0f};
-    if (parallel && layer.material.anisotropic != 0 && EvaluateLight(lights, 0, anywhere, light)
-        && AnyCovered(layer))
+    const bool grooves = parallel && layer.material.anisotropic != 0;
+    if (grooves && EvaluateLight(lights, 0, anywhere, light) && AnyCovered(layer))
         GrooveNoiseTable();
+    if (grooves && pass.hoisted)
+        pass.frames = FacetFrames().Lend(layer.width, layer.height);
     ParallelRows(0, layer.height, [&pass](std::int32_t y) { FillHighlightRow(pass, y); });
+    if (pass.frames != nullptr)
+        FacetFrames().Release();
     ParallelRows(0, layer.height, [&pass](std::int32_t y) { ApplyHighlightRow(pass, y); });
     return 0;
 }

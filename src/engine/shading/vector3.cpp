@@ -10,6 +10,14 @@ double LengthOf(const FZVector3& v)
                      + static_cast<double>(v.z) * v.z);
 }
 
+// The axis a x b, normalised.
+FZDirection3 AxisOf(const FZVector3& a, const FZVector3& b)
+{
+    return FZDirection3(static_cast<float>(static_cast<double>(a.y) * b.z - static_cast<double>(a.z) * b.y),
+                        static_cast<float>(static_cast<double>(a.z) * b.x - static_cast<double>(a.x) * b.z),
+                        static_cast<float>(static_cast<double>(a.x) * b.y - static_cast<double>(a.y) * b.x));
+}
+
 } // namespace
 
 void FZVector3::SetDifference(const float from[3], const float to[3])
@@ -151,6 +159,11 @@ bool FZMatrix4::SetRotationOntoDirect(const FZVector3& a, const FZVector3& b)
 
 bool FZMatrix4::RotateOnto(const FZVector3& a, const FZVector3& b, bool direct)
 {
+    // The direct form works the axis out first, whether it is needed or
+    // not, so that the processor overlaps it with the angle.
+    FZDirection3 early;
+    if (direct)
+        early = AxisOf(a, b);
     const double lengthA = LengthOf(a);
     const double lengthB = LengthOf(b);
     // Kept in double: for opposite directions sin(acos(-1)) must come out
@@ -165,16 +178,12 @@ bool FZMatrix4::RotateOnto(const FZVector3& a, const FZVector3& b, bool direct)
     const double sine = std::sin(gamma);
     const double cosine = std::cos(gamma);
     if (std::fabs(sine) >= 1e-10) {
-        const FZDirection3 axis(
-            static_cast<float>(static_cast<double>(a.y) * b.z - static_cast<double>(a.z) * b.y),
-            static_cast<float>(static_cast<double>(a.z) * b.x - static_cast<double>(a.x) * b.z),
-            static_cast<float>(static_cast<double>(a.x) * b.y - static_cast<double>(a.y) * b.x));
         if (!direct) {
             const float origin[3] = {0.0f, 0.0f, 0.0f};
-            SetRotation(sine, cosine, axis, origin);
+            SetRotation(sine, cosine, AxisOf(a, b), origin);
             return true;
         }
-        SetAxisRotation(sine, cosine, axis);
+        SetAxisRotation(sine, cosine, early);
         for (int i = 0; i < 3; ++i)
             for (int j = 0; j < 3; ++j)
                 m[i][j] += 0.0f;  // -0 becomes +0, as in the products
