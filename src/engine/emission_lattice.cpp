@@ -1,5 +1,6 @@
 #include "engine/emission_lattice.h"
 
+#include <atomic>
 #include <cmath>
 #include <limits>
 #include <new>
@@ -126,16 +127,31 @@ __attribute__((target("avx2"))) void SplatCentreAvx2(const Centre& c, double dy2
 using SplatCentreFunction = void (*)(const Centre&, double, const double*, std::int32_t, std::int32_t, double,
                                      float*);
 
-SplatCentreFunction ChooseSplatCentre()
+// The kernel for each kind, null where the processor lacks it.
+SplatCentreFunction KernelOf(FZSplatKernel kind)
 {
 #ifdef TAMERISK_X86_KERNELS
     __builtin_cpu_init();
-    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl"))
-        return SplatCentreAvx512;
-    if (__builtin_cpu_supports("avx2"))
-        return SplatCentreAvx2;
+    if (kind == FZSplatKernel::Avx512)
+        return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") ? SplatCentreAvx512 : nullptr;
+    if (kind == FZSplatKernel::Avx2)
+        return __builtin_cpu_supports("avx2") ? SplatCentreAvx2 : nullptr;
 #endif
+    return kind == FZSplatKernel::Plain ? SplatCentreScalar : nullptr;
+}
+
+SplatCentreFunction BestKernel()
+{
+    for (FZSplatKernel kind : {FZSplatKernel::Avx512, FZSplatKernel::Avx2})
+        if (SplatCentreFunction f = KernelOf(kind))
+            return f;
     return SplatCentreScalar;
+}
+
+std::atomic<SplatCentreFunction>& Kernel()
+{
+    static std::atomic<SplatCentreFunction> kernel{BestKernel()};
+    return kernel;
 }
 
 std::int32_t LatticeCount(std::int32_t size)
@@ -194,6 +210,15 @@ void SplatGroundRow(Lattice& l, SplatCentreFunction splat, std::int32_t row)
 
 } // namespace
 
+bool UseSplatKernel(FZSplatKernel kind)
+{
+    SplatCentreFunction f = kind == FZSplatKernel::Best ? BestKernel() : KernelOf(kind);
+    if (f == nullptr)
+        return false;
+    Kernel().store(f);
+    return true;
+}
+
 bool EmissionBlockCentre(const FZLightGrid& m, std::int32_t x0, std::int32_t y0, std::int32_t br, std::int32_t bc,
                          float& w, float& cx, float& cy)
 {
@@ -217,7 +242,7 @@ bool EmissionBlockCentre(const FZLightGrid& m, std::int32_t x0, std::int32_t y0,
 bool SplatEmissionByGroundRows(const FZLightGrid& m, const FZRect& emitterRect, const FZLightGrid& g,
                                const FZRect& groundRect, std::int32_t radius)
 {
-    static const SplatCentreFunction splat = ChooseSplatCentre();
+    const SplatCentreFunction splat = Kernel().load();
     Lattice l{m, emitterRect, g, groundRect, static_cast<double>(radius), LatticeCount(m.width),
               LatticeCount(g.width), 0, {}, {}, {}};
     const std::int32_t blockRows = LatticeCount(m.height);
@@ -237,6 +262,6 @@ bool SplatEmissionByGroundRows(const FZLightGrid& m, const FZRect& emitterRect, 
             l.cells[static_cast<std::size_t>(row) * l.stride + j] = g.rows[2 + 5 * row][2 + 5 * j];
 
     ParallelRows(0, blockRows, [&l](std::int32_t row) { GatherCentres(l, row); });
-    ParallelRows(0, groundRows, [&l](std::int32_t row) { SplatGroundRow(l, splat, row); });
+    ParallelRows(0, groundRows, [&l, splat](std::int32_t row) { SplatGroundRow(l, splat, row); });
     return true;
 }

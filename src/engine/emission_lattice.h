@@ -32,4 +32,11 @@ bool EmissionBlockCentre(const FZLightGrid& m, std::int32_t x0, std::int32_t y0,
 bool SplatEmissionByGroundRows(const FZLightGrid& m, const FZRect& emitterRect, const FZLightGrid& g,
                                const FZRect& groundRect, std::int32_t radius);
 
+// The instructions the parallel splat takes several lattice points at a
+// time with. Best (the default) picks the widest the processor has; the
+// others let tests check each one against the straightforward splat.
+// False, with nothing changed, when the processor lacks them.
+enum class FZSplatKernel { Best, Avx512, Avx2, Plain };
+bool UseSplatKernel(FZSplatKernel kind);
+
 #endif

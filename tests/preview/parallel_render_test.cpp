@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "../../bench/bench_materials.h"
+#include "engine/emission_lattice.h"
 #include "engine/parallel.h"
 #include "engine/render.h"
 #include "preview/preview_panel.h"
@@ -228,6 +229,24 @@ TEST_F(ParallelRender, LayeredScenesWithSeveralLightsGiveTheSameBytes)
         for (std::size_t i = 0; i < expected.size(); ++i)
             ExpectSame(expected[i], actual[i], "render " + std::to_string(i) + ", " + std::to_string(threads) + " threads");
     }
+}
+
+TEST_F(ParallelRender, EveryEmissionKernelGivesTheSameBytes)
+{
+    // Each set of vector instructions the processor has, and the plain
+    // loop, splat the lattice to the same bytes.
+    FZAttributeEx lamp;
+    lamp.emission = 0.8f;
+    lamp.color.SetBytes(90, 255, 40);
+    const std::vector<BenchMaterial> materials = {{"lamp", lamp}};
+    const std::vector<Result> expected = RenderMaterials(1, 143, 97, 1, materials);
+    for (FZSplatKernel kind : {FZSplatKernel::Avx512, FZSplatKernel::Avx2, FZSplatKernel::Plain}) {
+        if (!UseSplatKernel(kind))
+            continue;
+        ExpectSame(expected[0], RenderMaterials(3, 143, 97, 1, materials)[0],
+                   "kernel " + std::to_string(static_cast<int>(kind)));
+    }
+    EXPECT_TRUE(UseSplatKernel(FZSplatKernel::Best));
 }
 
 TEST_F(ParallelRender, TentFilterGivesTheSameBits)
