@@ -379,9 +379,11 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
     FZLayer& layer = pass.layer;
     RowMemo memo;
     // With the material's colour everywhere, the stored bytes too depend
-    // on the normal alone.
+    // on the normal alone, and the colour is read once for the row.
     const bool uniform = !(layer.colorSource == 1 && layer.colors != nullptr);
     std::uint8_t bytes[3] = {0, 0, 0};
+    float material[3];
+    layer.material.color.GetFloats(material);
     for (std::int32_t x = 0; x < layer.width; ++x) {
         if (layer.coverage[y][x] == 0)
             continue;
@@ -407,8 +409,10 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
             });
             memo.Keep(normal, acc);
         }
-        float base[3];
-        BaseColor(layer, x, y, base);
+        float own[3];
+        if (!(pass.hoisted && uniform))
+            BaseColor(layer, x, y, own);
+        const float* base = pass.hoisted && uniform ? material : own;
         for (int c = 0; c < 3; ++c)
             acc[c] = static_cast<float>(static_cast<double>(acc[c]) * base[c]);
         ClampToOne(acc);
