@@ -56,8 +56,8 @@ def ball(x, y, cx, cy, r, base, light=(-0.5, -0.6, 0.65), ambient=0.35,
         # Reflection of the light about the normal, seen along +z.
         dot = dx * lx + dy * ly + nz * lz
         rz = 2 * dot * nz - lz
-        spec = shine * max(0.0, rz) ** sharp
-        colour = mix(colour, (1, 1, 1, 1), spec)
+        specular = shine * max(0.0, rz) ** sharp
+        colour = mix(colour, (1, 1, 1, 1), specular)
     if outline is not None and d2 > 0.8:
         colour = mix(colour, outline, (d2 - 0.8) / 0.2)
     return colour
