@@ -116,20 +116,14 @@ TEST(RenderDriver, GroundAloneShowsItsShadedColour)
     ASSERT_NE(scene.frame, nullptr);
     EXPECT_EQ(scene.frame->width, 8);
     EXPECT_EQ(scene.frame->height, 6);
-    for (int y = 0; y < 6; ++y)
-        for (int x = 0; x < 8; ++x) {
-            float s[3];
-            float t = -1.0f;
-            LookupShade(ground, x, y, s, t);
-            const Rgb expected = {static_cast<int>(s[0] * 255.0), static_cast<int>(s[1] * 255.0),
-                                  static_cast<int>(s[2] * 255.0)};
-            EXPECT_EQ(PixelOf(*scene.frame, x, y), expected) << x << "," << y;
-        }
-    // Half of 200, 100, 50.
+    // Half of 200, 100, 50, on every pixel.
     const Rgb half = PixelOf(*scene.frame, 3, 3);
     EXPECT_NEAR(half[0], 100, 1);
     EXPECT_NEAR(half[1], 50, 1);
     EXPECT_NEAR(half[2], 25, 1);
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 8; ++x)
+            EXPECT_EQ(PixelOf(*scene.frame, x, y), half) << x << "," << y;
 }
 
 TEST(RenderDriver, PartlyCoveredPixelMixesWithWhatIsBehind)
@@ -164,19 +158,14 @@ TEST(RenderDriver, ClearLayerOfIndexOneShowsThePixelUnderIt)
 
     // Flat or tilted: with eta 1 the refracted ray is the view direction.
     // An index below 0.01 counts as 1.
-    for (const float eta : {1.0f, 0.005f}) {
-        FZScene flat;
-        SetUpCheckerScene(flat, 20, 20);
-        AddSurface(flat, ClearGlass(eta), Flat);
-        ASSERT_EQ(RenderScene(flat), 0);
-        EXPECT_EQ(Bytes(*flat.frame), ground) << eta;
-
-        FZScene tilted;
-        SetUpCheckerScene(tilted, 20, 20);
-        AddSurface(tilted, ClearGlass(eta), RisingToTheRight);
-        ASSERT_EQ(RenderScene(tilted), 0);
-        EXPECT_EQ(Bytes(*tilted.frame), ground) << eta;
-    }
+    for (const float eta : {1.0f, 0.005f})
+        for (float (*depth)(int, int) : {Flat, RisingToTheRight}) {
+            FZScene scene;
+            SetUpCheckerScene(scene, 20, 20);
+            AddSurface(scene, ClearGlass(eta), depth);
+            ASSERT_EQ(RenderScene(scene), 0);
+            EXPECT_EQ(Bytes(*scene.frame), ground) << eta;
+        }
 }
 
 TEST(RenderDriver, RefractionBendsTheViewThroughATiltedSurface)
@@ -191,8 +180,7 @@ TEST(RenderDriver, RefractionBendsTheViewThroughATiltedSurface)
     ASSERT_EQ(RenderScene(glass), 0);
     EXPECT_NE(Bytes(*glass.frame), Bytes(*reference.frame));
 
-    // A thin plate of no thickness lets the ray out along the view
-    // direction at once: no shift at all.
+    // A thin plate of no thickness: no shift at all.
     FZScene plate;
     SetUpCheckerScene(plate, 20, 20);
     FZAttributeEx thin = ClearGlass(1.5f);
@@ -341,8 +329,7 @@ TEST(RenderDriver, EmittersLightTheGroundAroundThem)
     ASSERT_EQ(RenderScene(scene), 0);
     const Rgb near = PixelOf(*scene.frame, 22, 30);  // 3 pixels left of the lamp
     EXPECT_GT(near[0], 0);
-    EXPECT_EQ(near[1], 0);
-    EXPECT_EQ(near[2], 0);
+    EXPECT_EQ(near[1] + near[2], 0);
     EXPECT_GT(PixelOf(*scene.frame, 19, 30)[0], 0);
     EXPECT_EQ(PixelOf(*scene.frame, 2, 2), (Rgb{0, 0, 0}));  // beyond radius 8 and the filter
     EXPECT_EQ(PixelOf(*scene.frame, 57, 57), (Rgb{0, 0, 0}));

@@ -19,6 +19,21 @@ FZColor Rgb(std::uint8_t r, std::uint8_t g, std::uint8_t b)
 
 bool SameColor(const FZColor& a, const FZColor& b) { return a.r == b.r && a.g == b.g && a.b == b.b; }
 
+void ExpectPacked(const FZPackedVector& v, int x, int y, int z)
+{
+    EXPECT_EQ(v.x, x);
+    EXPECT_EQ(v.y, y);
+    EXPECT_EQ(v.z, z);
+}
+
+void ExpectRect(const FZLayer& layer, int x, int y, int width, int height)
+{
+    EXPECT_EQ(layer.x, x);
+    EXPECT_EQ(layer.y, y);
+    EXPECT_EQ(layer.width, width);
+    EXPECT_EQ(layer.height, height);
+}
+
 // Counts the pixels of a layer whose coverage and depth are as given.
 int CountPixels(const FZLayer& layer, std::uint8_t coverage, float depth)
 {
@@ -55,18 +70,12 @@ TEST(Scene, SetUpFrameBuildsLightCameraAndGround)
     EXPECT_NEAR(ly, -0.3 / std::sqrt(1.25), 1e-4);
     EXPECT_NEAR(lz, -1.0 / std::sqrt(1.25), 1e-4);
 
-    EXPECT_FLOAT_EQ(scene.camera.eye[0], 80.0f);
-    EXPECT_FLOAT_EQ(scene.camera.eye[1], 60.0f);
-    EXPECT_FLOAT_EQ(scene.camera.eye[2], 280.0f);
-    EXPECT_EQ(scene.camera.viewDirection.x, 0);
-    EXPECT_EQ(scene.camera.viewDirection.y, 0);
-    EXPECT_EQ(scene.camera.viewDirection.z, -30000);
+    const float* eye = scene.camera.eye;
+    EXPECT_TRUE(eye[0] == 80.0f && eye[1] == 60.0f && eye[2] == 280.0f);
+    ExpectPacked(scene.camera.viewDirection, 0, 0, -30000);
 
     const FZLayer& ground = *scene.LayerAt(0);
-    EXPECT_EQ(ground.x, 0);
-    EXPECT_EQ(ground.y, 0);
-    EXPECT_EQ(ground.width, 160);
-    EXPECT_EQ(ground.height, 120);
+    ExpectRect(ground, 0, 0, 160, 120);
     EXPECT_EQ(CountPixels(ground, 255, 0.0f), 160 * 120);
     EXPECT_EQ(ground.GetColorSource(), 0);
     EXPECT_EQ(ground.IsVisible(), 1);
@@ -94,8 +103,7 @@ TEST(Scene, LayerListOperations)
     const FZLayer* added = scene.LayerAt(1);
     ASSERT_NE(added, nullptr);
     EXPECT_FLOAT_EQ(added->baseDepth, 10.0f);
-    EXPECT_EQ(added->width, 160);
-    EXPECT_EQ(added->height, 120);
+    ExpectRect(*added, 0, 0, 160, 120);
     EXPECT_EQ(CountPixels(*added, 0, 0.0f), 160 * 120);
     EXPECT_EQ(added->GetColorSource(), 1);
 
@@ -322,10 +330,7 @@ TEST(Layer, AssignCopiesDeeplyButNotTheShading)
     FZLayer copy;
     ASSERT_EQ(copy.Create(0, 0, 9, 9, 0.0f), 0);
     ASSERT_EQ(copy.Assign(source), 0);
-    EXPECT_EQ(copy.x, 2);
-    EXPECT_EQ(copy.y, 3);
-    EXPECT_EQ(copy.width, 4);
-    EXPECT_EQ(copy.height, 5);
+    ExpectRect(copy, 2, 3, 4, 5);
     EXPECT_FLOAT_EQ(copy.baseDepth, 10.0f);
     EXPECT_EQ(CountPixels(copy, 255, 7.0f), 20);
     EXPECT_TRUE(SameColor(copy.colors[1][2], Rgb(9, 8, 7)));
@@ -334,9 +339,7 @@ TEST(Layer, AssignCopiesDeeplyButNotTheShading)
     FZAttributeEx back;
     copy.GetMaterial(back);
     EXPECT_TRUE(SameColor(back.color, Rgb(1, 2, 3)));
-    EXPECT_EQ(copy.normals, nullptr);
-    EXPECT_EQ(copy.shaded, nullptr);
-    EXPECT_EQ(copy.highlight, nullptr);
+    EXPECT_TRUE(copy.normals == nullptr && copy.shaded == nullptr && copy.highlight == nullptr);
     EXPECT_EQ(copy.boundsX1, 0);
     EXPECT_FLOAT_EQ(copy.depthMax, 0.0f);
 
@@ -347,9 +350,7 @@ TEST(Layer, AssignCopiesDeeplyButNotTheShading)
     EXPECT_NE(source.normals, nullptr);
 
     source.Release();
-    EXPECT_EQ(source.highlight, nullptr);
-    EXPECT_EQ(source.shaded, nullptr);
-    EXPECT_EQ(source.coverage, nullptr);
+    EXPECT_TRUE(source.highlight == nullptr && source.shaded == nullptr && source.coverage == nullptr);
     EXPECT_EQ(source.width, 0);
     EXPECT_FLOAT_EQ(source.baseDepth, 0.0f);
     // Copying an empty layer gives an empty layer.
@@ -375,9 +376,7 @@ TEST(Light, SetDirectionalHoldsIntensityWithinRange)
     float c[3];
     FZPackedVector d;
     light.Evaluate(1.0f, 2.0f, 3.0f, c, d);
-    EXPECT_FLOAT_EQ(c[0], 0.25f);
-    EXPECT_FLOAT_EQ(c[1], 0.5f);
-    EXPECT_FLOAT_EQ(c[2], 0.125f);
+    EXPECT_TRUE(c[0] == 0.25f && c[1] == 0.5f && c[2] == 0.125f);
     EXPECT_EQ(d.z, -30000);
     light.type = 2;
     light.Evaluate(1.0f, 2.0f, 3.0f, c, d);
@@ -398,9 +397,7 @@ TEST(Camera, ViewDirectionFollowsEyeAndTarget)
     camera.SetTarget(3.0f, 0.0f, 4.0f);
     FZPackedVector v;
     camera.ViewDirection(v);
-    EXPECT_EQ(v.x, 18000);
-    EXPECT_EQ(v.y, 0);
-    EXPECT_EQ(v.z, 24000);
+    ExpectPacked(v, 18000, 0, 24000);
 }
 
 TEST(OutOfMemory, PtrArrayStaysUnchanged)
@@ -441,11 +438,9 @@ TEST(OutOfMemory, LayersAreNeverHalfBuilt)
             EXPECT_EQ(assigned, 0);
             break;
         }
-        EXPECT_EQ(created == -2 || assigned == -2, true);
+        EXPECT_TRUE(created == -2 || assigned == -2);
         EXPECT_EQ(layer.width, 0);
-        EXPECT_EQ(layer.coverage, nullptr);
-        EXPECT_EQ(layer.depth, nullptr);
-        EXPECT_EQ(layer.colors, nullptr);
+        EXPECT_TRUE(layer.coverage == nullptr && layer.depth == nullptr && layer.colors == nullptr);
         ASSERT_LT(successes, 100);
     }
 }
