@@ -421,67 +421,39 @@ TEST(OutOfMemory, LayersAreNeverHalfBuilt)
 {
     FZLayer source;
     ASSERT_EQ(source.Create(0, 0, 6, 4, 1.0f), 0);
-    // Fail at every allocation in turn; each attempt must clean up fully.
-    for (long successes = 0;; ++successes) {
-        FZLayer layer;
-        int created;
-        int assigned;
-        long refused;
-        {
-            FailingAllocations failing(successes);
+    FZLayer layer;
+    int created = 0, assigned = 0;
+    FailEachAllocationInTurn(
+        [&] {
             created = layer.Create(0, 0, 6, 4, 1.0f);
             assigned = created == 0 ? layer.Assign(source) : 0;
-            refused = failing.Refused();
-        }
-        if (refused == 0) {
-            EXPECT_EQ(created, 0);
-            EXPECT_EQ(assigned, 0);
-            break;
-        }
-        EXPECT_TRUE(created == -2 || assigned == -2);
-        EXPECT_EQ(layer.width, 0);
-        EXPECT_TRUE(layer.coverage == nullptr && layer.depth == nullptr && layer.colors == nullptr);
-        ASSERT_LT(successes, 100);
-    }
+        },
+        [&](bool refused) {
+            if (!refused) {
+                EXPECT_TRUE(created == 0 && assigned == 0);
+                return;
+            }
+            EXPECT_TRUE(created == -2 || assigned == -2);
+            EXPECT_EQ(layer.width, 0);
+            EXPECT_TRUE(layer.coverage == nullptr && layer.depth == nullptr && layer.colors == nullptr);
+        });
 }
 
 TEST(OutOfMemory, SceneAddsNothingWhenACopyFails)
 {
     FZScene scene;
     ASSERT_EQ(scene.SetUpFrame(5, 5, kWhite), 0);
-    for (long successes = 0;; ++successes) {
-        std::int32_t result;
-        long refused;
-        {
-            FailingAllocations failing(successes);
-            result = scene.AddFullFrameLayer();
-            refused = failing.Refused();
-        }
-        if (refused == 0) {
-            EXPECT_EQ(result, 1);
-            break;
-        }
-        EXPECT_EQ(result, -2);
-        EXPECT_EQ(scene.LayerCount(), 1);
-        ASSERT_LT(successes, 100);
-    }
+    int result = 0;
+    FailEachAllocationInTurn([&] { result = scene.AddFullFrameLayer(); },
+                             [&](bool refused) {
+                                 EXPECT_EQ(result, refused ? -2 : 1);
+                                 EXPECT_EQ(scene.LayerCount(), refused ? 1 : 2);
+                             });
 
-    for (long successes = 0;; ++successes) {
-        FZScene fresh;
-        int result;
-        long refused;
-        {
-            FailingAllocations failing(successes);
-            result = fresh.SetUpFrame(3, 2, kWhite);
-            refused = failing.Refused();
-        }
-        if (refused == 0) {
-            EXPECT_EQ(result, 0);
-            EXPECT_EQ(fresh.LayerCount(), 1);
-            break;
-        }
-        EXPECT_EQ(result, -2);
-        EXPECT_EQ(fresh.LayerCount(), 0);
-        ASSERT_LT(successes, 100);
-    }
+    FZScene fresh;
+    FailEachAllocationInTurn([&] { result = fresh.SetUpFrame(3, 2, kWhite); },
+                             [&](bool refused) {
+                                 EXPECT_EQ(result, refused ? -2 : 0);
+                                 EXPECT_EQ(fresh.LayerCount(), refused ? 0 : 1);
+                             });
 }

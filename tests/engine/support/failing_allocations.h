@@ -5,6 +5,8 @@
 #ifndef TAMERISK_TESTS_FAILING_ALLOCATIONS_H
 #define TAMERISK_TESTS_FAILING_ALLOCATIONS_H
 
+#include <gtest/gtest.h>
+
 class FailingAllocations {
 public:
     // The first `successes` nothrow allocations succeed, every later one
@@ -17,5 +19,26 @@ public:
     // How many nothrow allocations were refused so far.
     long Refused() const;
 };
+
+// Runs `operation` with the first 0, 1, 2, ... nothrow allocations
+// succeeding, and after each run calls `check(refused)`, refused telling
+// whether any allocation failed in that run. Stops after the first run that
+// was refused nothing.
+template <typename Operation, typename Check>
+void FailEachAllocationInTurn(Operation operation, Check check)
+{
+    for (long successes = 0; successes < 100; ++successes) {
+        long refused;
+        {
+            FailingAllocations failing(successes);
+            operation();
+            refused = failing.Refused();
+        }
+        check(refused != 0);
+        if (refused == 0)
+            return;
+    }
+    ADD_FAILURE() << "allocations were still refused after 100 runs";
+}
 
 #endif
