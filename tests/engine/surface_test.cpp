@@ -28,6 +28,17 @@ void MakeHeightField(FZLayer& layer, std::int32_t w, std::int32_t h, F f)
                                          << ", " << n.z << ")";
 }
 
+// The covered bounds and the depth range the preparation recorded.
+void ExpectPrepared(const FZLayer& layer, int x0, int y0, int x1, int y1, float depthMax)
+{
+    EXPECT_EQ(layer.boundsX0, x0);
+    EXPECT_EQ(layer.boundsY0, y0);
+    EXPECT_EQ(layer.boundsX1, x1);
+    EXPECT_EQ(layer.boundsY1, y1);
+    EXPECT_FLOAT_EQ(layer.depthMin, 0.0f);
+    EXPECT_FLOAT_EQ(layer.depthMax, depthMax);
+}
+
 }  // namespace
 
 TEST(Surface, EmptyLayerKeepsItsDepths)
@@ -40,12 +51,7 @@ TEST(Surface, EmptyLayerKeepsItsDepths)
     EXPECT_FALSE(CoverageBounds(layer, bounds));
     ASSERT_EQ(PrepareSurface(layer), 0);
     EXPECT_FLOAT_EQ(layer.depth[1][2], 5.0f);
-    EXPECT_EQ(layer.boundsX0, 0);
-    EXPECT_EQ(layer.boundsX1, 3);
-    EXPECT_EQ(layer.boundsY0, 0);
-    EXPECT_EQ(layer.boundsY1, 2);
-    EXPECT_FLOAT_EQ(layer.depthMin, 0.0f);
-    EXPECT_FLOAT_EQ(layer.depthMax, 0.0f);
+    ExpectPrepared(layer, 0, 0, 3, 2, 0.0f);
     for (int y = 0; y < 3; ++y)
         for (int x = 0; x < 4; ++x)
             EXPECT_TRUE(NormalIs(layer, x, y, 0, 0, 0));
@@ -66,12 +72,7 @@ TEST(Surface, SinglePixelIsFlatAtDepthZero)
     ASSERT_EQ(PrepareSurface(layer), 0);
     EXPECT_FLOAT_EQ(layer.depth[2][3], 0.0f);
     EXPECT_FLOAT_EQ(layer.depth[0][0], -8.0f);
-    EXPECT_EQ(layer.boundsX0, 3);
-    EXPECT_EQ(layer.boundsX1, 3);
-    EXPECT_EQ(layer.boundsY0, 2);
-    EXPECT_EQ(layer.boundsY1, 2);
-    EXPECT_FLOAT_EQ(layer.depthMin, 0.0f);
-    EXPECT_FLOAT_EQ(layer.depthMax, 0.0f);
+    ExpectPrepared(layer, 3, 2, 3, 2, 0.0f);
     EXPECT_TRUE(NormalIs(layer, 3, 2, 0, 0, 30000));
 }
 
@@ -85,8 +86,7 @@ TEST(Surface, SlopesBecomeTiltedNormals)
     ASSERT_EQ(PrepareSurface(ramp), 0);
     EXPECT_FLOAT_EQ(ramp.depth[3][0], 0.0f);
     EXPECT_FLOAT_EQ(ramp.depth[3][4], 2.0f);
-    EXPECT_FLOAT_EQ(ramp.depthMin, 0.0f);
-    EXPECT_FLOAT_EQ(ramp.depthMax, 2.0f);
+    ExpectPrepared(ramp, 0, 0, 4, 4, 2.0f);
     for (int y = 0; y < 5; ++y)
         for (int x = 0; x < 5; ++x)
             if ((x % 4) + (y % 4) != 0) {
@@ -116,8 +116,7 @@ TEST(Surface, OnlyCoveredNeighboursCount)
             plateau.depth[y][x] = 10.0f;
         }
     ASSERT_EQ(PrepareSurface(plateau), 0);
-    EXPECT_EQ(plateau.boundsX0, 2);
-    EXPECT_EQ(plateau.boundsY1, 3);
+    ExpectPrepared(plateau, 2, 2, 3, 3, 0.0f);
     for (int y = 2; y < 4; ++y)
         for (int x = 2; x < 4; ++x)
             EXPECT_TRUE(NormalIs(plateau, x, y, 0, 0, 30000));
@@ -204,7 +203,7 @@ TEST(Surface, WildDepthsAndOutOfMemory)
     }
     // Bounds and the depth shift are done before the normals are needed.
     EXPECT_FLOAT_EQ(step.depth[0][0], 0.0f);
-    EXPECT_FLOAT_EQ(step.depthMax, 2.0f);
+    ExpectPrepared(step, 0, 0, 2, 2, 2.0f);
     EXPECT_EQ(step.normals, nullptr);
     EXPECT_EQ(PrepareSurface(step), 0);
     EXPECT_TRUE(NormalIs(step, 1, 1, -21213, 0, 21213));

@@ -34,9 +34,7 @@ TEST(Vector3, DirectionSettersNormaliseAndKeepZero)
     EXPECT_FLOAT_EQ(plain.y, 2.0f);
 
     d.Set(0.0f, 0.0f, 0.0f);
-    EXPECT_EQ(d.x, 0.0f);
-    EXPECT_EQ(d.y, 0.0f);
-    EXPECT_EQ(d.z, 0.0f);
+    EXPECT_TRUE(d.x == 0.0f && d.y == 0.0f && d.z == 0.0f);
 }
 
 TEST(Vector3, ProductKeepsTheCheapKinds)
