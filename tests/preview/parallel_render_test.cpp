@@ -1,12 +1,10 @@
-// The parallel renderer against the straightforward one: for every material
-// of the benchmark set (and a few more that make highlights, tints and sky
-// reflections visible), every sample shape and several frame sizes, the
-// frames, shaded images and highlight maps of both paths must be the same
-// bytes, whatever the number of threads.
+// The parallel renderer against the straightforward one: frames, shaded
+// images and highlight maps must be the same bytes whatever the thread count.
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
@@ -19,16 +17,13 @@
 
 namespace {
 
-// Restores the default thread count after each test.
 class ParallelRender : public ::testing::Test {
 protected:
     void TearDown() override { SetRenderThreads(0); }
 };
 
-// Everything a render leaves behind that the straightforward path defines.
 struct Result {
-    std::vector<std::uint8_t> frame;
-    std::vector<std::uint8_t> shaded;
+    std::vector<std::uint8_t> frame, shaded;
     std::vector<float> highlight;
 };
 
@@ -52,22 +47,30 @@ Result Capture(const FZScene& scene)
     return r;
 }
 
-// Highlight maps compare bit for bit (a NaN equals itself).
+// Bit for bit, so that a NaN equals itself.
 bool SameBits(const std::vector<float>& a, const std::vector<float>& b)
 {
     return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(float)) == 0;
 }
 
-void ExpectSame(const Result& expected, const Result& actual, const std::string& what)
+// Runs `run` with one thread, then with 2, 3 and 7, and compares every result.
+void ExpectSameForAnyThreads(const std::function<std::vector<Result>(int)>& run, const std::string& what)
 {
-    EXPECT_TRUE(expected.frame == actual.frame) << what << ": frame differs";
-    EXPECT_TRUE(expected.shaded == actual.shaded) << what << ": shaded image differs";
-    EXPECT_TRUE(SameBits(expected.highlight, actual.highlight)) << what << ": highlight map differs";
+    const std::vector<Result> expected = run(1);
+    for (int threads : {2, 3, 7}) {
+        const std::vector<Result> actual = run(threads);
+        ASSERT_EQ(actual.size(), expected.size());
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            SCOPED_TRACE(what + ", result " + std::to_string(i) + ", " + std::to_string(threads) + " threads");
+            EXPECT_TRUE(expected[i].frame == actual[i].frame) << "frame differs";
+            EXPECT_TRUE(expected[i].shaded == actual[i].shaded) << "shaded image differs";
+            EXPECT_TRUE(SameBits(expected[i].highlight, actual[i].highlight)) << "highlight map differs";
+        }
+    }
 }
 
-// Materials beyond the benchmark set: coloured, so that highlights and
-// tints show instead of vanishing in a white that is already full, and
-// the other groove patterns.
+// The benchmark set plus coloured materials, so that highlights and tints
+// show instead of vanishing in a white already full, and the other grooves.
 std::vector<BenchMaterial> ComparedMaterials()
 {
     std::vector<BenchMaterial> set = BenchMaterials();
@@ -97,8 +100,7 @@ std::vector<BenchMaterial> ComparedMaterials()
     return set;
 }
 
-// Shape n in a frame of w x h, each material applied in turn, rendered
-// with the given number of threads: what each material leaves behind.
+// Shape n in a w x h frame, each material applied in turn.
 std::vector<Result> RenderMaterials(int threads, std::int32_t w, std::int32_t h, std::int32_t n,
                                     const std::vector<BenchMaterial>& materials)
 {
@@ -114,145 +116,130 @@ std::vector<Result> RenderMaterials(int threads, std::int32_t w, std::int32_t h,
     return results;
 }
 
+// A lens-shaped blob of depth samples filling a w x h layer.
+void FillBlob(FZLayer& layer, std::int32_t w, std::int32_t h)
+{
+    for (std::int32_t y = 0; y < h; ++y)
+        for (std::int32_t x = 0; x < w; ++x) {
+            const float dx = x - w * 0.5f;
+            const float dy = y - h * 0.5f;
+            const float d = 400.0f - dx * dx - dy * dy;
+            if (d > 0.0f)
+                layer.CompositeSample(x, y, d * 0.05f, d > 30.0f ? 255 : 120, FZColor());
+        }
+}
+
 } // namespace
 
 TEST_F(ParallelRender, EveryMaterialShapeAndSizeGivesTheSameBytes)
 {
-    struct Size {
-        std::int32_t w, h;
-    };
-    // The extra materials stop at 120 x 120, which keeps the sanitizer
-    // build's run short.
-    const Size sizes[] = {{1, 1}, {17, 13}, {120, 120}, {256, 256}};
+    // The extra materials stop at 120 x 120 to keep the sanitizer run short.
     const std::vector<BenchMaterial> all = ComparedMaterials();
     const std::vector<BenchMaterial> benchmarked = BenchMaterials();
     for (std::int32_t n = 1; n <= 4; ++n)
-        for (const Size& size : sizes) {
-            const std::vector<BenchMaterial>& materials = size.w > 120 ? benchmarked : all;
-            const std::vector<Result> expected = RenderMaterials(1, size.w, size.h, n, materials);
-            for (int threads : {2, 3, 7}) {
-                const std::vector<Result> actual = RenderMaterials(threads, size.w, size.h, n, materials);
-                for (std::size_t i = 0; i < materials.size(); ++i)
-                    ExpectSame(expected[i], actual[i],
-                               materials[i].name + " on shape " + std::to_string(n) + " at " + std::to_string(size.w)
-                                   + "x" + std::to_string(size.h) + ", " + std::to_string(threads) + " threads");
-            }
+        for (const auto [w, h] : {std::pair{1, 1}, {17, 13}, {120, 120}, {256, 256}}) {
+            const std::vector<BenchMaterial>& materials = w > 120 ? benchmarked : all;
+            ExpectSameForAnyThreads([&](int threads) { return RenderMaterials(threads, w, h, n, materials); },
+                                    "shape " + std::to_string(n) + " at " + std::to_string(w) + "x"
+                                        + std::to_string(h) + " (results in material order)");
         }
 }
 
 TEST_F(ParallelRender, ShapeAndMaterialChangesGiveTheSameBytes)
 {
-    // The dialogs' redraws: materials applied after shapes are rebuilt, in
-    // both orders, on one panel.
-    const std::vector<BenchMaterial> materials = ComparedMaterials();
-    const auto run = [&](int threads) {
-        SetRenderThreads(threads);
-        CPreviewPanel panel;
-        EXPECT_EQ(panel.SetUpFrame(96, 80), 0);
-        std::vector<Result> steps;
-        std::int32_t shape = 1;
-        for (const BenchMaterial& m : materials) {
-            shape = shape % 4 + 1;
-            panel.BuildSampleShape(shape);
-            steps.push_back(Capture(*panel.Scene()));
-            panel.ApplyMaterial(m.material, shape == 2 ? 1 : 0);
-            steps.push_back(Capture(*panel.Scene()));
-        }
-        return steps;
-    };
-    const std::vector<Result> expected = run(1);
-    for (int threads : {2, 3, 7}) {
-        const std::vector<Result> actual = run(threads);
-        ASSERT_EQ(actual.size(), expected.size());
-        for (std::size_t i = 0; i < expected.size(); ++i)
-            ExpectSame(expected[i], actual[i], "step " + std::to_string(i) + ", " + std::to_string(threads) + " threads");
-    }
+    // The dialogs' redraws: shapes rebuilt and materials applied on one panel.
+    ExpectSameForAnyThreads(
+        [](int threads) {
+            SetRenderThreads(threads);
+            CPreviewPanel panel;
+            EXPECT_EQ(panel.SetUpFrame(96, 80), 0);
+            std::vector<Result> steps;
+            std::int32_t shape = 1;
+            for (const BenchMaterial& m : ComparedMaterials()) {
+                shape = shape % 4 + 1;
+                panel.BuildSampleShape(shape);
+                steps.push_back(Capture(*panel.Scene()));
+                panel.ApplyMaterial(m.material, shape == 2 ? 1 : 0);
+                steps.push_back(Capture(*panel.Scene()));
+            }
+            return steps;
+        },
+        "redraw steps");
 }
 
 TEST_F(ParallelRender, LayeredScenesWithSeveralLightsGiveTheSameBytes)
 {
-    // Layers placed off the frame origin and over its edges, a glass layer
-    // between the ground and an emitter (which dims its light), two lights,
-    // and partial render rectangles.
-    const auto run = [](int threads) {
-        SetRenderThreads(threads);
-        FZScene scene;
-        const float white[3] = {1.0f, 1.0f, 1.0f};
-        EXPECT_EQ(scene.SetUpFrame(90, 70, white), 0);
-        FZLight* second = new FZLight;
-        const float direction[3] = {-0.5f, 0.2f, -1.0f};
-        const float warm[3] = {1.0f, 0.8f, 0.5f};
-        second->SetDirectional(0.7f, direction, warm);
-        scene.lights->Append(second);
-        FZAttributeEx glass;
-        glass.transparency = 0.6f;
-        glass.refractiveIndex = 1.3f;
-        glass.reflection = 0.4f;
-        glass.color.SetBytes(200, 220, 255);
-        FZAttributeEx lamp;
-        lamp.emission = 0.5f;
-        lamp.color.SetBytes(255, 200, 0);
-        lamp.anisotropic = 1;
-        lamp.highlightSharpness = 0.5f;
-        const struct {
-            std::int32_t x, y, w, h;
-            const FZAttributeEx& m;
-        } layers[] = {{-10, 5, 60, 50, glass}, {30, -8, 70, 60, lamp}};
-        PrepareLayer(scene, 0);
-        ShadeLayerAt(scene, 0);
-        for (const auto& l : layers) {
-            const std::int32_t index = scene.AddLayerRect(l.x, l.y, l.w, l.h);
-            FZLayer& layer = *scene.LayerAt(index);
-            layer.SetMaterial(l.m);
-            layer.SetColorSource(0);
-            for (std::int32_t y = 0; y < l.h; ++y)
-                for (std::int32_t x = 0; x < l.w; ++x) {
-                    const float dx = x - l.w * 0.5f;
-                    const float dy = y - l.h * 0.5f;
-                    const float d = 400.0f - dx * dx - dy * dy;
-                    if (d > 0.0f)
-                        layer.CompositeSample(x, y, d * 0.05f, d > 30.0f ? 255 : 120, FZColor());
-                }
-            PrepareLayer(scene, index);
-            ShadeLayerAt(scene, index);
-        }
-        std::vector<Result> results;
-        RenderScene(scene);
-        results.push_back(Capture(scene));
-        RenderRect(scene, FZRect(12, 9, 61, 40));
-        results.push_back(Capture(scene));
-        return results;
-    };
-    const std::vector<Result> expected = run(1);
-    for (int threads : {2, 3, 7}) {
-        const std::vector<Result> actual = run(threads);
-        for (std::size_t i = 0; i < expected.size(); ++i)
-            ExpectSame(expected[i], actual[i], "render " + std::to_string(i) + ", " + std::to_string(threads) + " threads");
-    }
+    // Layers off the frame origin and over its edges, glass between the
+    // ground and an emitter (which dims its light), two lights, and a
+    // partial render rectangle.
+    ExpectSameForAnyThreads(
+        [](int threads) {
+            SetRenderThreads(threads);
+            FZScene scene;
+            const float white[3] = {1.0f, 1.0f, 1.0f};
+            EXPECT_EQ(scene.SetUpFrame(90, 70, white), 0);
+            FZLight* second = new FZLight;
+            const float direction[3] = {-0.5f, 0.2f, -1.0f};
+            const float warm[3] = {1.0f, 0.8f, 0.5f};
+            second->SetDirectional(0.7f, direction, warm);
+            scene.lights->Append(second);
+            FZAttributeEx glass;
+            glass.transparency = 0.6f;
+            glass.refractiveIndex = 1.3f;
+            glass.reflection = 0.4f;
+            glass.color.SetBytes(200, 220, 255);
+            FZAttributeEx lamp;
+            lamp.emission = 0.5f;
+            lamp.color.SetBytes(255, 200, 0);
+            lamp.anisotropic = 1;
+            lamp.highlightSharpness = 0.5f;
+            const struct {
+                std::int32_t x, y, w, h;
+                const FZAttributeEx& m;
+            } layers[] = {{-10, 5, 60, 50, glass}, {30, -8, 70, 60, lamp}};
+            PrepareLayer(scene, 0);
+            ShadeLayerAt(scene, 0);
+            for (const auto& l : layers) {
+                const std::int32_t index = scene.AddLayerRect(l.x, l.y, l.w, l.h);
+                FZLayer& layer = *scene.LayerAt(index);
+                layer.SetMaterial(l.m);
+                layer.SetColorSource(0);
+                FillBlob(layer, l.w, l.h);
+                PrepareLayer(scene, index);
+                ShadeLayerAt(scene, index);
+            }
+            RenderScene(scene);
+            std::vector<Result> results = {Capture(scene)};
+            RenderRect(scene, FZRect(12, 9, 61, 40));
+            results.push_back(Capture(scene));
+            return results;
+        },
+        "layered scene");
 }
 
 TEST_F(ParallelRender, EveryEmissionKernelGivesTheSameBytes)
 {
-    // Each set of vector instructions the processor has, and the plain
-    // loop, splat the lattice to the same bytes.
     FZAttributeEx lamp;
     lamp.emission = 0.8f;
     lamp.color.SetBytes(90, 255, 40);
     const std::vector<BenchMaterial> materials = {{"lamp", lamp}};
-    const std::vector<Result> expected = RenderMaterials(1, 143, 97, 1, materials);
-    for (FZSplatKernel kind : {FZSplatKernel::Avx512, FZSplatKernel::Avx2, FZSplatKernel::Plain}) {
-        if (!UseSplatKernel(kind))
-            continue;
-        ExpectSame(expected[0], RenderMaterials(3, 143, 97, 1, materials)[0],
-                   "kernel " + std::to_string(static_cast<int>(kind)));
-    }
+    const Result expected = RenderMaterials(1, 143, 97, 1, materials)[0];
+    // Each instruction set this processor has, and the plain loop, splat the
+    // lattice to the same bytes.
+    for (FZSplatKernel kind : {FZSplatKernel::Avx512, FZSplatKernel::Avx2, FZSplatKernel::Plain})
+        if (UseSplatKernel(kind)) {
+            const Result actual = RenderMaterials(3, 143, 97, 1, materials)[0];
+            EXPECT_TRUE(expected.frame == actual.frame && expected.shaded == actual.shaded
+                        && SameBits(expected.highlight, actual.highlight))
+                << "kernel " << static_cast<int>(kind);
+        }
     EXPECT_TRUE(UseSplatKernel(FZSplatKernel::Best));
 }
 
 TEST_F(ParallelRender, TentFilterGivesTheSameBits)
 {
-    // Mostly zero rows and columns, as in an emission lattice, with signed
-    // zeros, negative values and an infinity among them.
+    // Mostly zero, as in an emission lattice, with a signed zero, negative
+    // values and an infinity among them.
     const std::int32_t w = 37;
     const std::int32_t h = 29;
     const auto filtered = [&](int threads) {
@@ -283,11 +270,10 @@ TEST_F(ParallelRender, ThreadCountSetting)
     EXPECT_TRUE(ParallelRendering());
     SetRenderThreads(1);
     EXPECT_FALSE(ParallelRendering());
-    SetRenderThreads(-4);
-    EXPECT_GE(RenderThreads(), 1);
-    SetRenderThreads(0);
-    EXPECT_GE(RenderThreads(), 1);
-
+    for (int nonsense : {-4, 0}) {
+        SetRenderThreads(nonsense);
+        EXPECT_GE(RenderThreads(), 1);
+    }
     // Every row is visited once, whatever the split; a pass started from
     // inside a chunk runs on that thread.
     for (int threads : {1, 2, 7}) {
