@@ -90,11 +90,11 @@ TEST(PreviewPanel, SetUpFrameBuildsTheGroundAndShapeOne)
 TEST(PreviewPanel, RefusesFramesItCannotBuild)
 {
     CPreviewPanel panel;
-    EXPECT_EQ(panel.SetUpFrame(0, 10), -4);
-    EXPECT_EQ(panel.SetUpFrame(10, -3), -4);
-    EXPECT_EQ(panel.Scene(), nullptr);
-    EXPECT_EQ(panel.SetUpFrame(100000, 100000), -2);
-    EXPECT_EQ(panel.SetUpFrame(40000, 1), -2);
+    const struct {
+        std::int32_t w, h, error;
+    } refused[] = {{0, 10, -4}, {10, -3, -4}, {100000, 100000, -2}, {40000, 1, -2}};
+    for (const auto& r : refused)
+        EXPECT_EQ(panel.SetUpFrame(r.w, r.h), r.error) << r.w << "x" << r.h;
     EXPECT_EQ(panel.Scene(), nullptr);
 
     // A refused size keeps the scene that was there.
@@ -165,98 +165,82 @@ TEST(PreviewPanel, ColourBindShowsTheSampleWhite)
     EXPECT_EQ(FramePixel(panel, 60, 60), (Rgb{0, 0, 255}));
 }
 
-TEST(PreviewPanel, EveryShapeStandsOnTheCheckerboard)
-{
-    for (int n = 1; n <= 4; ++n) {
-        CPreviewPanel panel;
-        ShowShape(panel, n);
-        // The corners lie outside every shape: 10 x 10 cells, blue at the
-        // origin.
-        EXPECT_EQ(FramePixel(panel, 0, 0), kBlue) << n;
-        EXPECT_EQ(FramePixel(panel, 9, 9), kBlue) << n;
-        EXPECT_EQ(FramePixel(panel, 10, 0), kWhite) << n;
-        EXPECT_EQ(FramePixel(panel, 0, 119), kWhite) << n;
-        EXPECT_EQ(FramePixel(panel, 119, 119), kBlue) << n;
-        EXPECT_EQ(FramePixel(panel, 119, 0), kWhite) << n;
-        // Every shape spans columns and rows 7 to 112.
-        const FZLayer& sample = Sample(panel);
-        EXPECT_EQ(sample.boundsX0, 7) << n;
-        EXPECT_EQ(sample.boundsX1, 112) << n;
-        EXPECT_EQ(sample.boundsY0, 7) << n;
-        EXPECT_EQ(sample.boundsY1, 112) << n;
-        EXPECT_EQ(sample.depthMin, 0.0f) << n;
+// The four shapes in the default material, shown on 120 x 120 previews.
+class PreviewShapes : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        for (int n = 1; n <= 4; ++n)
+            ShowShape(panel[n], n);
     }
-}
+    CPreviewPanel panel[5];
+};
 
-TEST(PreviewPanel, DefaultMaterialLightsTheShapesFromTheUpperLeft)
+TEST_F(PreviewShapes, DefaultMaterialLightsTheShapesFromTheUpperLeft)
 {
     // White where the surface faces the light; the ambient 0.3 plus the
     // diffuse 0.8 x cosine where it turns away (the light travels along
     // (0.4, -0.3, -1)).
-    CPreviewPanel plate;
-    ShowShape(plate, 1);
-    EXPECT_EQ(FramePixel(plate, 60, 60), kWhite);  // bottom of the dimple
-    EXPECT_EQ(FramePixel(plate, 23, 87), kWhite);  // upper-left rim
-    const Rgb rim = FramePixel(plate, 96, 32);     // lower-right rim, cosine 0.55
+    EXPECT_EQ(FramePixel(panel[1], 60, 60), kWhite);  // bottom of the dimple
+    EXPECT_EQ(FramePixel(panel[1], 23, 87), kWhite);  // upper-left rim
+    const Rgb rim = FramePixel(panel[1], 96, 32);     // lower-right rim, cosine 0.55
     EXPECT_EQ(rim[0], rim[1]);
     EXPECT_EQ(rim[1], rim[2]);
     EXPECT_NEAR(rim[0], 189, 4);
 
-    CPreviewPanel dome;
-    ShowShape(dome, 2);
-    EXPECT_EQ(FramePixel(dome, 60, 60), kWhite);
-    const Rgb slope = FramePixel(dome, 85, 41);  // 0.6 r toward the lower right: cosine 0.68
+    EXPECT_EQ(FramePixel(panel[2], 60, 60), kWhite);
+    const Rgb slope = FramePixel(panel[2], 85, 41);  // 0.6 r toward the lower right: cosine 0.68
     EXPECT_EQ(slope[0], slope[2]);
     EXPECT_NEAR(slope[0], 215, 3);
 
-    CPreviewPanel cut;
-    ShowShape(cut, 3);
-    EXPECT_EQ(FramePixel(cut, 60, 60), kWhite);  // the flat top
+    EXPECT_EQ(FramePixel(panel[3], 60, 60), kWhite);  // the flat top
 
     // The ring's hole shows the ground: cell (6, 6) is blue, (11, 6) white.
-    CPreviewPanel ring;
-    ShowShape(ring, 4);
-    EXPECT_EQ(FramePixel(ring, 60, 60), kBlue);
-    EXPECT_EQ(FramePixel(ring, 116, 60), kWhite);
-    EXPECT_EQ(FramePixel(ring, 99, 60), kWhite);  // on the crest, facing the viewer
+    EXPECT_EQ(FramePixel(panel[4], 60, 60), kBlue);
+    EXPECT_EQ(FramePixel(panel[4], 116, 60), kWhite);
+    EXPECT_EQ(FramePixel(panel[4], 99, 60), kWhite);  // on the crest, facing the viewer
 }
 
-TEST(PreviewPanel, SampleDepthsFollowTheShapeProfiles)
+TEST_F(PreviewShapes, SampleDepthsFollowTheShapeProfiles)
 {
-    CPreviewPanel plate;
-    ShowShape(plate, 1);
-    const FZLayer& disc = Sample(plate);
     // The dimple: 0.0165 at the centre, about 6.99 at 20 pixels out.
+    const FZLayer& disc = Sample(panel[1]);
     EXPECT_NEAR(disc.depth[60][80] - disc.depth[60][60], 6.99 - 0.0165, 0.03);
-    EXPECT_EQ(disc.depth[60][60], disc.depth[59][59]);  // symmetric about (60, 60)
 
-    CPreviewPanel dome;
-    ShowShape(dome, 2);
-    const FZLayer& low = Sample(dome);
     // Height r / 2 = 26.087: the nine-sample means at the top and at 31.5
     // pixels out differ by 5.2907.
-    EXPECT_NEAR(low.depth[60][60] - low.depth[60][91], 5.2907, 0.001);
-    EXPECT_NEAR(low.depth[60][60], low.depthMax, 1e-4);
+    const FZLayer& dome = Sample(panel[2]);
+    EXPECT_NEAR(dome.depth[60][60] - dome.depth[60][91], 5.2907, 0.001);
+    EXPECT_NEAR(dome.depth[60][60], dome.depthMax, 1e-4);
 
-    CPreviewPanel cut;
-    ShowShape(cut, 3);
-    const FZLayer& flat = Sample(cut);
     // Cut at 0.7 of 52.1677; the flat top reaches out to about 0.71 r = 37.
+    const FZLayer& flat = Sample(panel[3]);
     EXPECT_LE(flat.depthMax, 0.7f * 52.1677f);
     EXPECT_GT(flat.depthMax, 0.7f * 52.1677f - 1.0f);
     EXPECT_EQ(flat.depth[60][60], flat.depthMax);
     EXPECT_EQ(flat.depth[60][90], flat.depthMax);
     EXPECT_LT(flat.depth[60][105], flat.depthMax);
 
-    CPreviewPanel ring;
-    ShowShape(ring, 4);
-    const FZLayer& torus = Sample(ring);
-    EXPECT_EQ(torus.coverage[60][60], 0);   // inside the hole
-    EXPECT_EQ(torus.coverage[60][116], 0);  // beyond r
-    EXPECT_EQ(torus.coverage[60][99], 255);
     // The crest at 0.75 r is r / 4 = 13.04 above the ring's edge.
+    const FZLayer& torus = Sample(panel[4]);
     EXPECT_NEAR(torus.depth[60][99], torus.depthMax, 0.05);
     EXPECT_NEAR(torus.depthMax, 13.04, 0.5);
+}
+
+TEST_F(PreviewShapes, EveryShapeStandsOnTheCheckerboard)
+{
+    // The corners lie outside every shape: 10 x 10 cells, blue at the origin.
+    const struct {
+        int x, y;
+        Rgb colour;
+    } corners[] = {{0, 0, kBlue}, {9, 9, kBlue}, {10, 0, kWhite}, {0, 119, kWhite}, {119, 119, kBlue}, {119, 0, kWhite}};
+    for (int n = 1; n <= 4; ++n) {
+        for (const auto& c : corners)
+            EXPECT_EQ(FramePixel(panel[n], c.x, c.y), c.colour) << "shape " << n << " at " << c.x << "," << c.y;
+        EXPECT_EQ(Sample(panel[n]).boundsX0, 7) << n;
+        EXPECT_EQ(Sample(panel[n]).boundsY1, 112) << n;
+        EXPECT_EQ(Sample(panel[n]).depthMin, 0.0f) << n;
+    }
 }
 
 TEST(PreviewPanel, HighlightSitsWhereTheSurfaceFacesHalfwayToTheLight)
