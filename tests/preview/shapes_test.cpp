@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
+#include <utility>
 #include <limits>
 
 #include "engine/shading/surface.h"
@@ -52,10 +54,7 @@ TEST_F(SampleShapes, EveryShapeSpansColumnsAndRowsSevenTo112)
         Draw(n);
         FZRect bounds;
         ASSERT_TRUE(CoverageBounds(layer, bounds)) << "shape " << n;
-        EXPECT_EQ(bounds.x0, 7) << "shape " << n;
-        EXPECT_EQ(bounds.y0, 7) << "shape " << n;
-        EXPECT_EQ(bounds.x1, 112) << "shape " << n;
-        EXPECT_EQ(bounds.y1, 112) << "shape " << n;
+        EXPECT_EQ((std::array{bounds.x0, bounds.y0, bounds.x1, bounds.y1}), (std::array{7, 7, 112, 112})) << n;
         // Drawing leaves the layer as the preview expects it.
         EXPECT_FLOAT_EQ(layer.baseDepth, 10.0f);
     }
@@ -200,18 +199,13 @@ TEST(ShapeRaster, HigherSurfaceWinsOverEarlierDrawing)
 {
     FZLayer layer;
     ASSERT_EQ(layer.Create(0, 0, 3, 3, 0.0f), 0);
-    FZRoundedDisc high;
-    high.Set(1.5f, 1.5f, 0.0f, 10.0f, 4.0f);
-    RasterizeShape(layer, high);
-    ASSERT_FLOAT_EQ(layer.depth[1][1], 4.0f);
-    FZRoundedDisc low;
-    low.Set(1.5f, 1.5f, 0.0f, 10.0f, 2.0f);
-    RasterizeShape(layer, low);
-    EXPECT_FLOAT_EQ(layer.depth[1][1], 4.0f);
-    FZRoundedDisc higher;
-    higher.Set(1.5f, 1.5f, 0.0f, 10.0f, 6.0f);
-    RasterizeShape(layer, higher);
-    EXPECT_FLOAT_EQ(layer.depth[1][1], 6.0f);
+    // Each disc is drawn over the last; the depth is the highest so far.
+    for (const auto [height, kept] : {std::pair{4.0f, 4.0f}, {2.0f, 4.0f}, {6.0f, 6.0f}}) {
+        FZRoundedDisc disc;
+        disc.Set(1.5f, 1.5f, 0.0f, 10.0f, height);
+        RasterizeShape(layer, disc);
+        EXPECT_FLOAT_EQ(layer.depth[1][1], kept) << "after the disc of height " << height;
+    }
     EXPECT_EQ(layer.coverage[1][1], 255);
 }
 
