@@ -18,6 +18,9 @@ QSize ScreenSize()
     return QGuiApplication::primaryScreen()->geometry().size();
 }
 
+// top, left, display
+std::vector<int> Values(const WindowSettings& s) { return {s.top, s.left, s.display}; }
+
 } // namespace
 
 TEST(SettingsFile, LiesInTheDirectoryOfTheExecutable)
@@ -51,37 +54,23 @@ TEST(SettingsFile, WritesPlainDecimalKeysAndReadsThemBack)
 
     const QByteArray text = directory.ReadText();
     EXPECT_TRUE(text.startsWith("[Window]\n")) << text.constData();
-    EXPECT_TRUE(text.contains("\nTop=40\n")) << text.constData();
-    EXPECT_TRUE(text.contains("\nLeft=-50\n")) << text.constData();
-    EXPECT_TRUE(text.contains("\nDisplay=1\n")) << text.constData();
-
-    const WindowSettings back = ReadWindowSettings(directory.FilePath());
-    EXPECT_EQ(back.top, 40);
-    EXPECT_EQ(back.left, -50);
-    EXPECT_EQ(back.display, 1);
+    for (const char* line : {"\nTop=40\n", "\nLeft=-50\n", "\nDisplay=1\n"})
+        EXPECT_TRUE(text.contains(line)) << text.constData();
+    EXPECT_EQ(Values(ReadWindowSettings(directory.FilePath())), (std::vector{40, -50, 1}));
 }
 
 TEST(SettingsFile, ReadsLikeAPrivateProfile)
 {
     const ScopedSettingsDirectory directory;
-    const WindowSettings missing = ReadWindowSettings(directory.FilePath());
-    EXPECT_EQ(missing.top, 0);
-    EXPECT_EQ(missing.left, 0);
-    EXPECT_EQ(missing.display, 0);
+    EXPECT_EQ(Values(ReadWindowSettings(directory.FilePath())), (std::vector{0, 0, 0}));
 
     // Each text below differs in length from the one before: QSettings
     // re-reads a file whose size or time changed, and these writes fall
     // within the same millisecond.
     directory.WriteText("[Other]\nName=kept\n[Window]\nTop = 12px\nLeft=abc\nDisplay=+7\n");
-    WindowSettings odd = ReadWindowSettings(directory.FilePath());
-    EXPECT_EQ(odd.top, 12);
-    EXPECT_EQ(odd.left, 0);
-    EXPECT_EQ(odd.display, 7);
-
+    EXPECT_EQ(Values(ReadWindowSettings(directory.FilePath())), (std::vector{12, 0, 7}));
     directory.WriteText("[Window]\nTop=99999999999999999999\nLeft=-99999999999\n");
-    odd = ReadWindowSettings(directory.FilePath());
-    EXPECT_EQ(odd.top, INT_MAX);
-    EXPECT_EQ(odd.left, INT_MIN);
+    EXPECT_EQ(Values(ReadWindowSettings(directory.FilePath())), (std::vector{INT_MAX, INT_MIN, 0}));
 
     // Writing keeps what else the file holds.
     directory.WriteText("[Other]\nName=kept\n");
@@ -158,8 +147,7 @@ TEST(WindowPlacement, SaveWritesTheNormalCornerAndWhetherDisplayed)
     QWidget window;
     const auto saved = [&] {
         SaveWindowPlacement(&window);
-        const WindowSettings s = ReadWindowSettings(directory.FilePath());
-        return std::vector<int>{s.top, s.left, s.display};
+        return Values(ReadWindowSettings(directory.FilePath()));
     };
     using Expected = std::vector<int>;  // top, left, display
 
@@ -181,21 +169,4 @@ TEST(WindowPlacement, SaveWritesTheNormalCornerAndWhetherDisplayed)
     window.showNormal();
     window.hide();
     EXPECT_EQ(saved(), (Expected{40, 30, 1}));
-}
-
-TEST(WindowPlacement, SavedPlacementIsRestored)
-{
-    const ScopedSettingsDirectory directory;
-    {
-        QWidget first;
-        first.resize(200, 100);
-        first.move(70, 60);
-        first.show();
-        SaveWindowPlacement(&first);
-    }
-    QWidget second;
-    second.resize(200, 100);
-    LoadWindowPlacement(&second);
-    EXPECT_EQ(second.pos(), QPoint(70, 60));
-    EXPECT_TRUE(second.isVisible());
 }
