@@ -8,11 +8,12 @@
 
 #include <QFile>
 #include <QImage>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include "material/attribute_file.h"
+#include "attribute_bytes.h"
 #include "tamerisk-host/qva_reader.h"
+#include "tool_run.h"
 
 namespace {
 
@@ -25,38 +26,11 @@ bool SameMaterial(FZAttributeEx a, FZAttributeEx b)
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-// Every stored field away from its default; anisotropyType 0 switches the
-// grooves off.
+// Grooves of the given type; type 0 switches them off.
 FZAttributeEx Varied(int anisotropyType)
 {
-    FZAttributeEx m;
-    m.diffuse = 0.1f;
-    m.highlightStrength = 0.2f;
-    m.highlightSharpness = 0.3f;
-    m.ambient = 0.4f;
-    m.transparency = 0.5f;
-    m.refractiveIndex = 1.5f;
-    m.color.SetBytes(10, 20, 30);
-    m.highlightColor.SetBytes(40, 50, 60);
-    m.reflection = 0.6f;
+    FZAttributeEx m = DistinctiveMaterial(anisotropyType);
     m.anisotropic = anisotropyType != 0;
-    m.anisotropy.type = anisotropyType;
-    m.anisotropy.grooveDepth = 0.25f;
-    m.anisotropy.center[0] = 0.125f;
-    m.anisotropy.center[1] = 0.75f;
-    m.anisotropy.axis.SetFloats(0.0f, 1.0f, 0.0f, true);
-    m.anisotropy.amplitude = 0.2f;
-    m.anisotropy.waveCount = 9;
-    m.anisotropy.spiralTwist = -0.03f;
-    m.anisotropy.depthVariation = 0.35f;
-    m.colorTransparency = 1;
-    m.emission = 0.7f;
-    m.smoothHighlight = 1;
-    m.smoothWidth = 3.0f;
-    m.rainbow = 1;
-    m.stripeSpacing = 2500.0f;
-    m.incidenceDependence = 0.45f;
-    m.attenuation = 0.55f;
     return m;
 }
 
@@ -83,31 +57,13 @@ QByteArray FileOfVersion(const FZAttributeEx& m, int version)
 QString WriteFile(const QTemporaryDir& dir, const char* name, const QByteArray& bytes)
 {
     const QString path = dir.filePath(QLatin1String(name));
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly))
-        file.write(bytes);
+    WriteBytes(path, bytes);
     return path;
 }
 
-struct HostRun {
-    int exitCode = -1;
-    QByteArray err;
-};
-
-HostRun RunHost(const QStringList& args, const QString& settingsDirectory)
+ToolRun RunHost(const QStringList& args, const QString& settingsDirectory)
 {
-    QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    env.insert(QStringLiteral("TAMERISK_SETTINGS_DIR"), settingsDirectory);
-    process.setProcessEnvironment(env);
-    process.start(QStringLiteral(TAMERISK_BIN_DIR "/tamerisk-host"), args);
-    HostRun run;
-    if (!process.waitForFinished(60000))
-        return run;
-    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    run.err = process.readAllStandardError();
-    return run;
+    return RunTool("tamerisk-host", args, {}, settingsDirectory);
 }
 
 } // namespace
@@ -164,19 +120,19 @@ TEST(HostApp, WritesAPictureOfTheEditorOffscreen)
     const QTemporaryDir dir;
     const QString material = WriteFile(dir, "glass.qva", FileOfVersion(Varied(1), 10));
     const QString picture = dir.filePath("editor.png");
-    const HostRun run = RunHost({"--open", material, "--screenshot", picture}, dir.path());
+    const ToolRun run = RunHost({"--open", material, "--screenshot", picture}, dir.path());
     ASSERT_EQ(run.exitCode, 0) << run.err.constData();
     const QImage image(picture);
     EXPECT_GT(image.width(), 100);
     EXPECT_GT(image.height(), 100);
 
     // Errors are one clear line and a failing exit status.
-    const HostRun badFile =
+    const ToolRun badFile =
         RunHost({"--open", WriteFile(dir, "bad.qva", "nonsense"), "--screenshot", picture},
                 dir.path());
     EXPECT_EQ(badFile.exitCode, 1);
     EXPECT_TRUE(badFile.err.contains("tamerisk-host: ")) << badFile.err.constData();
-    const HostRun noLibrary = RunHost(
+    const ToolRun noLibrary = RunHost(
         {"--library", dir.filePath("missing.so"), "--screenshot", picture}, dir.path());
     EXPECT_EQ(noLibrary.exitCode, 1);
 }

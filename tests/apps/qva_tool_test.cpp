@@ -3,52 +3,26 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <cstdint>
 #include <cstring>
 
 #include "common/material_json.h"
+#include "attribute_bytes.h"
 #include "material/attribute_file.h"
+#include "tool_run.h"
 
 namespace {
 
-struct ToolRun {
-    int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
-
-    QString FirstErrorLine() const { return QString::fromUtf8(err.left(err.indexOf('\n'))); }
-};
-
 ToolRun RunQva(const QStringList& args, const QByteArray& input = QByteArray())
 {
-    QProcess process;
-    process.start(QStringLiteral(TAMERISK_BIN_DIR "/tamerisk-qva"), args);
-    ToolRun run;
-    if (!process.waitForStarted(10000))
-        return run;
-    process.write(input);
-    process.closeWriteChannel();
-    process.waitForFinished(30000);
-    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    run.out = process.readAllStandardOutput();
-    run.err = process.readAllStandardError();
-    return run;
-}
-
-QByteArray ReadFile(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    return RunTool("tamerisk-qva", args, input);
 }
 
 void WriteFile(const QString& path, const QByteArray& bytes)
 {
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
+    ASSERT_TRUE(WriteBytes(path, bytes));
 }
 
 // Every field a version 10 file stores, none at its default, with values
@@ -83,7 +57,7 @@ TEST_F(QvaToolTest, WriteThenDumpKeepsEveryStoredField)
     WriteFile(Path("every.json"), kEveryStoredField);
     const ToolRun write = RunQva({"write", qva, Path("every.json")});
     ASSERT_EQ(write.exitCode, 0) << write.err.toStdString();
-    EXPECT_EQ(ReadFile(qva).size(), 136);
+    EXPECT_EQ(ReadBytes(qva).size(), 136);
 
     const ToolRun dump = RunQva({"dump", qva});
     ASSERT_EQ(dump.exitCode, 0) << dump.err.toStdString();
@@ -98,14 +72,14 @@ TEST_F(QvaToolTest, WriteThenDumpKeepsEveryStoredField)
     // The same text through standard input gives the same file.
     ASSERT_EQ(RunQva({"write", Path("stdin.qva"), "-"}, kEveryStoredField).exitCode, 0);
     ASSERT_EQ(RunQva({"write", Path("implicit.qva")}, kEveryStoredField).exitCode, 0);
-    EXPECT_EQ(ReadFile(Path("stdin.qva")), ReadFile(qva));
-    EXPECT_EQ(ReadFile(Path("implicit.qva")), ReadFile(qva));
+    EXPECT_EQ(ReadBytes(Path("stdin.qva")), ReadBytes(qva));
+    EXPECT_EQ(ReadBytes(Path("implicit.qva")), ReadBytes(qva));
 }
 
 TEST_F(QvaToolTest, EmptyObjectWritesTheDefaultRecord)
 {
     ASSERT_EQ(RunQva({"write", Path("default.qva"), "-"}, "{}").exitCode, 0);
-    const QByteArray bytes = ReadFile(Path("default.qva"));
+    const QByteArray bytes = ReadBytes(Path("default.qva"));
     EXPECT_EQ(bytes.size(), 98);
     EXPECT_TRUE(bytes.startsWith("<Quorvantel Attribute>0010"));
     const ToolRun dump = RunQva({"dump", Path("default.qva")});
@@ -114,25 +88,14 @@ TEST_F(QvaToolTest, EmptyObjectWritesTheDefaultRecord)
 
 TEST_F(QvaToolTest, DumpShowsTheFileVersion)
 {
-    // A version 5 file built by hand: header, the default base part,
-    // anisotropic 0, colorTransparency 1, emission 0.5.
-    QByteArray v5 = "<Quorvantel Attribute>0005";
-    const auto le32 = [&v5](std::uint32_t v) {
-        for (int i = 0; i < 4; ++i)
-            v5.append(static_cast<char>(v >> (8 * i)));
-    };
-    for (std::uint32_t bits : {0x3F4CCCCDu, 0x3F000000u, 0x3F800000u, 0x3E99999Au, 0u, 0x3F800000u})
-        le32(bits);  // 0.8, 0.5, 1, 0.3, 0, 1
-    v5.append(6, '\xff').append(2, '\0');
-    for (std::uint32_t v : {0u, 0u, 1u, 0x3F000000u})
-        le32(v);  // reflection, anisotropic, colorTransparency, emission
-    WriteFile(Path("v5.qva"), v5);
-    const ToolRun dump = RunQva({"dump", Path("v5.qva")});
-    ASSERT_EQ(dump.exitCode, 0) << dump.err.toStdString();
-    EXPECT_TRUE(dump.out.startsWith("{\n  \"version\": 5,\n"));
     FZAttributeEx expected;
     expected.colorTransparency = 1;
     expected.emission = 0.5f;
+    const ByteVector v5 = HandBuiltFile(expected, 5);
+    WriteFile(Path("v5.qva"), QByteArray(reinterpret_cast<const char*>(v5.data()), qsizetype(v5.size())));
+    const ToolRun dump = RunQva({"dump", Path("v5.qva")});
+    ASSERT_EQ(dump.exitCode, 0) << dump.err.toStdString();
+    EXPECT_TRUE(dump.out.startsWith("{\n  \"version\": 5,\n"));
     EXPECT_EQ(dump.out, MaterialToJson(expected, 5));
 }
 
