@@ -88,6 +88,14 @@ protected:
             api.Close();
     }
 
+    // What the editor holds, read through the interface over a filled record.
+    FZAttributeEx Held() const
+    {
+        FZAttributeEx got = SampleMaterial();
+        api.GetAttribute(&got);
+        return got;
+    }
+
     const ScopedSettingsDirectory settings;  // outlives the editor's last save
     const TameriskFunctions& api = Tamerisk();
 };
@@ -100,10 +108,8 @@ TEST_F(HostInterface, WithoutAnEditorNothingHappens)
     EXPECT_EQ(api.GetShow(), TAMERISK_NO_EDITOR);
     EXPECT_EQ(api.GetColorBind(), 0);
 
-    FZAttributeEx mine = SampleMaterial();
-    api.GetAttribute(&mine);
+    FZAttributeEx mine = Held();
     EXPECT_TRUE(SameBytes(mine, SampleMaterial()));
-
     api.SetAttribute(&mine);
     api.SetColorBind(1);
     EXPECT_EQ(api.GetColorBind(), 0);
@@ -134,9 +140,7 @@ TEST_F(HostInterface, OpenWithoutSettingsGivesAHiddenEditorWithTheDefaultMateria
     EXPECT_EQ(editor->pos(), QPoint(0, 0));
     EXPECT_EQ(api.GetShow(), unsigned{TAMERISK_SW_SHOWMINIMIZED});
 
-    FZAttributeEx got = SampleMaterial();
-    api.GetAttribute(&got);
-    EXPECT_TRUE(SameBytes(got, FZAttributeEx()));
+    EXPECT_TRUE(SameBytes(Held(), FZAttributeEx()));
 }
 
 TEST_F(HostInterface, MaterialTravelsBothWaysAndReachesTheControls)
@@ -144,9 +148,7 @@ TEST_F(HostInterface, MaterialTravelsBothWaysAndReachesTheControls)
     ASSERT_EQ(api.Open(nullptr, 0), 1);
     FZAttributeEx sent = SampleMaterial();
     api.SetAttribute(&sent);
-    FZAttributeEx got;
-    api.GetAttribute(&got);
-    EXPECT_TRUE(SameBytes(got, sent));
+    EXPECT_TRUE(SameBytes(Held(), sent));
 
     const QScrollBar* diffuse = EditorControl<QScrollBar>("1010");
     const QScrollBar* red = EditorControl<QScrollBar>("1020");
@@ -157,15 +159,13 @@ TEST_F(HostInterface, MaterialTravelsBothWaysAndReachesTheControls)
     // Null records are ignored.
     api.SetAttribute(nullptr);
     api.GetAttribute(nullptr);
-    api.GetAttribute(&got);
-    EXPECT_TRUE(SameBytes(got, sent));
+    EXPECT_TRUE(SameBytes(Held(), sent));
 
     // Any bytes at all are held and shown without harm.
     FZAttributeEx garbage;
     std::memset(static_cast<void*>(&garbage), 0xFF, sizeof garbage);
     api.SetAttribute(&garbage);
-    api.GetAttribute(&got);
-    EXPECT_TRUE(SameBytes(got, garbage));
+    EXPECT_TRUE(SameBytes(Held(), garbage));
 }
 
 TEST_F(HostInterface, OpeningSwitchesColourBindOff)
@@ -218,9 +218,7 @@ TEST_F(HostInterface, OpeningAgainReplacesTheEditorAndRereadsThePlacement)
     ASSERT_NE(second, nullptr);
     EXPECT_EQ(second->pos(), QPoint(50, 60));
     EXPECT_TRUE(second->isVisible());
-    FZAttributeEx got;
-    api.GetAttribute(&got);
-    EXPECT_TRUE(SameBytes(got, FZAttributeEx()));
+    EXPECT_TRUE(SameBytes(Held(), FZAttributeEx()));
 }
 
 TEST_F(HostInterface, ClosingRemembersWhetherTheEditorWasDisplayed)
