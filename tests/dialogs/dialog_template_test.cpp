@@ -150,13 +150,15 @@ TEST(BuildDialog, ButtonHelpersCheckClearAndEnable)
 
 TEST(ScrollRule, LineAndPageStepsAndTheThumb)
 {
-    EXPECT_EQ(ScrollPositionAfter(QAbstractSlider::SliderSingleStepSub, 10, 99), 9);
-    EXPECT_EQ(ScrollPositionAfter(QAbstractSlider::SliderSingleStepAdd, 10, 99), 11);
-    EXPECT_EQ(ScrollPositionAfter(QAbstractSlider::SliderPageStepSub, 10, 99), 8);
-    EXPECT_EQ(ScrollPositionAfter(QAbstractSlider::SliderPageStepAdd, 10, 99), 12);
-    EXPECT_EQ(ScrollPositionAfter(QAbstractSlider::SliderMove, 10, 37), 37);
-    EXPECT_EQ(ScrollPositionAfter(QAbstractSlider::SliderToMinimum, 10, 0), 10);
-    EXPECT_EQ(ScrollPositionAfter(QAbstractSlider::SliderToMaximum, 10, 64), 10);
+    using A = QAbstractSlider;
+    const struct {
+        int action, position, thumb, expected;
+    } cases[] = {{A::SliderSingleStepSub, 10, 99, 9}, {A::SliderSingleStepAdd, 10, 99, 11},
+                 {A::SliderPageStepSub, 10, 99, 8},   {A::SliderPageStepAdd, 10, 99, 12},
+                 {A::SliderMove, 10, 37, 37},         {A::SliderToMinimum, 10, 0, 10},
+                 {A::SliderToMaximum, 10, 64, 10}};
+    for (const auto& c : cases)
+        EXPECT_EQ(ScrollPositionAfter(c.action, c.position, c.thumb), c.expected) << c.action;
 }
 
 TEST(ScrollRule, ConnectedBarHandsOverTheUnheldPosition)

@@ -13,6 +13,7 @@
 
 #include "dialogs/dlg_anisotropic.h"
 #include "engine/display/canvas.h"
+#include "support/paint_counter.h"
 #include "support/parameter_dialogs.h"
 
 namespace {
@@ -263,19 +264,6 @@ TEST(AnisotropicDialog, CancelKeepsTheRecordButHandsBackTheShape)
     EXPECT_EQ(dialog.exec(), QDialog::Rejected);
     EXPECT_EQ(dialog.SampleShape(), 4);
 }
-
-// Counts the paint events a widget receives.
-class PaintCounter : public QObject {
-public:
-    int paints = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        paints += event->type() == QEvent::Paint ? 1 : 0;
-        return false;
-    }
-};
 
 TEST(AnisotropicDialog, PaintingDrawsBothPicturesWithoutAskingForMorePaints)
 {

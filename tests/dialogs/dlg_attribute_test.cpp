@@ -22,6 +22,7 @@
 #include "engine/display/canvas.h"
 #include "host/settings.h"
 #include "support/dlg_attribute_access.h"
+#include "support/paint_counter.h"
 
 namespace {
 
@@ -55,6 +56,7 @@ protected:
 
     QScrollBar* Bar(int id) { return DlgItem<QScrollBar>(dialog.get(), id); }
     QWidget* Item(int id) { return GetDlgItem(dialog.get(), id); }
+    void Click(int id) { Click(id); }
     FZAttributeEx& Record() { return Access::Record(*dialog); }
     void Show(const FZAttributeEx& a)
     {
@@ -66,6 +68,27 @@ protected:
     HostWindow host;
     std::unique_ptr<CDlgAttribute> dialog;
 };
+
+QString CheckedEntry(const QMenu* menu)
+{
+    for (QAction* action : menu->actions()) {
+        if (action->isChecked())
+            return action->text();
+    }
+    return {};
+}
+
+// Answers the colour picker with `colour`, accepting or cancelling it.
+ModalAnswer AnswerPicker(QColor colour, bool accept)
+{
+    return ModalAnswer([=](QWidget* w) {
+        auto* picker = qobject_cast<QColorDialog*>(w);
+        ASSERT_NE(picker, nullptr);
+        EXPECT_EQ(picker->parentWidget(), nullptr);
+        picker->setCurrentColor(colour);
+        accept ? picker->accept() : picker->reject();
+    });
+}
 
 TEST_F(MaterialDialog, RecordShowsOnTheSlidersTruncated)
 {
@@ -91,9 +114,14 @@ TEST_F(MaterialDialog, RecordShowsOnTheSlidersTruncated)
     EXPECT_EQ(Bar(kIdRefractiveIndex)->value(), 64);
 }
 
-TEST_F(MaterialDialog, SlidersWriteTheRecord)
+TEST_F(MaterialDialog, SlidersWriteTheRecordAndRedrawThePreview)
 {
+    const QImage before = Frame();
+    ASSERT_FALSE(before.isNull());
+    EXPECT_EQ(before.width(), before.height());  // the preview is square
+    EXPECT_EQ(before.width() % 2, 0);
     Bar(kIdRed)->setSliderPosition(32);
+    EXPECT_NE(Frame(), before);
     EXPECT_EQ(Record().color.r, 127);
     EXPECT_EQ(Record().color.g, 255);  // the other channels kept
     Bar(kIdRefractiveIndex)->setSliderPosition(64);
@@ -133,17 +161,14 @@ TEST_F(MaterialDialog, LineAndPageStepsMoveByOneAndTwo)
 
 TEST_F(MaterialDialog, ShapeButtonsWrapBetweenOneAndFour)
 {
-    auto* previous = DlgItem<QAbstractButton>(dialog.get(), kIdShapePrevious);
-    auto* next = DlgItem<QAbstractButton>(dialog.get(), kIdShapeNext);
     EXPECT_EQ(Access::SampleShape(*dialog), 1);
-    previous->click();
+    Click(kIdShapePrevious);
     EXPECT_EQ(Access::SampleShape(*dialog), 4);
     EXPECT_EQ(Access::Preview(*dialog).ShapeNumber(), 4);
-    next->click();
-    EXPECT_EQ(Access::SampleShape(*dialog), 1);
-    next->click();
-    next->click();
-    EXPECT_EQ(Access::SampleShape(*dialog), 3);
+    for (int expected : {1, 2, 3}) {
+        Click(kIdShapeNext);
+        EXPECT_EQ(Access::SampleShape(*dialog), expected);
+    }
 }
 
 TEST_F(MaterialDialog, SpaceBarNotifiesWhereverTheFocusIs)
@@ -159,7 +184,7 @@ TEST_F(MaterialDialog, SpaceBarNotifiesWhereverTheFocusIs)
 
     QTest::keyClick(Bar(kIdDiffuse), Qt::Key_Space);
     EXPECT_EQ(host.notifications, 2);
-    DlgItem<QAbstractButton>(dialog.get(), kIdUpdate)->click();
+    Click(kIdUpdate);
     EXPECT_EQ(host.notifications, 3);
 }
 
@@ -213,20 +238,20 @@ TEST_F(MaterialDialog, ParameterButtonsFollowTheirState)
     EXPECT_TRUE(Item(kIdTransparencyParameter)->isEnabled());
 
     EXPECT_FALSE(Item(kIdAnisotropicParameter)->isEnabled());
-    DlgItem<QAbstractButton>(dialog.get(), kIdAnisotropic)->click();
+    Click(kIdAnisotropic);
     EXPECT_EQ(Record().anisotropic, 1);
     // Any event through the dialog brings the enabling in line.
     QTest::mouseMove(dialog.get());
     EXPECT_TRUE(Item(kIdAnisotropicParameter)->isEnabled());
 
-    DlgItem<QAbstractButton>(dialog.get(), kIdRainbow)->click();
+    Click(kIdRainbow);
     EXPECT_EQ(Record().rainbow, 1);
     EXPECT_TRUE(Item(kIdRainbowParameter)->isEnabled());
 
     // A parameter dialog left with Cancel changes nothing.
     const FZAttributeEx before = Record();
     const ModalAnswer cancel([](QWidget* w) { w->close(); });
-    DlgItem<QAbstractButton>(dialog.get(), kIdAnisotropicParameter)->click();
+    Click(kIdAnisotropicParameter);
     EXPECT_TRUE(cancel.Seen());
     EXPECT_EQ(std::memcmp(&before, &Record(), sizeof(FZAttributeEx)), 0);
 }
@@ -236,26 +261,16 @@ TEST_F(MaterialDialog, SmoothResetsItsWidthAndColorTransparencyIsKept)
     FZAttributeEx a;
     a.smoothWidth = 5.0f;
     Show(a);
-    DlgItem<QAbstractButton>(dialog.get(), kIdSmooth)->click();
+    Click(kIdSmooth);
     EXPECT_EQ(Record().smoothHighlight, 1);
     EXPECT_FLOAT_EQ(Record().smoothWidth, 2.0f);
     Record().smoothWidth = 3.0f;
-    DlgItem<QAbstractButton>(dialog.get(), kIdSmooth)->click();
+    Click(kIdSmooth);
     EXPECT_EQ(Record().smoothHighlight, 0);
     EXPECT_FLOAT_EQ(Record().smoothWidth, 3.0f);  // clearing leaves the width
 
-    DlgItem<QAbstractButton>(dialog.get(), kIdColorTransparency)->click();
+    Click(kIdColorTransparency);
     EXPECT_EQ(Record().colorTransparency, 1);
-}
-
-TEST_F(MaterialDialog, PreviewFollowsTheSliders)
-{
-    const QImage before = Frame();
-    ASSERT_FALSE(before.isNull());
-    EXPECT_EQ(before.width(), before.height());  // the preview is square
-    EXPECT_EQ(before.width() % 2, 0);
-    Bar(kIdRed)->setSliderPosition(0);
-    EXPECT_NE(Frame(), before);
 }
 
 TEST_F(MaterialDialog, OutOfRangeHostValuesShowAtTheEnds)
@@ -290,7 +305,7 @@ TEST_F(MaterialDialog, OutOfRangeHostValuesShowAtTheEnds)
     EXPECT_TRUE(IsDlgButtonChecked(dialog.get(), kIdRainbow));
     EXPECT_TRUE(IsDlgButtonChecked(dialog.get(), kIdSmooth));
     for (int shape = 0; shape < 4; ++shape)
-        DlgItem<QAbstractButton>(dialog.get(), kIdShapeNext)->click();
+        Click(kIdShapeNext);
     EXPECT_FALSE(Frame().isNull());
 }
 
@@ -351,26 +366,15 @@ TEST_F(MaterialDialog, SavedMaterialLoadsBackIntoTheControls)
 
 TEST_F(MaterialDialog, ColorPickerSetsTheSurfaceColour)
 {
-    const ModalAnswer picked([](QWidget* w) {
-        auto* picker = qobject_cast<QColorDialog*>(w);
-        ASSERT_NE(picker, nullptr);
-        EXPECT_EQ(picker->parentWidget(), nullptr);
-        picker->setCurrentColor(QColor(255, 0, 128));
-        picker->accept();
-    });
-    DlgItem<QAbstractButton>(dialog.get(), kIdColorSwatch)->click();
+    const ModalAnswer picked = AnswerPicker(QColor(255, 0, 128), true);
+    Click(kIdColorSwatch);
     EXPECT_EQ(Record().color.r, 255);
     EXPECT_EQ(Record().color.b, 128);
     EXPECT_EQ(Bar(kIdRed)->value(), 64);
     EXPECT_EQ(Bar(kIdBlue)->value(), 32);
 
-    const ModalAnswer cancelled([](QWidget* w) {
-        auto* picker = qobject_cast<QColorDialog*>(w);
-        ASSERT_NE(picker, nullptr);
-        picker->setCurrentColor(QColor(1, 2, 3));
-        picker->reject();
-    });
-    DlgItem<QAbstractButton>(dialog.get(), kIdHighlightSwatch)->click();
+    const ModalAnswer cancelled = AnswerPicker(QColor(1, 2, 3), false);
+    Click(kIdHighlightSwatch);
     EXPECT_EQ(Record().highlightColor.r, 255);  // cancelled: unchanged
 }
 
@@ -381,15 +385,13 @@ TEST_F(MaterialDialog, FamilyMenuChecksTheFamilyAndKeepsItWhenDismissed)
     const ModalAnswer chosen([&](QWidget* w) {
         auto* menu = qobject_cast<QMenu*>(w);
         ASSERT_NE(menu, nullptr);
-        for (QAction* action : menu->actions()) {
+        for (QAction* action : menu->actions())
             texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
-            if (action->isChecked())
-                checked = action->text();
-        }
+        checked = CheckedEntry(menu);
         menu->setActiveAction(menu->actions().back());  // "近い色"
         QTest::keyClick(menu, Qt::Key_Return);
     });
-    DlgItem<QAbstractButton>(dialog.get(), kIdRandomType)->click();
+    Click(kIdRandomType);
     EXPECT_EQ(texts.join(' '),
               QString::fromUtf8("全色 - 原色 ﾊﾟｽﾃﾙｶﾗｰ 灰色 明色 暗色 暖色 寒色 近い色"));
     EXPECT_EQ(checked, QString::fromUtf8("全色"));
@@ -403,10 +405,7 @@ TEST_F(MaterialDialog, FamilyMenuChecksTheFamilyAndKeepsItWhenDismissed)
     const ModalAnswer dismissed([&](QWidget* w) {
         auto* menu = qobject_cast<QMenu*>(w);
         ASSERT_NE(menu, nullptr);
-        for (QAction* action : menu->actions()) {
-            if (action->isChecked())
-                checked = action->text();
-        }
+        checked = CheckedEntry(menu);
         menu->close();
     });
     Access::OnContextMenu(*dialog, corner);
@@ -422,26 +421,12 @@ TEST_F(MaterialDialog, FamilyMenuChecksTheFamilyAndKeepsItWhenDismissed)
 TEST_F(MaterialDialog, RandomButtonDrawsFromTheFamily)
 {
     Access::RandomFamily(*dialog) = 3;  // grey
-    DlgItem<QAbstractButton>(dialog.get(), kIdRandom)->click();
+    Click(kIdRandom);
     const FZColor c = Record().color;
     EXPECT_EQ(c.r, c.g);
     EXPECT_EQ(c.g, c.b);
     EXPECT_EQ(Bar(kIdRed)->value(), c.r * 64 / 255);  // the sliders follow
 }
-
-// Counts the paint events a widget receives.
-class PaintCounter : public QObject {
-public:
-    int paints = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        if (event->type() == QEvent::Paint)
-            ++paints;
-        return false;
-    }
-};
 
 TEST_F(MaterialDialog, PaintingSettles)
 {

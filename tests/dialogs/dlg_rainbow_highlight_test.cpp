@@ -33,18 +33,6 @@ TEST(RainbowCurve, EachConstructionSetsTheSquareCurveUp)
     EXPECT_EQ(curve.Position(883.9f), 7);
 }
 
-TEST(RainbowCurve, SpacingsWithoutARealPositionShowAtAnEnd)
-{
-    CDlgRainbowHighlight dialog;
-    const RainbowSliderCurve& curve = RainbowCurve();
-    EXPECT_EQ(curve.Position(50.0f), 0);
-    EXPECT_EQ(curve.Position(-1e30f), 0);
-    EXPECT_EQ(curve.Position(std::numeric_limits<float>::quiet_NaN()), 0);
-    EXPECT_EQ(curve.Position(-std::numeric_limits<float>::infinity()), 0);
-    EXPECT_GT(curve.Position(std::numeric_limits<float>::infinity()), 20);
-    EXPECT_GT(curve.Position(1e30f), 20);
-}
-
 TEST(RainbowDialog, OpensAtTheRecordsPositionAndOkKeepsAnUntouchedValue)
 {
     const FZAttributeEx record;  // stripeSpacing 1000
@@ -77,16 +65,25 @@ TEST(RainbowDialog, SliderMovesStoreTheCurveOfTheShownPosition)
     EXPECT_EQ(dialog->Attribute().stripeSpacing, 100.0f);
 }
 
-TEST(RainbowDialog, HostValuesOutsideTheCurveOpenAtTheNearerEnd)
+TEST(RainbowDialog, SpacingsWithoutARealPositionOpenAtTheNearerEnd)
 {
-    const float values[] = {50.0f, std::numeric_limits<float>::quiet_NaN(),
-                            std::numeric_limits<float>::infinity(), 1e30f, -1e30f};
-    const int positions[] = {0, 0, 20, 20, 0};
-    for (int i = 0; i < 5; ++i) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float inf = std::numeric_limits<float>::infinity();
+    const struct {
+        float spacing;
+        bool high;
+    } cases[] = {{50.0f, false}, {-1e30f, false}, {nan, false}, {-inf, false},
+                 {inf, true},    {1e30f, true}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.spacing);
         FZAttributeEx record;
-        record.stripeSpacing = values[i];
+        record.stripeSpacing = c.spacing;
         auto dialog = OpenParameterDialog<CDlgRainbowHighlight>(record);
-        EXPECT_EQ(Position(dialog.get(), kSpacing), positions[i]) << values[i];
+        EXPECT_EQ(Position(dialog.get(), kSpacing), c.high ? 20 : 0);
+        if (c.high)
+            EXPECT_GT(RainbowCurve().Position(c.spacing), 20);
+        else
+            EXPECT_EQ(RainbowCurve().Position(c.spacing), 0);
     }
 }
 

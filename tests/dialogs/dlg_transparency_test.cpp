@@ -36,16 +36,13 @@ TEST(TransparencyDialog, SlidersShowAndStoreTwentieths)
     Scroll(dialog.get(), kAttenuation, QAbstractSlider::SliderPageStepAdd);
     EXPECT_EQ(dialog->Attribute().attenuation, 0.35f);
     EXPECT_EQ(dialog->Attribute().incidenceDependence, 0.15f);  // the other one stays
-}
 
-TEST(TransparencyDialog, StepsBeyondTheEndsKeepTheEndsValue)
-{
-    FZAttributeEx record;
-    record.incidenceDependence = 1.0f;
-    auto dialog = OpenParameterDialog<CDlgTransparency>(record);
+    // Steps beyond the ends keep the end's value.
+    DragTo(dialog.get(), kIncidence, 20);
     Scroll(dialog.get(), kIncidence, QAbstractSlider::SliderPageStepAdd);
     EXPECT_EQ(Position(dialog.get(), kIncidence), 20);
     EXPECT_EQ(dialog->Attribute().incidenceDependence, 1.0f);  // not 1.1
+    DragTo(dialog.get(), kAttenuation, 0);
     Scroll(dialog.get(), kAttenuation, QAbstractSlider::SliderSingleStepSub);
     EXPECT_EQ(dialog->Attribute().attenuation, 0.0f);  // not -0.05
 }

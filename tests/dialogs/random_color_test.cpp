@@ -23,23 +23,22 @@ Bytes Draw(int family, FZColor current = FZColor{255, 255, 255})
 
 TEST(HlsToRgb, KnownColours)
 {
-    float rgb[3];
-    HlsToRgb(0.0, 0.5, 1.0, rgb);
-    EXPECT_FLOAT_EQ(rgb[0], 1.0f);
-    EXPECT_FLOAT_EQ(rgb[1], 0.0f);
-    EXPECT_FLOAT_EQ(rgb[2], 0.0f);
-    HlsToRgb(120.0, 0.5, 1.0, rgb);
-    EXPECT_FLOAT_EQ(rgb[1], 1.0f);
-    EXPECT_FLOAT_EQ(rgb[0], 0.0f);
-    HlsToRgb(-120.0, 0.5, 1.0, rgb);  // 240: blue
-    EXPECT_FLOAT_EQ(rgb[2], 1.0f);
-    HlsToRgb(30.0, 0.75, 0.5, rgb);  // m2 = 0.875, m1 = 0.625
-    EXPECT_FLOAT_EQ(rgb[0], 0.875f);
-    EXPECT_FLOAT_EQ(rgb[1], 0.75f);
-    EXPECT_FLOAT_EQ(rgb[2], 0.625f);
-    HlsToRgb(200.0, 0.3, 0.0, rgb);  // no saturation: grey
-    EXPECT_FLOAT_EQ(rgb[0], 0.3f);
-    EXPECT_FLOAT_EQ(rgb[2], 0.3f);
+    const struct {
+        double h, l, s;
+        float r, g, b;
+    } cases[] = {{0.0, 0.5, 1.0, 1.0f, 0.0f, 0.0f},
+                 {120.0, 0.5, 1.0, 0.0f, 1.0f, 0.0f},
+                 {-120.0, 0.5, 1.0, 0.0f, 0.0f, 1.0f},    // 240: blue
+                 {30.0, 0.75, 0.5, 0.875f, 0.75f, 0.625f},  // m2 = 0.875, m1 = 0.625
+                 {200.0, 0.3, 0.0, 0.3f, 0.3f, 0.3f}};    // no saturation: grey
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.h);
+        float rgb[3];
+        HlsToRgb(c.h, c.l, c.s, rgb);
+        EXPECT_FLOAT_EQ(rgb[0], c.r);
+        EXPECT_FLOAT_EQ(rgb[1], c.g);
+        EXPECT_FLOAT_EQ(rgb[2], c.b);
+    }
 }
 
 TEST(RandomFamilies, EachStaysInItsRange)
