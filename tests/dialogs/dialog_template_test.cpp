@@ -40,10 +40,8 @@ TEST(DialogUnits, BaseUnitsComeFromTheDialogFont)
     EXPECT_EQ(units.cx, (letters / 26 + 1) / 2);
     EXPECT_EQ(units.cy, metrics.height());
     EXPECT_EQ(units.ToPixels(4, 8, 8, 16), QRect(units.cx, units.cy, 2 * units.cx, 2 * units.cy));
-}
 
-TEST(DialogUnits, WindowsFacesFallBackToTheIpaFaces)
-{
+    // The Windows faces fall back to the IPA faces.
     EXPECT_TRUE(JapaneseFont("ＭＳ Ｐゴシック", 12).families().contains("IPAPGothic"));
     EXPECT_TRUE(JapaneseFont("ＭＳ ゴシック", 11).families().contains("IPAGothic"));
     EXPECT_EQ(JapaneseFont("ＭＳ ゴシック", 0).pixelSize(), 1);

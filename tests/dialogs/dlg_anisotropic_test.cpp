@@ -134,14 +134,20 @@ TEST(AnisotropicDialog, SpiralSliderSpansMinusToPlusFiveHundredths)
     EXPECT_EQ(dialog->Attribute().anisotropy.depthVariation, 0.35f);
 }
 
-TEST(AnisotropicDialog, FirstPaintTakesValuesBetweenStepsToTheStepBelow)
+TEST(AnisotropicDialog, NothingIsReadBackBeforeTheFirstPaintWhichTakesValuesToTheStepBelow)
 {
     FZAttributeEx record = WithType(3);
     record.anisotropy.spiralTwist = 0.01f;
     record.anisotropy.grooveWidth = 0.75f;
     record.anisotropy.depthVariation = 0.12f;
+    record.anisotropy.waveCount = 7;
     CDlgAnisotropic dialog;
     dialog.SetAttribute(record, 0);
+    // Before the dialog is ready nothing is read back from its controls.
+    DlgItem<QLineEdit>(&dialog, kWaveCountEdit)->setText("20");
+    DlgItem<QRadioButton>(&dialog, kWavy)->click();
+    EXPECT_EQ(dialog.Attribute().anisotropy.type, 3);
+    EXPECT_EQ(dialog.Attribute().anisotropy.waveCount, 7);
     EXPECT_EQ(dialog.Attribute().anisotropy.spiralTwist, 0.01f);
     dialog.show();
     dialog.grab();
@@ -171,18 +177,6 @@ TEST(AnisotropicDialog, WaveCountStaysWithinItsSpinAndKeepsTheLastNumber)
     EXPECT_EQ(dialog->Attribute().anisotropy.waveCount, 13);
     DlgItem<CSpinButton>(dialog.get(), kGrooveWidthSpin)->Step(+1);
     EXPECT_EQ(dialog->Attribute().anisotropy.grooveWidth, 1.5f);
-}
-
-TEST(AnisotropicDialog, NothingIsReadBackBeforeTheDialogIsReady)
-{
-    FZAttributeEx record = WithType(2);
-    record.anisotropy.waveCount = 7;
-    CDlgAnisotropic dialog;
-    dialog.SetAttribute(record, 0);
-    DlgItem<QLineEdit>(&dialog, kWaveCountEdit)->setText("20");
-    DlgItem<QRadioButton>(&dialog, kSpiral)->click();
-    EXPECT_EQ(dialog.Attribute().anisotropy.waveCount, 7);
-    EXPECT_EQ(dialog.Attribute().anisotropy.type, 2);
 }
 
 TEST(AnisotropicDialog, ClicksAtTheDiagramsCornersPlaceTheCentre)
