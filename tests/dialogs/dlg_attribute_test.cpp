@@ -247,13 +247,6 @@ TEST_F(MaterialDialog, ParameterButtonsFollowTheirState)
     Click(kIdRainbow);
     EXPECT_EQ(Record().rainbow, 1);
     EXPECT_TRUE(Item(kIdRainbowParameter)->isEnabled());
-
-    // A parameter dialog left with Cancel changes nothing.
-    const FZAttributeEx before = Record();
-    const ModalAnswer cancel([](QWidget* w) { w->close(); });
-    Click(kIdAnisotropicParameter);
-    EXPECT_TRUE(cancel.Seen());
-    EXPECT_EQ(std::memcmp(&before, &Record(), sizeof(FZAttributeEx)), 0);
 }
 
 TEST_F(MaterialDialog, SmoothResetsItsWidthAndColorTransparencyIsKept)

@@ -5,7 +5,6 @@
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTimer>
 #include <gtest/gtest.h>
 
 #include "dialogs/dlg_transparency.h"
@@ -105,20 +104,6 @@ TEST(TransparencyDialog, BadHostValuesOpenWithoutHarm)
     EXPECT_EQ(Position(dialog.get(), kAttenuation), 20);
     DlgItem<QPushButton>(dialog.get(), 4023)->click();  // shape 99 steps to 1
     EXPECT_EQ(dialog->SampleShape(), 1);
-}
-
-TEST(TransparencyDialog, CancelHandsBackTheShapeSteppedBackwards)
-{
-    CDlgTransparency dialog;
-    dialog.SetAttribute(FZAttributeEx(), 1);
-    dialog.SetSampleShape(1);
-    QTimer::singleShot(0, &dialog, [&dialog] {
-        DlgItem<QPushButton>(&dialog, 4024)->click();  // "<-" from 1 wraps to 4
-        DlgItem<QPushButton>(&dialog, 4024)->click();
-        DlgItem<QPushButton>(&dialog, kIdCancel)->click();
-    });
-    EXPECT_EQ(dialog.exec(), QDialog::Rejected);
-    EXPECT_EQ(dialog.SampleShape(), 3);
 }
 
 } // namespace
