@@ -56,7 +56,7 @@ protected:
 
     QScrollBar* Bar(int id) { return DlgItem<QScrollBar>(dialog.get(), id); }
     QWidget* Item(int id) { return GetDlgItem(dialog.get(), id); }
-    void Click(int id) { Click(id); }
+    void Click(int id) { DlgItem<QAbstractButton>(dialog.get(), id)->click(); }
     FZAttributeEx& Record() { return Access::Record(*dialog); }
     void Show(const FZAttributeEx& a)
     {
