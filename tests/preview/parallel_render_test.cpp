@@ -137,7 +137,9 @@ TEST_F(ParallelRender, EveryMaterialShapeAndSizeGivesTheSameBytes)
     const std::vector<BenchMaterial> all = ComparedMaterials();
     const std::vector<BenchMaterial> benchmarked = BenchMaterials();
     for (std::int32_t n = 1; n <= 4; ++n)
-        for (const auto [w, h] : {std::pair{1, 1}, {17, 13}, {120, 120}, {256, 256}}) {
+        for (const auto& size : {std::pair{1, 1}, {17, 13}, {120, 120}, {256, 256}}) {
+            const int w = size.first;  // plain names: clang cannot capture bindings
+            const int h = size.second;
             const std::vector<BenchMaterial>& materials = w > 120 ? benchmarked : all;
             ExpectSameForAnyThreads([&](int threads) { return RenderMaterials(threads, w, h, n, materials); },
                                     "shape " + std::to_string(n) + " at " + std::to_string(w) + "x"
