@@ -155,7 +155,7 @@ protected:
     template <typename Dialog>
     void Open(int id, const std::function<void(Dialog*)>& inside)
     {
-        const ModalAnswer answer([&](QWidget* w) {
+        const ModalAnswer<> answer([&](QWidget* w) {
             auto* opened = qobject_cast<Dialog*>(w);
             ASSERT_NE(opened, nullptr);
             EXPECT_EQ(opened->parentWidget(), nullptr);
