@@ -31,7 +31,6 @@
 
 class CPreviewPanel;
 class DialogControls;
-class QScrollBar;
 
 class TAMERISK_API CDlgAttribute : public QDialog {
     Q_OBJECT
