@@ -500,9 +500,11 @@ void CDlgAttribute::OnCheckHighlightSmooth()
 
 void CDlgAttribute::OnCheckColorTransparency()
 {
-    // Stored for the host; nothing on the preview depends on it, so the
-    // record changes without a redraw.
-    attribute.colorTransparency = controls->colorTransparency->isChecked() ? 1 : 0;
+    // Stored for the host; nothing on the preview depends on it, but it is
+    // an edit like any other.
+    FZAttributeEx edited = attribute;
+    edited.colorTransparency = controls->colorTransparency->isChecked() ? 1 : 0;
+    Edit(edited, ControlSync::Keep);
 }
 
 void CDlgAttribute::OpenParameterDialog(int (*run)(FZAttributeEx&, int, int&))
