@@ -2,6 +2,7 @@
 // the nine functions looked up by name, and nothing but the public header.
 #include <cstring>
 #include <thread>
+#include <vector>
 
 #include <QAbstractButton>
 #include <QPointer>
@@ -20,9 +21,7 @@ bool SameBytes(const FZAttributeEx& a, const FZAttributeEx& b) { return std::mem
 FZAttributeEx SampleMaterial()
 {
     FZAttributeEx m;
-    m.diffuse = 0.5f;
-    m.color.SetBytes(128, 64, 32);
-    m.anisotropic = 1;
+    m.diffuse = 0.5f;  // slider 32
     m.thickness = 7.0f;
     return m;
 }
@@ -35,21 +34,14 @@ Control* EditorControl(const char* id)
 
 // Answers the editor's notify event by reading the material back, as a
 // host's handler does.
-class NotifyWindow : public QWidget {
-public:
-    NotifyWindow(unsigned int message, const TameriskFunctions& api) : message(message), api(api) {}
-    unsigned int message;
-    const TameriskFunctions& api;
-    int notifications = 0;
-    FZAttributeEx received;
-
-protected:
+struct NotifyWindow : QWidget {
+    unsigned int message = static_cast<unsigned int>(QEvent::registerEventType());
+    std::vector<FZAttributeEx> received;
     bool event(QEvent* e) override
     {
         if (e->type() != static_cast<QEvent::Type>(message))
             return QWidget::event(e);
-        ++notifications;
-        api.GetAttribute(&received);
+        Tamerisk().api.GetAttribute(&received.emplace_back());
         return true;
     }
 };
@@ -62,8 +54,7 @@ protected:
         WriteSettings({});
     }
     void TearDown() override { api.Close(); }
-    // What the editor holds, read over a filled record.
-    FZAttributeEx Held() const
+    FZAttributeEx Held() const  // read over a filled record
     {
         FZAttributeEx got = SampleMaterial();
         api.GetAttribute(&got);
@@ -76,16 +67,15 @@ protected:
 
 TEST_F(HostInterface, WithoutAnEditorNothingHappens)
 {
-    EXPECT_EQ(api.GetShow(), 0xFFFFFFFFu);
-    EXPECT_EQ(api.GetColorBind(), 0);
-    EXPECT_TRUE(SameBytes(Held(), SampleMaterial()));
     FZAttributeEx mine;
     api.SetAttribute(&mine);
     api.SetColorBind(1);
     api.ShowWindow(TAMERISK_SW_SHOWNORMAL);
     api.SetTitle("x");
     api.Close();
+    EXPECT_EQ(api.GetShow(), 0xFFFFFFFFu);
     EXPECT_EQ(api.GetColorBind(), 0);
+    EXPECT_TRUE(SameBytes(Held(), SampleMaterial()));
     EXPECT_EQ(EditorWindow(), nullptr);
     int opened = -1;
     std::thread([&] { opened = api.Open(nullptr, 0); }).join();  // off the GUI thread
@@ -109,7 +99,7 @@ TEST_F(HostInterface, MaterialAndColourBindTravelAsAHostExpects)
     EXPECT_TRUE(SameBytes(Held(), sent));
     ASSERT_TRUE(EditorControl<QScrollBar>("1010") && EditorControl<QScrollBar>("1020"));
     EXPECT_EQ(EditorControl<QScrollBar>("1010")->value(), 32);
-    api.SetColorBind(1);
+    api.SetColorBind(1);  // disables the colour sliders
     EXPECT_FALSE(EditorControl<QScrollBar>("1020")->isEnabled());
     FZAttributeEx garbage;  // any bytes at all are held and shown without harm
     std::memset(static_cast<void*>(&garbage), 0xFF, sizeof garbage);
@@ -121,15 +111,14 @@ TEST_F(HostInterface, MaterialAndColourBindTravelAsAHostExpects)
 
 TEST_F(HostInterface, NotifyReachesTheHostBeforeTheButtonReturns)
 {
-    const auto message = static_cast<unsigned int>(QEvent::registerEventType());
-    NotifyWindow host(message, api);
-    ASSERT_EQ(api.Open(&host, message), 1);
+    NotifyWindow host;
+    ASSERT_EQ(api.Open(&host, host.message), 1);
     FZAttributeEx sent = SampleMaterial();
     api.SetAttribute(&sent);
     ASSERT_NE(EditorControl<QAbstractButton>("1017"), nullptr);
     EditorControl<QAbstractButton>("1017")->click();
-    EXPECT_EQ(host.notifications, 1);
-    EXPECT_TRUE(SameBytes(host.received, sent));
+    ASSERT_EQ(host.received.size(), 1u);
+    EXPECT_TRUE(SameBytes(host.received[0], sent));
 }
 
 TEST_F(HostInterface, TheSettingsFileKeepsPlaceAndDisplayFromOneEditorToTheNext)
@@ -159,7 +148,7 @@ TEST_F(HostInterface, ShowCommandsFollowTheWindowsNumbers)
         int command;
         bool visible;
         unsigned int show;
-    } steps[] = {
+    } steps[] = {  // Windows' numbers
         {TAMERISK_SW_SHOWNORMAL, true, 1}, {TAMERISK_SW_MAXIMIZE, true, 3}, {TAMERISK_SW_MINIMIZE, true, 2},
         {TAMERISK_SW_RESTORE, true, 3},    {TAMERISK_SW_RESTORE, true, 1},  {TAMERISK_SW_HIDE, false, 1},
         {TAMERISK_SW_SHOWNA, true, 1},     {TAMERISK_SW_FORCEMINIMIZE, true, 2}, {TAMERISK_SW_HIDE, false, 2},
