@@ -1,5 +1,5 @@
-// The demo host, tamerisk-host: its own reader of attribute files agrees with
-// the library's, and the program runs offscreen to write a picture.
+// The demo host's own reader of attribute files agrees with the library's,
+// and the program runs offscreen to write a picture.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -53,7 +53,7 @@ TEST(HostAppReader, AgreesWithTheLibraryOrRefusesAndKeepsTheMaterial)
     }
 }
 
-TEST(HostApp, WritesAPictureOfTheEditorOffscreenOrSaysWhyNot)
+TEST(HostApp, WritesAPictureOfTheEditorOffscreen)
 {
     const QTemporaryDir dir;
     const QString picture = dir.filePath("editor.png");
@@ -61,11 +61,4 @@ TEST(HostApp, WritesAPictureOfTheEditorOffscreenOrSaysWhyNot)
     const ToolRun run = RunTool("tamerisk-host", {"--open", material, "--screenshot", picture}, {}, dir.path());
     ASSERT_EQ(run.exitCode, 0) << run.err.constData();
     EXPECT_GT(QImage(picture).width(), 100);
-
-    const ToolRun bad = RunTool("tamerisk-host", {"--open", Written(dir, "nonsense"), "--screenshot", picture}, {},
-                                dir.path());
-    EXPECT_EQ(bad.exitCode, 1);
-    EXPECT_TRUE(bad.err.contains("tamerisk-host: ")) << bad.err.constData();
-    EXPECT_EQ(RunTool("tamerisk-host", {"--library", dir.filePath("no.so"), "--screenshot", picture}, {}, dir.path())
-                  .exitCode, 1);
 }

@@ -2,6 +2,7 @@
 // the nine functions looked up by name, and nothing but the public header.
 #include <cstring>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include <QAbstractButton>
@@ -144,20 +145,17 @@ TEST_F(HostInterface, TheSettingsFileKeepsPlaceAndDisplayFromOneEditorToTheNext)
 TEST_F(HostInterface, ShowCommandsFollowTheWindowsNumbers)
 {
     ASSERT_EQ(api.Open(nullptr, 0), 1);
-    const struct {
-        int command;
-        bool visible;
-        unsigned int show;
-    } steps[] = {  // Windows' numbers
+    // Command, then whether the window is visible and the show state after it.
+    const std::tuple<int, bool, unsigned> steps[] = {
         {TAMERISK_SW_SHOWNORMAL, true, 1}, {TAMERISK_SW_MAXIMIZE, true, 3}, {TAMERISK_SW_MINIMIZE, true, 2},
         {TAMERISK_SW_RESTORE, true, 3},    {TAMERISK_SW_RESTORE, true, 1},  {TAMERISK_SW_HIDE, false, 1},
         {TAMERISK_SW_SHOWNA, true, 1},     {TAMERISK_SW_FORCEMINIMIZE, true, 2}, {TAMERISK_SW_HIDE, false, 2},
         {TAMERISK_SW_SHOW, true, 2},       {42, true, 2},                   {TAMERISK_SW_SHOWMAXIMIZED, true, 3},
     };
-    for (const auto& step : steps) {
-        api.ShowWindow(step.command);
-        EXPECT_EQ(EditorWindow()->isVisible(), step.visible) << step.command;
-        EXPECT_EQ(api.GetShow(), step.show) << step.command;
+    for (const auto& [command, visible, show] : steps) {
+        api.ShowWindow(command);
+        EXPECT_EQ(EditorWindow()->isVisible(), visible) << command;
+        EXPECT_EQ(api.GetShow(), show) << command;
     }
 }
 

@@ -19,7 +19,7 @@ struct LoadedLibrary {
     std::string error;  // empty when the library and every function were found
 };
 
-// Loaded on first use and kept for the rest of the process, as hosts keep it.
+// Loaded once and kept for the rest of the process, as hosts keep it.
 inline const LoadedLibrary& Tamerisk()
 {
     static const LoadedLibrary library = [] {
@@ -27,8 +27,7 @@ inline const LoadedLibrary& Tamerisk()
         void* handle = dlopen(TAMERISK_LIBRARY_PATH, RTLD_NOW | RTLD_LOCAL);
         if (handle == nullptr)
             loaded.error = dlerror();
-        else if (const char* missing = TameriskResolveFunctions(
-                     loaded.api, [handle](const char* name) { return dlsym(handle, name); }))
+        else if (const char* missing = TameriskResolveFunctions(loaded.api, [handle](const char* name) { return dlsym(handle, name); }))
             loaded.error = std::string("missing ") + missing;
         return loaded;
     }();
@@ -45,15 +44,12 @@ inline QWidget* EditorWindow()
     return nullptr;
 }
 
-// The settings file lies in a directory of this test process's own
-// (tests/qt_main.cpp); written as a person would write it, or removed.
+// The settings file lies in a directory of this process's own
+// (tests/qt_main.cpp). Empty text removes it.
 inline void WriteSettings(const QByteArray& text)
 {
     QFile file(SettingsFilePath());
-    if (text.isEmpty())
-        file.remove();
-    else if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        file.write(text);
+    text.isEmpty() ? void(file.remove()) : void(file.open(QIODevice::WriteOnly) && file.write(text));
 }
 
 inline QByteArray ReadSettings()
