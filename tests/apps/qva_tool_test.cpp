@@ -17,12 +17,10 @@ namespace {
 
 // Every field a version 10 file stores, none at its default, with values
 // that only an exact float round trip keeps.
-const char kEveryStoredField[] = R"({
-  "version": 2,
-  "diffuse": 0.1, "highlightStrength": 0.33333334, "highlightSharpness": 1e-45,
-  "ambient": -0, "transparency": 3.4028235e+38, "refractiveIndex": 1.0000001,
-  "color": [1, 2, 3], "highlightColor": [254, 0, 128], "reflection": "nan:0x7fc00123",
-  "anisotropic": -5,
+const char kEveryStoredField[] = R"({"version": 2,
+  "diffuse": 0.1, "highlightStrength": 0.33333334, "highlightSharpness": 1e-45, "ambient": -0,
+  "transparency": 3.4028235e+38, "refractiveIndex": 1.0000001, "color": [1, 2, 3], "highlightColor": [254, 0, 128],
+  "reflection": "nan:0x7fc00123", "anisotropic": -5,
   "anisotropy": {"type": 2, "grooveDepth": 0.2, "center": [0.1, "-inf", 0.7],
                  "axis": [-32768, 32767, 5], "amplitude": 0.24, "waveCount": 36, "depthVariation": 0.95},
   "colorTransparency": 2147483647, "emission": "inf", "smoothHighlight": -2147483648,

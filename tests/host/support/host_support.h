@@ -1,5 +1,4 @@
-// libtamerisk.so as a host sees it (dlopen, then the nine functions looked
-// up by name), the editor's window, and this process's settings file.
+// libtamerisk.so as a host sees it, the editor's window, the settings file.
 #pragma once
 
 #include <dlfcn.h>
@@ -19,7 +18,7 @@ struct LoadedLibrary {
     std::string error;  // empty when the library and every function were found
 };
 
-// Loaded once and kept for the rest of the process, as hosts keep it.
+// dlopen, then the nine functions by name; kept loaded, as hosts keep it.
 inline const LoadedLibrary& Tamerisk()
 {
     static const LoadedLibrary library = [] {
