@@ -121,7 +121,8 @@ private:
     bool PickColor(FZColor& color);
     void RandomButtonSubMenu(const QPoint& globalPos);
     FZResult LoadFile(const QString& path);
-    FZResult SaveFile(const QString& path);
+    // reason, when given, receives the system's reason for a failure.
+    FZResult SaveFile(const QString& path, QString* reason = nullptr);
     void ShowResult(FZResult code);
     void ShowMessage(const QString& text);
     void LoadParameter();

@@ -7,6 +7,7 @@
 #include <limits>
 #include <set>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QPushButton>
 #include <QRadioButton>
@@ -165,10 +166,19 @@ TEST(AnisotropicDialog, ClicksAndDragsPlaceTheCentre)
     QTest::mousePress(dialog.get(), Qt::LeftButton, {}, origin + QPoint(10, 10));
     QTest::mouseMove(dialog.get(), origin + QPoint(20, 30));
     EXPECT_TRUE(c[0] > 0.0f && c[0] < 0.5f);
-    QTest::mouseRelease(dialog.get(), Qt::LeftButton, {}, origin + QPoint(40, 50));
+    // A release off the dialog ends the drag: moves without a button leave
+    // the centre where it is.
+    QTest::mouseRelease(dialog.get(), Qt::LeftButton, {}, QPoint(-50, -50));
     const float settled = c[0];
     QTest::mouseMove(dialog.get(), origin + QPoint(60, 60));
     EXPECT_EQ(c[0], settled);
+    // Losing the window ends a drag too.
+    QTest::mousePress(dialog.get(), Qt::LeftButton, {}, origin + QPoint(10, 10));
+    const float pressed = c[0];
+    QEvent deactivate(QEvent::WindowDeactivate);
+    QApplication::sendEvent(dialog.get(), &deactivate);
+    QTest::mouseMove(dialog.get(), origin + QPoint(60, 60), 0);
+    EXPECT_EQ(c[0], pressed);
 }
 
 TEST(AnisotropicDialog, BadHostValuesOpenAndDrawWithoutHarm)
