@@ -9,7 +9,7 @@
 
 #include <cstdio>
 
-#include "common/material_json.h"
+#include "json/material_json.h"
 #include "material/attribute_file.h"
 #include "material/result_codes.h"
 

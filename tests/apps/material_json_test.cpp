@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "common/json_value.h"
-#include "common/material_json.h"
+#include "json/json_value.h"
+#include "json/material_json.h"
 #include "material/attribute_file.h"
 #include "material/result_codes.h"
 #include "tool_run.h"

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "common/material_json.h"
+#include "json/material_json.h"
 #include "attribute_bytes.h"
 #include "material/attribute_file.h"
 #include "tool_run.h"
