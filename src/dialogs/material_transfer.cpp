@@ -1,0 +1,42 @@
+#include "dialogs/material_transfer.h"
+
+#include <QFileInfo>
+#include <QMimeData>
+#include <QUrl>
+
+#include "json/material_json.h"
+#include "material/attribute_file.h"
+#include "material/result_codes.h"
+
+QString MaterialToClipboardText(const FZAttributeEx& record)
+{
+    return QString::fromUtf8(MaterialToJson(record, kAttributeFileHeader.currentVersion));
+}
+
+int MaterialFromClipboardText(const QString& text, FZAttributeEx& record)
+{
+    // The length in UTF-16 units bounds the UTF-8 bytes from below, so the
+    // first check refuses a huge paste without converting it.
+    if (text.size() > kMaxPastedBytes)
+        return kResultTooLarge;
+    const QByteArray bytes = text.toUtf8();
+    if (bytes.size() > kMaxPastedBytes)
+        return kResultTooLarge;
+    FZAttributeEx read = record;
+    QString message;
+    const int rc = ParseMaterial(bytes, read, message);
+    if (rc == kResultOk)
+        record = read;
+    return rc;
+}
+
+QString DraggedAttributeFile(const QMimeData* data)
+{
+    if (data == nullptr || !data->hasUrls() || data->urls().size() != 1)
+        return {};
+    const QUrl url = data->urls().front();
+    if (!url.isLocalFile())
+        return {};
+    const QString path = url.toLocalFile();
+    return QFileInfo(path).suffix().compare(u"qva", Qt::CaseInsensitive) == 0 ? path : QString();
+}
