@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Draws the eleven 16 x 16 pictures that stand beside the material dialog's
 sliders and writes them as PNG files (RGBA, transparent background) into
-src/dialogs/resources/bitmaps/, named by their bitmap id.
+src/dialogs/resources/bitmaps/, named by their bitmap id, each with a
+32 x 32 version ("4004@2x.png") for screens at 200 %.
 
 Each picture is computed per pixel with 4 x 4 supersampling, so edges are
 smooth at this tiny size. Needs nothing but Python's standard library.
@@ -182,15 +183,16 @@ PICTURES = {
 }
 
 
-def render(draw):
+def render(draw, scale=1):
+    """The picture at `scale` pixels per unit of its 16 x 16 drawing."""
     rows = []
-    for py in range(SIZE):
+    for py in range(SIZE * scale):
         row = bytearray()
-        for px in range(SIZE):
+        for px in range(SIZE * scale):
             acc = [0.0, 0.0, 0.0, 0.0]
             for sy in range(SAMPLES):
                 for sx in range(SAMPLES):
-                    c = draw(px + (sx + 0.5) / SAMPLES, py + (sy + 0.5) / SAMPLES)
+                    c = draw((px + (sx + 0.5) / SAMPLES) / scale, (py + (sy + 0.5) / SAMPLES) / scale)
                     for i in range(3):
                         acc[i] += c[i] * c[3]
                     acc[3] += c[3]
@@ -213,7 +215,8 @@ def write_png(path, rows):
         return struct.pack(">I", len(data)) + body + struct.pack(">I", zlib.crc32(body))
 
     png = b"\x89PNG\r\n\x1a\n"
-    png += chunk(b"IHDR", struct.pack(">IIBBBBB", SIZE, SIZE, 8, 6, 0, 0, 0))
+    side = len(rows)
+    png += chunk(b"IHDR", struct.pack(">IIBBBBB", side, side, 8, 6, 0, 0, 0))
     png += chunk(b"IDAT", zlib.compress(raw, 9))
     png += chunk(b"IEND", b"")
     with open(path, "wb") as f:
@@ -224,6 +227,7 @@ def main():
     os.makedirs(OUT, exist_ok=True)
     for bitmap_id, draw in PICTURES.items():
         write_png(os.path.join(OUT, f"{bitmap_id}.png"), render(draw))
+        write_png(os.path.join(OUT, f"{bitmap_id}@2x.png"), render(draw, 2))
 
 
 if __name__ == "__main__":

@@ -18,6 +18,7 @@
 #ifndef TAMERISK_DLG_ATTRIBUTE_H
 #define TAMERISK_DLG_ATTRIBUTE_H
 
+#include <cstddef>
 #include <memory>
 
 #include <QDialog>
@@ -27,6 +28,7 @@
 #include "export.h"
 
 class CPreviewPanel;
+class DialogControls;
 class QScrollBar;
 
 class TAMERISK_API CDlgAttribute : public QDialog {
@@ -53,7 +55,8 @@ public:
     void GetAttribute(FZAttributeEx& attribute) const;
     // Colour bind: while it is not 0 the host owns the surface colour, the
     // colour controls are disabled and the preview shows the material white.
-    // Stores the flag only.
+    // Stores the flag and enables or disables the colour controls; the
+    // preview follows at the next UpdatePanelView.
     void SetColorBind(int bind);
     int GetColorBind() const;
     // Brings every control into line with the record, enables or disables
@@ -62,12 +65,7 @@ public:
     void UpdatePanelView();
 
 protected:
-    // Sees every event of the dialog and its controls first: the space bar
-    // notifies the host wherever the focus is and goes no further; all other
-    // events keep the enabling of the controls in line with the state.
-    bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
-    void paintEvent(QPaintEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     // Enter on "OK" and Escape: both only put the dialog away.
     void accept() override;
@@ -75,19 +73,21 @@ protected:
 
 private:
     friend class CDlgAttributeTestAccess;
+    struct Controls;  // the template's controls, typed, resolved once
 
-    void ConnectHandlers();
+    // Whether an edit also moves the controls to the new record: not when
+    // the edit came from the control itself.
+    enum class ControlSync { Keep, FromRecord };
+
+    void ConnectHandlers(const DialogControls& built);
     bool OnInitDialog();
-    bool PreTranslateMessage(QEvent* event);
-    void SyncEnabling();
     void MakePreviewSquare();
 
     void OnButtonUpdate();
     void OnClose();
     void OnOK();
     void OnDestroy();
-    void OnHScroll(QScrollBar* bar, int position);
-    void OnPaint(const QRegion& region);
+    void OnHScroll(std::size_t slider, int position);
     void OnButtonColor();
     void OnButtonHighlightColor();
     void OnButtonColorRandom();
@@ -106,10 +106,15 @@ private:
     void OnButtonSampleShapePrevious();
     void OnButtonSampleShapeNext();
 
-    void GetAttributeFromControl(int control, float value);
+    // Every change the user makes to the record passes here: it becomes the
+    // record, and the preview, the swatches and the enabling follow.
+    void Edit(const FZAttributeEx& edited, ControlSync sync);
     void UpdateControlsFromAttribute();
     void SetColorControlsOnOff();
+    void UpdateEnabling();
+    // The material changed: shade and render once, then show it.
     void ReDraw();
+    void ShowSampleShape(int shape);
     void DrawColorPallete();
     void DrawHighlightColorPallete();
     bool PickColor(FZColor& color);
@@ -127,6 +132,7 @@ private:
     int colorBind = 0;
     int randomFamily = 0;
     std::unique_ptr<CPreviewPanel> preview;
+    std::unique_ptr<Controls> controls;
     int sampleShape = 1;
     bool created = false;
 };

@@ -8,16 +8,16 @@
 #include <QCoreApplication>
 #include <QDialog>
 #include <QFontMetrics>
+#include <QIcon>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPainter>
 #include <QPixmap>
 #include <QPointer>
 #include <QProxyStyle>
 #include <QRadioButton>
-#include <QRegularExpressionValidator>
 #include <QScrollBar>
-#include <QToolButton>
+#include <QSpinBox>
+#include <QStyleOptionSlider>
 
 #include "dialogs/resources.h"
 #include "engine/display/canvas.h"
@@ -82,8 +82,10 @@ DialogBaseUnits DialogBaseUnits::FromFont(const QFont& font)
 namespace {
 
 // Scroll bars used as sliders get a small square thumb, as on Windows,
-// instead of the long handle Qt gives a short range.
-class SquareThumbStyle : public QProxyStyle {
+// instead of the long handle Qt gives a short range. The thumb carries an
+// edge in the text colour, which stands out from the groove on any palette,
+// and a bar with the keyboard focus shows the style's focus frame.
+class SliderBarStyle : public QProxyStyle {
 public:
     int pixelMetric(PixelMetric metric, const QStyleOption* option,
                     const QWidget* widget) const override
@@ -92,6 +94,29 @@ public:
             return widget->height();
         return QProxyStyle::pixelMetric(metric, option, widget);
     }
+
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                            QPainter* painter, const QWidget* widget) const override
+    {
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+        const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+        if (control != CC_ScrollBar || bar == nullptr)
+            return;
+        const QRect thumb = subControlRect(control, bar, SC_ScrollBarSlider, widget);
+        if (!thumb.isEmpty()) {
+            painter->save();
+            painter->setPen(option->palette.color(QPalette::WindowText));
+            painter->setBrush(Qt::NoBrush);
+            painter->drawRect(thumb.adjusted(0, 0, -1, -1));
+            painter->restore();
+        }
+        if (option->state & State_HasFocus) {
+            QStyleOptionFocusRect focus;
+            focus.QStyleOption::operator=(*option);
+            focus.rect = option->rect;
+            drawPrimitive(PE_FrameFocusRect, &focus, painter, widget);
+        }
+    }
 };
 
 QStyle* SliderStyle()
@@ -99,7 +124,7 @@ QStyle* SliderStyle()
     // One style for every bar, owned by the application.
     static QPointer<QStyle> style;
     if (style.isNull()) {
-        style = new SquareThumbStyle;
+        style = new SliderBarStyle;
         style->setParent(QCoreApplication::instance());
     }
     return style;
@@ -113,11 +138,15 @@ QString Text(const ControlTemplate& c)
 QWidget* MakeBitmap(QWidget* parent, const ControlTemplate& c)
 {
     auto* label = new QLabel(parent);
-    const QPixmap picture(QStringLiteral(":/bitmaps/%1.png").arg(c.extra));
-    if (!picture.isNull()) {
-        label->setPixmap(picture);
-        label->setFixedSize(picture.size());
-    }
+    // Through QIcon, which also finds the "@2x" picture beside the plain
+    // one, so a high-density screen gets a sharp bitmap.
+    const QIcon icon(QStringLiteral(":/bitmaps/%1.png").arg(c.extra));
+    const QList<QSize> sizes = icon.availableSizes();
+    if (sizes.isEmpty())
+        return label;
+    const QPixmap picture = icon.pixmap(sizes.front(), parent->devicePixelRatioF());
+    label->setPixmap(picture);
+    label->setFixedSize(sizes.front());
     return label;
 }
 
@@ -161,16 +190,13 @@ QWidget* MakeControl(QWidget* parent, const ControlTemplate& c)
         // the right arrow moves right, as on Windows.
         bar->setInvertedControls(false);
         bar->setStyle(SliderStyle());
+        // Qt's scroll bars take no focus; these are the dialogs' sliders and
+        // Tab must reach them.
+        bar->setFocusPolicy(Qt::StrongFocus);
         return bar;
     }
-    case ControlKind::NumberEdit: {
-        auto* edit = new QLineEdit(parent);
-        edit->setValidator(new QRegularExpressionValidator(
-            QRegularExpression(QStringLiteral("[0-9]*")), edit));
-        return edit;
-    }
-    case ControlKind::SpinButton:
-        return new CSpinButton(parent);
+    case ControlKind::SpinBox:
+        return new QSpinBox(parent);
     }
     return nullptr;
 }
@@ -184,25 +210,15 @@ void PlaceControl(QWidget* widget, const ControlTemplate& c, const DialogBaseUni
         widget->setGeometry(r);
 }
 
-// Spin buttons find their buddies once every control exists.
-void AttachBuddies(QDialog& dialog, const DialogTemplate& t)
-{
-    for (const ControlTemplate& c : t.controls) {
-        if (c.kind != ControlKind::SpinButton)
-            continue;
-        auto* spin = DlgItem<CSpinButton>(&dialog, c.id);
-        if (spin != nullptr)
-            spin->SetBuddy(DlgItem<QLineEdit>(&dialog, c.extra));
-    }
-}
-
 } // namespace
 
-DialogBaseUnits BuildDialog(QDialog& dialog, const DialogTemplate& t)
+DialogControls BuildDialog(QDialog& dialog, const DialogTemplate& t)
 {
     TameriskRegisterResources();
     const QFont font = DialogFont(t.fontFace, t.pointSize);
-    const DialogBaseUnits units = DialogBaseUnits::FromFont(font);
+    DialogControls built;
+    built.units = DialogBaseUnits::FromFont(font);
+    const DialogBaseUnits& units = built.units;
 
     dialog.setObjectName(QString::number(t.id));
     dialog.setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint
@@ -215,16 +231,17 @@ DialogBaseUnits BuildDialog(QDialog& dialog, const DialogTemplate& t)
         QWidget* widget = MakeControl(&dialog, c);
         if (widget == nullptr)
             continue;
-        if (c.id != kNoId)
+        if (c.id != kNoId) {
             widget->setObjectName(QString::number(c.id));
+            built.Add(c.id, widget);
+        }
         PlaceControl(widget, c, units);
         if (c.style & kStyleDisabled)
             widget->setEnabled(false);
         if (c.style & kStyleHidden)
             widget->setVisible(false);
     }
-    AttachBuddies(dialog, t);
-    return units;
+    return built;
 }
 
 QWidget* GetDlgItem(const QWidget* dialog, int id)
@@ -232,12 +249,6 @@ QWidget* GetDlgItem(const QWidget* dialog, int id)
     if (dialog == nullptr)
         return nullptr;
     return dialog->findChild<QWidget*>(QString::number(id), Qt::FindDirectChildrenOnly);
-}
-
-void EnableDlgItem(const QWidget* dialog, int id, bool enable)
-{
-    if (QWidget* item = GetDlgItem(dialog, id))
-        item->setEnabled(enable);
 }
 
 void SetButtonChecked(QWidget* button, bool checked)
@@ -252,17 +263,6 @@ void SetButtonChecked(QWidget* button, bool checked)
     b->setChecked(checked);
     if (!checked && exclusive)
         b->setAutoExclusive(true);
-}
-
-void CheckDlgButton(const QWidget* dialog, int id, bool checked)
-{
-    SetButtonChecked(GetDlgItem(dialog, id), checked);
-}
-
-bool IsDlgButtonChecked(const QWidget* dialog, int id)
-{
-    auto* button = DlgItem<QAbstractButton>(dialog, id);
-    return button != nullptr && button->isChecked();
 }
 
 int ScrollPositionAfter(int action, int position, int thumb)
@@ -346,69 +346,4 @@ void COwnerDrawButton::paintEvent(QPaintEvent* event)
     }
     QPainter p(this);
     painter(p, rect());
-}
-
-CSpinButton::CSpinButton(QWidget* parent) : QWidget(parent)
-{
-    up = new QToolButton(this);
-    down = new QToolButton(this);
-    up->setArrowType(Qt::UpArrow);
-    down->setArrowType(Qt::DownArrow);
-    for (QToolButton* arrow : {up, down}) {
-        arrow->setAutoRepeat(true);
-        arrow->setFocusPolicy(Qt::NoFocus);
-    }
-    connect(up, &QToolButton::clicked, this, [this] { Step(+1); });
-    connect(down, &QToolButton::clicked, this, [this] { Step(-1); });
-}
-
-void CSpinButton::resizeEvent(QResizeEvent*)
-{
-    const int half = height() / 2;
-    up->setGeometry(0, 0, width(), half);
-    down->setGeometry(0, half, width(), height() - half);
-}
-
-void CSpinButton::SetBuddy(QLineEdit* edit)
-{
-    if (buddy != nullptr)
-        disconnect(buddy, nullptr, this, nullptr);
-    buddy = edit;
-    // A number typed into the buddy becomes the position, so that text that
-    // is no number leaves the last valid one.
-    if (buddy != nullptr)
-        connect(buddy, &QLineEdit::textChanged, this, [this] { position = Pos(); });
-    SetPos(position);
-}
-
-void CSpinButton::SetRange(int lo, int hi)
-{
-    minimum = lo;
-    maximum = hi < lo ? lo : hi;
-}
-
-void CSpinButton::SetPos(int pos)
-{
-    position = pos < minimum ? minimum : (pos > maximum ? maximum : pos);
-    if (buddy != nullptr)
-        buddy->setText(QString::number(position));
-}
-
-int CSpinButton::Pos() const
-{
-    if (buddy == nullptr)
-        return position;
-    bool ok = false;
-    const int typed = buddy->text().toInt(&ok);
-    if (!ok)
-        return position;
-    return typed < minimum ? minimum : (typed > maximum ? maximum : typed);
-}
-
-void CSpinButton::Step(int delta)
-{
-    const int from = Pos();
-    emit deltaPos(from, delta);
-    SetPos(from + delta);
-    emit positionChanged(position);
 }

@@ -12,7 +12,8 @@
 //     width and height, the way Windows converts them (DialogBaseUnits);
 //   * controls keep the template's order as their stacking order, so a group
 //     box listed first lies under the controls it frames.
-// A dialog class then finds its controls by id with GetDlgItem / DlgItem<T>.
+// BuildDialog hands back the controls it made; a dialog class resolves its
+// typed members from them once, right after building (DialogControls::Get).
 //
 // Conventions for dialog classes
 // ------------------------------
@@ -23,7 +24,9 @@
 //     connections reads like the dialog's message map.
 //   * Horizontal scroll bars go through ConnectHScroll, which applies the
 //     shared stepping rule (line +-1, page +-2, drag to the thumb) and hands
-//     the new position to the handler.
+//     the new position to the handler. They take the keyboard focus like any
+//     other control, so Tab reaches them in template order.
+//   * A number edit with a spin button is one QSpinBox.
 //   * Owner-drawn buttons are COwnerDrawButton; static frames are FZCanvas
 //     widgets that show what was last drawn into them.
 #ifndef TAMERISK_DIALOGS_DIALOG_TEMPLATE_H
@@ -37,11 +40,12 @@
 #include <QRect>
 #include <QWidget>
 
+#include <utility>
+#include <vector>
+
 class QDialog;
-class QLineEdit;
 class QPainter;
 class QScrollBar;
-class QToolButton;
 
 // What a template line creates.
 enum class ControlKind {
@@ -55,8 +59,7 @@ enum class ControlKind {
     StaticBitmap,       // QLabel with the bitmap of `extra`, sized to it
     StaticFrame,        // FZCanvas
     HScrollBar,         // QScrollBar, horizontal
-    NumberEdit,         // QLineEdit accepting digits only
-    SpinButton,         // CSpinButton; `extra` is the id of its buddy edit
+    SpinBox,            // QSpinBox: a number edit with its spin button
 };
 
 // Style flags of a control.
@@ -76,7 +79,7 @@ struct ControlTemplate {
     const char* text;    // UTF-8; nullptr for none
     int x, y, w, h;      // dialog units; a bitmap sizes itself to its picture
     unsigned style = kStyleNone;
-    int extra = 0;       // StaticBitmap: bitmap id; SpinButton: buddy id
+    int extra = 0;       // StaticBitmap: bitmap id
 };
 
 struct DialogTemplate {
@@ -113,12 +116,39 @@ struct DialogBaseUnits {
     QRect ToPixels(int x, int y, int w, int h) const { return QRect(X(x), Y(y), X(w), Y(h)); }
 };
 
+// What BuildDialog made: the base units and every control with an id.
+class DialogControls {
+public:
+    DialogBaseUnits units;
+
+    void Add(int id, QWidget* widget) { controls.emplace_back(id, widget); }
+    // The control `id` as a T. The tables are fixed in code, so a dialog
+    // asking for a control its table lacks is a programming error.
+    template <typename T>
+    T* Get(int id) const
+    {
+        for (const auto& [controlId, widget] : controls) {
+            if (controlId == id) {
+                T* typed = qobject_cast<T*>(widget);
+                Q_ASSERT(typed != nullptr);
+                return typed;
+            }
+        }
+        Q_ASSERT_X(false, "DialogControls::Get", "no control with this id");
+        return nullptr;
+    }
+
+private:
+    std::vector<std::pair<int, QWidget*>> controls;
+};
+
 // Builds the template's controls into `dialog` (which must have none yet),
-// sets its font, caption, objectName and fixed client size, and returns the
-// base units used. Window flags: title, system menu and close box only.
-DialogBaseUnits BuildDialog(QDialog& dialog, const DialogTemplate& t);
+// sets its font, caption, objectName and fixed client size. Window flags:
+// title, system menu and close box only.
+DialogControls BuildDialog(QDialog& dialog, const DialogTemplate& t);
 
 // The direct child of `dialog` whose objectName is `id`; nullptr if none.
+// For code outside the dialog (a host, a test) that knows only the ids.
 QWidget* GetDlgItem(const QWidget* dialog, int id);
 
 template <typename T>
@@ -126,12 +156,6 @@ T* DlgItem(const QWidget* dialog, int id)
 {
     return qobject_cast<T*>(GetDlgItem(dialog, id));
 }
-
-// The small window operations the dialogs use; a missing control is ignored
-// (false for the queries).
-void EnableDlgItem(const QWidget* dialog, int id, bool enable);
-void CheckDlgButton(const QWidget* dialog, int id, bool checked);
-bool IsDlgButtonChecked(const QWidget* dialog, int id);
 
 // Sets a button's check state; an exclusive radio button can be cleared too.
 void SetButtonChecked(QWidget* button, bool checked);
@@ -181,45 +205,6 @@ protected:
 
 private:
     QString title;
-};
-
-// An up-down control attached to a buddy edit. The position shows as the
-// buddy's text; the arrows step it by one within the range.
-class CSpinButton : public QWidget {
-    Q_OBJECT
-
-public:
-    explicit CSpinButton(QWidget* parent = nullptr);
-
-    void SetBuddy(QLineEdit* edit);
-    QLineEdit* Buddy() const { return buddy; }
-    void SetRange(int lo, int hi);
-    int Minimum() const { return minimum; }
-    int Maximum() const { return maximum; }
-    // Sets the position, held within the range, and writes it to the buddy.
-    void SetPos(int pos);
-    // The buddy's number held within the range, or the last valid position
-    // (set, stepped or typed) when the buddy's text is no number.
-    int Pos() const;
-    // One arrow press: +1 (up) or -1 (down).
-    void Step(int delta);
-
-signals:
-    // Sent before the position moves (pos is still the old one).
-    void deltaPos(int pos, int delta);
-    // Sent after it moved.
-    void positionChanged(int pos);
-
-protected:
-    void resizeEvent(QResizeEvent* event) override;
-
-private:
-    QLineEdit* buddy = nullptr;
-    QToolButton* up = nullptr;
-    QToolButton* down = nullptr;
-    int minimum = 0;
-    int maximum = 100;
-    int position = 0;
 };
 
 #endif

@@ -2,274 +2,200 @@
 
 #include <array>
 
-#include <QLineEdit>
 #include <QMouseEvent>
 #include <QRadioButton>
 #include <QScrollBar>
+#include <QSpinBox>
 
 #include "dialogs/anisotropy_diagram.h"
-#include "dialogs/dialog_template.h"
 #include "dialogs/templates.h"
 #include "engine/display/canvas.h"
 #include "engine/fz_math.h"
 
 namespace {
 
-enum : int {
-    kIdConcentric = 4019,
-    kIdWavyConcentric = 4021,
-    kIdSpiral = 4022,
-    kIdStraight = 4032,
-    kIdWave = 4033,
-    kIdWaveCountLabel = 4025,
-    kIdWaveCountEdit = 1027,
-    kIdWaveCountSpin = 1028,
-    kIdAmplitudeLabel = 4026,
-    kIdAmplitude = 4024,
-    kIdTwistLabel = 4028,
-    kIdTwist = 4027,
-    kIdDepth = 4031,
-    kIdDiagram = 4038,
-    kIdPreviousShape = 4030,
-    kIdNextShape = 4029,
-    kIdStraightAngleLabel = 4036,
-    kIdStraightAngle = 4035,
-    kIdWaveAmplitudeLabel = 4039,
-    kIdWaveAmplitude = 4034,
-    kIdWaveAngleLabel = 4040,
-    kIdWaveAngle = 4037,
-    kIdGrooveWidthEdit = 1029,
-    kIdGrooveWidthSpin = 1030,
-};
+namespace id = anisotropic_id;
 
-struct TypeButton {
-    int id;
-    int type;
-};
+// The type buttons in the order of their types 1 to 5: when several were
+// checked, the later one would win.
+constexpr std::array<int, 5> kTypeButtons{id::kConcentric, id::kWavyConcentric, id::kSpiral,
+                                          id::kStraight, id::kWave};
 
-// In this order: when several were checked, the later one would win.
-constexpr std::array<TypeButton, 5> kTypeButtons{{
-    {kIdConcentric, 1},
-    {kIdWavyConcentric, 2},
-    {kIdSpiral, 3},
-    {kIdStraight, 4},
-    {kIdWave, 5},
-}};
-
-struct Range {
-    int id;
-    int minimum;
-    int maximum;
-};
-
-// Set up in this order by the initialisation; spins have a range from 1.
-constexpr std::array<Range, 8> kRanges{{
-    {kIdDepth, 0, 20},
-    {kIdGrooveWidthSpin, 1, 10},
-    {kIdAmplitude, 0, 20},
-    {kIdTwist, 0, 32},
-    {kIdWaveCountSpin, 1, 36},
-    {kIdStraightAngle, 0, 60},
-    {kIdWaveAmplitude, 0, 20},
-    {kIdWaveAngle, 0, 60},
-}};
-
-constexpr int kScrollBars[] = {kIdDepth,         kIdAmplitude,     kIdTwist,
-                               kIdStraightAngle, kIdWaveAmplitude, kIdWaveAngle};
-
-// The controls of each type's parameters; depth and groove width serve all.
-constexpr int kControlsOfType2[] = {kIdWaveCountLabel, kIdWaveCountEdit, kIdWaveCountSpin,
-                                    kIdAmplitudeLabel, kIdAmplitude};
-constexpr int kControlsOfType3[] = {kIdTwistLabel, kIdTwist};
-constexpr int kControlsOfType4[] = {kIdStraightAngleLabel, kIdStraightAngle};
-constexpr int kControlsOfType5[] = {kIdWaveAmplitudeLabel, kIdWaveAmplitude,
-                                    kIdWaveAngleLabel, kIdWaveAngle};
+// The controls of each type's parameters (types 2 to 5); depth and groove
+// width serve all.
+constexpr int kControlsOfType2[] = {id::kWaveCountLabel, id::kWaveCount, id::kAmplitudeLabel,
+                                    id::kAmplitude};
+constexpr int kControlsOfType3[] = {id::kTwistLabel, id::kTwist};
+constexpr int kControlsOfType4[] = {id::kStraightAngleLabel, id::kStraightAngle};
+constexpr int kControlsOfType5[] = {id::kWaveAmplitudeLabel, id::kWaveAmplitude,
+                                    id::kWaveAngleLabel, id::kWaveAngle};
 
 constexpr double kTwistHalfRange = 0.05;  // the spiral turns by -0.05 to +0.05
 
 // Position of a bar from a value: trunc(value), held by the bar in its range.
 void SetPosition(QScrollBar* bar, double value)
 {
-    if (bar != nullptr)
-        bar->setValue(FZTruncate(value));
+    bar->setValue(FZTruncate(value));
 }
 
 double Maximum(const QScrollBar* bar)
 {
-    return bar == nullptr ? 0.0 : static_cast<double>(bar->maximum());
+    return static_cast<double>(bar->maximum());
+}
+
+// The bar's position over its maximum.
+double Fraction(const QScrollBar* bar)
+{
+    return bar->value() / Maximum(bar);
+}
+
+template <std::size_t N>
+std::vector<QWidget*> Resolve(const DialogControls& built, const int (&ids)[N])
+{
+    std::vector<QWidget*> widgets;
+    for (int control : ids)
+        widgets.push_back(built.Get<QWidget>(control));
+    return widgets;
 }
 
 } // namespace
 
 CDlgAnisotropic::CDlgAnisotropic(QWidget* parent)
-    : CParameterDialog(AnisotropicDialogTemplate(), kIdPreviousShape, kIdNextShape, parent)
+    : CParameterDialog(AnisotropicDialogTemplate(), id::kPreviousShape, id::kNextShape, parent),
+      depth(controls.Get<QScrollBar>(id::kDepth)),
+      amplitude(controls.Get<QScrollBar>(id::kAmplitude)),
+      twist(controls.Get<QScrollBar>(id::kTwist)),
+      straightAngle(controls.Get<QScrollBar>(id::kStraightAngle)),
+      waveAmplitude(controls.Get<QScrollBar>(id::kWaveAmplitude)),
+      waveAngle(controls.Get<QScrollBar>(id::kWaveAngle)),
+      waveCount(controls.Get<QSpinBox>(id::kWaveCount)),
+      grooveWidth(controls.Get<QSpinBox>(id::kGrooveWidth)),
+      diagram(controls.Get<FZCanvas>(id::kDiagram)),
+      typeControls{Resolve(controls, kControlsOfType2), Resolve(controls, kControlsOfType3),
+                   Resolve(controls, kControlsOfType4), Resolve(controls, kControlsOfType5)}
 {
+    for (std::size_t i = 0; i < kTypeButtons.size(); ++i)
+        typeButtons[i] = controls.Get<QRadioButton>(kTypeButtons[i]);
+    depth->setRange(0, 20);
+    grooveWidth->setRange(1, 10);
+    amplitude->setRange(0, 20);
+    twist->setRange(0, 32);
+    waveCount->setRange(1, 36);
+    straightAngle->setRange(0, 60);
+    waveAmplitude->setRange(0, 20);
+    waveAngle->setRange(0, 60);
     // The diagram only shows; presses, moves and releases over it belong to
     // the dialog, which places the centre. Moves come without a button too:
     // a drag whose release happened outside the dialog goes on.
-    if (QWidget* diagram = GetDlgItem(this, kIdDiagram))
-        diagram->setAttribute(Qt::WA_TransparentForMouseEvents);
+    diagram->setAttribute(Qt::WA_TransparentForMouseEvents);
     setMouseTracking(true);
     ConnectHandlers();
 }
 
 void CDlgAnisotropic::ConnectHandlers()
 {
-    for (const TypeButton& button : kTypeButtons) {
-        if (auto* radio = DlgItem<QRadioButton>(this, button.id))
-            connect(radio, &QRadioButton::clicked, this, &CDlgAnisotropic::OnRadioType);
-    }
-    for (int id : kScrollBars)
-        ConnectHScroll(DlgItem<QScrollBar>(this, id), [this](QScrollBar*, int) { OnHScroll(); });
-    for (int id : {kIdWaveCountEdit, kIdGrooveWidthEdit}) {
-        if (auto* edit = DlgItem<QLineEdit>(this, id))
-            connect(edit, &QLineEdit::textChanged, this, &CDlgAnisotropic::OnEditChange);
-    }
+    for (QRadioButton* radio : typeButtons)
+        connect(radio, &QRadioButton::clicked, this, &CDlgAnisotropic::OnRadioType);
+    for (QScrollBar* bar : {depth, amplitude, twist, straightAngle, waveAmplitude, waveAngle})
+        ConnectHScroll(bar, [this](QScrollBar*, int) { OnHScroll(); });
+    for (QSpinBox* spin : {waveCount, grooveWidth})
+        connect(spin, &QSpinBox::valueChanged, this, &CDlgAnisotropic::OnEditChange);
 }
 
 void CDlgAnisotropic::OnInitDialog()
 {
     ready = false;
-    for (const Range& range : kRanges) {
-        if (auto* bar = DlgItem<QScrollBar>(this, range.id))
-            bar->setRange(range.minimum, range.maximum);
-        else if (auto* spin = DlgItem<CSpinButton>(this, range.id))
-            spin->SetRange(range.minimum, range.maximum);
-    }
-    // The spins write their positions into the edits here; those text
-    // changes arrive while ready is still false and draw nothing.
+    // The spin boxes change value here; those changes arrive while ready is
+    // still false and draw nothing.
     SetControls();
     SetUpPreview();
     ready = true;
+    Refresh();
 }
 
 void CDlgAnisotropic::SetControls()
 {
     const FZAnisotropy& a = record.anisotropy;
-    for (const TypeButton& button : kTypeButtons)
-        CheckDlgButton(this, button.id, false);
-    for (const TypeButton& button : kTypeButtons) {
-        if (button.type == a.type)
-            CheckDlgButton(this, button.id, true);
+    for (QRadioButton* radio : typeButtons)
+        SetButtonChecked(radio, false);
+    for (std::size_t i = 0; i < typeButtons.size(); ++i) {
+        if (static_cast<int>(i) + 1 == a.type)
+            SetButtonChecked(typeButtons[i], true);
     }
     EnableByType();
 
-    auto* depth = DlgItem<QScrollBar>(this, kIdDepth);
     SetPosition(depth, Maximum(depth) * a.depthVariation);
-    if (auto* width = DlgItem<CSpinButton>(this, kIdGrooveWidthSpin))
-        width->SetPos(FZTruncate(static_cast<double>(a.grooveWidth) * 2.0 + 0.01));
-
-    auto* amplitude = DlgItem<QScrollBar>(this, kIdAmplitude);
+    grooveWidth->setValue(FZTruncate(static_cast<double>(a.grooveWidth) * 2.0 + 0.01));
     SetPosition(amplitude, Maximum(amplitude) * a.amplitude * 4.0);
-    if (auto* waves = DlgItem<CSpinButton>(this, kIdWaveCountSpin))
-        waves->SetPos(a.waveCount);
-
-    auto* twist = DlgItem<QScrollBar>(this, kIdTwist);
+    waveCount->setValue(a.waveCount);
     SetPosition(twist, Maximum(twist) * (a.spiralTwist + kTwistHalfRange) / 0.1);
-
-    auto* straightAngle = DlgItem<QScrollBar>(this, kIdStraightAngle);
     SetPosition(straightAngle, Maximum(straightAngle) * a.angle / 180.0);
-
-    auto* waveAmplitude = DlgItem<QScrollBar>(this, kIdWaveAmplitude);
     SetPosition(waveAmplitude, Maximum(waveAmplitude) * a.amplitude * 4.0);
-    auto* waveAngle = DlgItem<QScrollBar>(this, kIdWaveAngle);
     SetPosition(waveAngle, Maximum(waveAngle) * a.angle / 180.0);
 }
 
-bool CDlgAnisotropic::ReadControls()
+void CDlgAnisotropic::ReadControls()
 {
     FZAnisotropy& a = record.anisotropy;
     a.type = -1;
-    for (const TypeButton& button : kTypeButtons) {
-        if (IsDlgButtonChecked(this, button.id))
-            a.type = button.type;
+    for (std::size_t i = 0; i < typeButtons.size(); ++i) {
+        if (typeButtons[i]->isChecked())
+            a.type = static_cast<int>(i) + 1;
     }
-
-    const auto* depth = DlgItem<QScrollBar>(this, kIdDepth);
-    if (depth == nullptr)
-        return false;
-    a.depthVariation = static_cast<float>(depth->value() / Maximum(depth));
-
-    const auto* width = DlgItem<CSpinButton>(this, kIdGrooveWidthSpin);
-    if (width == nullptr)
-        return false;
-    a.grooveWidth = static_cast<float>(width->Pos() * 0.5);
+    a.depthVariation = static_cast<float>(Fraction(depth));
+    a.grooveWidth = static_cast<float>(grooveWidth->value() * 0.5);
 
     switch (a.type) {
-    case 2: {
-        const auto* waves = DlgItem<CSpinButton>(this, kIdWaveCountSpin);
-        const auto* amplitude = DlgItem<QScrollBar>(this, kIdAmplitude);
-        if (waves == nullptr || amplitude == nullptr)
-            return false;
-        a.waveCount = FZMax(waves->Pos(), 1);
-        a.amplitude = static_cast<float>(amplitude->value() / Maximum(amplitude) / 4.0);
+    case 2:
+        a.waveCount = FZMax(waveCount->value(), 1);
+        a.amplitude = static_cast<float>(Fraction(amplitude) / 4.0);
         break;
-    }
-    case 3: {
-        const auto* twist = DlgItem<QScrollBar>(this, kIdTwist);
-        if (twist == nullptr)
-            return false;
+    case 3:
         a.spiralTwist = static_cast<float>(2.0 * twist->value() * kTwistHalfRange / Maximum(twist)
                                            - kTwistHalfRange);
         break;
-    }
-    case 4: {
-        const auto* angle = DlgItem<QScrollBar>(this, kIdStraightAngle);
-        if (angle == nullptr)
-            return false;
-        a.angle = static_cast<float>(angle->value() / Maximum(angle) * 180.0);
+    case 4:
+        a.angle = static_cast<float>(Fraction(straightAngle) * 180.0);
         break;
-    }
-    case 5: {
-        const auto* amplitude = DlgItem<QScrollBar>(this, kIdWaveAmplitude);
-        const auto* angle = DlgItem<QScrollBar>(this, kIdWaveAngle);
-        if (amplitude == nullptr || angle == nullptr)
-            return false;
-        a.amplitude = static_cast<float>(amplitude->value() / Maximum(amplitude) / 4.0);
-        a.angle = static_cast<float>(angle->value() / Maximum(angle) * 180.0);
+    case 5:
+        a.amplitude = static_cast<float>(Fraction(waveAmplitude) / 4.0);
+        a.angle = static_cast<float>(Fraction(waveAngle) * 180.0);
         break;
-    }
     default:
         break;
     }
-    return true;
 }
 
 void CDlgAnisotropic::EnableByType()
 {
-    auto enable = [this](const auto& ids, bool on) {
-        for (int id : ids)
-            EnableDlgItem(this, id, on);
-    };
-    enable(kControlsOfType2, record.anisotropy.type == 2);
-    enable(kControlsOfType3, record.anisotropy.type == 3);
-    enable(kControlsOfType4, record.anisotropy.type == 4);
-    enable(kControlsOfType5, record.anisotropy.type == 5);
+    for (std::size_t i = 0; i < typeControls.size(); ++i) {
+        const bool on = record.anisotropy.type == static_cast<int>(i) + 2;
+        for (QWidget* control : typeControls[i])
+            control->setEnabled(on);
+    }
 }
 
 void CDlgAnisotropic::Refresh()
 {
     if (!ready)
         return;
+    ReadControls();
     DrawPattern();
     CParameterDialog::Refresh();
 }
 
 void CDlgAnisotropic::DrawPattern()
 {
-    auto* diagram = DlgItem<FZCanvas>(this, kIdDiagram);
-    if (diagram == nullptr || !ReadControls())
-        return;
-    const QImage picture = DrawAnisotropyPattern(record.anisotropy, diagram->width(),
-                                                 diagram->height());
+    // Drawn at the screen's pixel density, so the lines stay sharp.
+    const qreal ratio = diagram->devicePixelRatioF();
+    const QImage picture = DrawAnisotropyPattern(record.anisotropy,
+                                                 qRound(diagram->width() * ratio),
+                                                 qRound(diagram->height() * ratio));
     diagram->Blit(picture, picture.rect(), QPoint(0, 0));
 }
 
 std::optional<QPoint> CDlgAnisotropic::HitDiagram(const QPoint& point) const
 {
-    const QWidget* diagram = GetDlgItem(this, kIdDiagram);
-    if (diagram == nullptr)
-        return std::nullopt;
     const QPoint local = mapToGlobal(point) - diagram->mapToGlobal(QPoint(0, 0));
     if (local.x() < 0 || local.x() > diagram->width() || local.y() < 0
         || local.y() > diagram->height())
@@ -279,9 +205,8 @@ std::optional<QPoint> CDlgAnisotropic::HitDiagram(const QPoint& point) const
 
 void CDlgAnisotropic::SetCenterFromPoint(const QPoint& diagramPoint)
 {
-    const QWidget* diagram = GetDlgItem(this, kIdDiagram);
     // A diagram without area has no place to put the centre.
-    if (diagram == nullptr || diagram->width() < 1 || diagram->height() < 1)
+    if (diagram->width() < 1 || diagram->height() < 1)
         return;
     float* center = record.anisotropy.center;
     center[0] = static_cast<float>(static_cast<double>(diagramPoint.x()) / diagram->width());

@@ -6,15 +6,20 @@
 //
 // The controls are the truth while the dialog runs: every refresh reads them
 // back into the record (ReadControls), so a record value between two steps
-// of its control becomes the step below it at the first paint.
+// of its control becomes the step below it when the dialog opens.
 #ifndef TAMERISK_DIALOGS_DLG_ANISOTROPIC_H
 #define TAMERISK_DIALOGS_DLG_ANISOTROPIC_H
 
+#include <array>
 #include <optional>
+#include <vector>
 
 #include <QPoint>
 
 #include "dialogs/dlg_parameter.h"
+
+class QRadioButton;
+class QSpinBox;
 
 class CDlgAnisotropic : public CParameterDialog {
     Q_OBJECT
@@ -24,8 +29,8 @@ public:
 
 protected:
     void OnInitDialog() override;
-    // Draws the diagram (reading the controls first), then the preview.
-    // Nothing happens before the initialisation has finished.
+    // Reads the controls, then draws the diagram and the preview. Nothing
+    // happens before the initialisation has finished.
     void Refresh() override;
 
     void mousePressEvent(QMouseEvent* event) override;
@@ -35,9 +40,8 @@ protected:
 private:
     void ConnectHandlers();
     void SetControls();
-    // Controls to record; false as soon as a control it needs is missing
-    // (what was read until then stays in the record).
-    bool ReadControls();
+    // Controls to record: the type, and the parameters of that type.
+    void ReadControls();
     void EnableByType();
     void DrawPattern();
     // The point (dialog coordinates) relative to the diagram, when it lies
@@ -51,6 +55,18 @@ private:
     void OnLButtonDown(const QPoint& point);
     void OnMouseMove(const QPoint& point);
     void OnLButtonUp(const QPoint& point);
+
+    std::array<QRadioButton*, 5> typeButtons{};  // types 1 to 5
+    QScrollBar* depth;
+    QScrollBar* amplitude;
+    QScrollBar* twist;
+    QScrollBar* straightAngle;
+    QScrollBar* waveAmplitude;
+    QScrollBar* waveAngle;
+    QSpinBox* waveCount;
+    QSpinBox* grooveWidth;
+    FZCanvas* diagram;
+    std::array<std::vector<QWidget*>, 4> typeControls;  // of types 2 to 5
 
     bool dragging = false;
     bool ready = false;

@@ -10,12 +10,11 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
-#include <QKeyEvent>
 #include <QMenu>
 #include <QMessageBox>
-#include <QPaintEvent>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QShortcut>
 
 #include <tamerisk/fz_truncate.h>
 
@@ -24,6 +23,7 @@
 #include "dialogs/dlg_attribute_parameters.h"
 #include "dialogs/random_color.h"
 #include "dialogs/templates.h"
+#include "engine/display/canvas.h"
 #include "host/settings.h"
 #include "material/attribute_file.h"
 #include "material/result_codes.h"
@@ -31,12 +31,58 @@
 
 namespace {
 
-// The eleven sliders, numbered as GetAttributeFromControl numbers them.
-constexpr std::array<int, 11> kSliders = {
-    kIdRed, kIdGreen, kIdBlue, kIdAmbient, kIdDiffuse, kIdHighlightStrength,
-    kIdSpread, kIdTransparency, kIdRefractiveIndex, kIdEmission, kIdReflection,
-};
 constexpr int kSliderMax = 64;
+
+std::uint8_t ColorByte(float v)
+{
+    return static_cast<std::uint8_t>(FZTruncateClamped(static_cast<double>(v) * 255.0, 0, 255));
+}
+
+// The slider position that shows a record value v in 0..1.
+int Position(float v)
+{
+    return FZTruncate(static_cast<double>(v) * kSliderMax);
+}
+
+// One slider: which control, where it stands for a record, and what a
+// position in 0..1 (the position over 64) writes into the record.
+struct SliderField {
+    int id;
+    int (*position)(const FZAttributeEx&);
+    void (*store)(FZAttributeEx&, float);
+};
+
+constexpr SliderField kSliders[] = {
+    {kIdRed, [](const FZAttributeEx& a) { return a.color.r * kSliderMax / 255; },
+     [](FZAttributeEx& a, float v) { a.color.r = ColorByte(v); }},
+    {kIdGreen, [](const FZAttributeEx& a) { return a.color.g * kSliderMax / 255; },
+     [](FZAttributeEx& a, float v) { a.color.g = ColorByte(v); }},
+    {kIdBlue, [](const FZAttributeEx& a) { return a.color.b * kSliderMax / 255; },
+     [](FZAttributeEx& a, float v) { a.color.b = ColorByte(v); }},
+    {kIdAmbient, [](const FZAttributeEx& a) { return Position(a.ambient); },
+     [](FZAttributeEx& a, float v) { a.ambient = v; }},
+    {kIdDiffuse, [](const FZAttributeEx& a) { return Position(a.diffuse); },
+     [](FZAttributeEx& a, float v) { a.diffuse = v; }},
+    {kIdHighlightStrength, [](const FZAttributeEx& a) { return Position(a.highlightStrength); },
+     [](FZAttributeEx& a, float v) { a.highlightStrength = v; }},
+    {kIdSpread,
+     [](const FZAttributeEx& a) {
+         return FZTruncate((1.0 - static_cast<double>(a.highlightSharpness)) * kSliderMax);
+     },
+     [](FZAttributeEx& a, float v) { a.highlightSharpness = static_cast<float>(1.0 - v); }},
+    {kIdTransparency, [](const FZAttributeEx& a) { return Position(a.transparency); },
+     [](FZAttributeEx& a, float v) { a.transparency = v; }},
+    {kIdRefractiveIndex,
+     [](const FZAttributeEx& a) {
+         return FZTruncate(static_cast<double>(a.refractiveIndex) * kSliderMax / 2.0);
+     },
+     [](FZAttributeEx& a, float v) { a.refractiveIndex = static_cast<float>(2.0 * v); }},
+    {kIdEmission, [](const FZAttributeEx& a) { return Position(a.emission); },
+     [](FZAttributeEx& a, float v) { a.emission = v; }},
+    {kIdReflection, [](const FZAttributeEx& a) { return Position(a.reflection); },
+     [](FZAttributeEx& a, float v) { a.reflection = v; }},
+};
+constexpr std::size_t kSliderCount = std::size(kSliders);
 
 // What colour bind disables: the colour sliders, their labels and bitmaps,
 // the surface swatch and the random colour buttons.
@@ -51,35 +97,6 @@ const char* const kSwatchLabel = "色選択";
 constexpr int kSwatchFontHeight = 11;
 constexpr int kHighlightSwatchFontHeight = 9;
 
-// The slider position that shows a record value v in 0..1.
-int Position(float v)
-{
-    return FZTruncate(static_cast<double>(v) * kSliderMax);
-}
-
-int SliderPosition(const FZAttributeEx& a, int control)
-{
-    switch (control) {
-    case 0: return a.color.r * kSliderMax / 255;
-    case 1: return a.color.g * kSliderMax / 255;
-    case 2: return a.color.b * kSliderMax / 255;
-    case 3: return Position(a.ambient);
-    case 4: return Position(a.diffuse);
-    case 5: return Position(a.highlightStrength);
-    case 6: return FZTruncate((1.0 - static_cast<double>(a.highlightSharpness)) * kSliderMax);
-    case 7: return Position(a.transparency);
-    case 8: return FZTruncate(static_cast<double>(a.refractiveIndex) * kSliderMax / 2.0);
-    case 9: return Position(a.emission);
-    case 10: return Position(a.reflection);
-    default: return 0;
-    }
-}
-
-std::uint8_t ColorByte(float v)
-{
-    return static_cast<std::uint8_t>(FZTruncateClamped(static_cast<double>(v) * 255.0, 0, 255));
-}
-
 // Paints a swatch of the colour, labelled "色選択", into the button.
 void DrawSwatch(const FZColor& color, int fontHeight, QWidget* button)
 {
@@ -90,24 +107,6 @@ void DrawSwatch(const FZColor& color, int fontHeight, QWidget* button)
     swatch.SetFontHeight(fontHeight);
     swatch.SetLabel(QString::fromUtf8(kSwatchLabel));
     swatch.Draw(button);
-}
-
-// Events that reach a dialog through the message loop: the state of the
-// controls is brought up to date on each of them.
-bool IsQueuedEvent(const QEvent* event)
-{
-    switch (event->type()) {
-    case QEvent::Paint:
-    case QEvent::Timer:
-    case QEvent::Enter:
-    case QEvent::Leave:
-    case QEvent::HoverMove:
-    case QEvent::Show:
-    case QEvent::WindowActivate:
-        return true;
-    default:
-        return event->isInputEvent();
-    }
 }
 
 // The file dialog of "開く" and "保存": material files first, starting in
@@ -126,6 +125,43 @@ QString AskFilePath(QFileDialog::AcceptMode mode)
 }
 
 } // namespace
+
+struct CDlgAttribute::Controls {
+    explicit Controls(const DialogControls& built)
+        : preview(built.Get<FZCanvas>(kIdPreview)),
+          colorSwatch(built.Get<COwnerDrawButton>(kIdColorSwatch)),
+          highlightSwatch(built.Get<COwnerDrawButton>(kIdHighlightSwatch)),
+          random(built.Get<QPushButton>(kIdRandom)),
+          randomType(built.Get<QPushButton>(kIdRandomType)),
+          anisotropicParameter(built.Get<QPushButton>(kIdAnisotropicParameter)),
+          rainbowParameter(built.Get<QPushButton>(kIdRainbowParameter)),
+          transparencyParameter(built.Get<QPushButton>(kIdTransparencyParameter)),
+          colorTransparency(built.Get<QCheckBox>(kIdColorTransparency)),
+          smooth(built.Get<QCheckBox>(kIdSmooth)),
+          anisotropic(built.Get<QCheckBox>(kIdAnisotropic)),
+          rainbow(built.Get<QCheckBox>(kIdRainbow))
+    {
+        for (std::size_t i = 0; i < kSliderCount; ++i)
+            sliders[i] = built.Get<QScrollBar>(kSliders[i].id);
+        for (int id : kColorControls)
+            colorControls.push_back(built.Get<QWidget>(id));
+    }
+
+    std::array<QScrollBar*, kSliderCount> sliders{};  // in the order of kSliders
+    FZCanvas* preview;
+    COwnerDrawButton* colorSwatch;
+    COwnerDrawButton* highlightSwatch;
+    QPushButton* random;
+    QPushButton* randomType;
+    QPushButton* anisotropicParameter;
+    QPushButton* rainbowParameter;
+    QPushButton* transparencyParameter;
+    QCheckBox* colorTransparency;
+    QCheckBox* smooth;
+    QCheckBox* anisotropic;
+    QCheckBox* rainbow;
+    std::vector<QWidget*> colorControls;
+};
 
 CDlgAttribute::CDlgAttribute(QWidget* parent)
     : QDialog(parent), preview(std::make_unique<CPreviewPanel>())
@@ -149,8 +185,9 @@ bool CDlgAttribute::Create()
 {
     if (created)
         return false;
-    BuildDialog(*this, AttributeDialogTemplate());
-    ConnectHandlers();
+    const DialogControls built = BuildDialog(*this, AttributeDialogTemplate());
+    controls = std::make_unique<Controls>(built);
+    ConnectHandlers(built);
     created = true;
     return OnInitDialog();
 }
@@ -168,6 +205,8 @@ void CDlgAttribute::GetAttribute(FZAttributeEx& a) const
 void CDlgAttribute::SetColorBind(int bind)
 {
     colorBind = bind;
+    if (created)
+        SetColorControlsOnOff();
 }
 
 int CDlgAttribute::GetColorBind() const
@@ -177,17 +216,18 @@ int CDlgAttribute::GetColorBind() const
 
 void CDlgAttribute::UpdatePanelView()
 {
+    if (!created)
+        return;
     UpdateControlsFromAttribute();
     SetColorControlsOnOff();
     ReDraw();
 }
 
 // The dialog's message map: every control's signal meets its handler here.
-void CDlgAttribute::ConnectHandlers()
+void CDlgAttribute::ConnectHandlers(const DialogControls& built)
 {
-    const auto onClick = [this](int id, void (CDlgAttribute::*handler)()) {
-        if (auto* button = DlgItem<QAbstractButton>(this, id))
-            connect(button, &QAbstractButton::clicked, this, handler);
+    const auto onClick = [this, &built](int id, void (CDlgAttribute::*handler)()) {
+        connect(built.Get<QAbstractButton>(id), &QAbstractButton::clicked, this, handler);
     };
     onClick(kIdUpdate, &CDlgAttribute::OnButtonUpdate);
     onClick(kIdColorSwatch, &CDlgAttribute::OnButtonColor);
@@ -206,31 +246,27 @@ void CDlgAttribute::ConnectHandlers()
     onClick(kIdShapePrevious, &CDlgAttribute::OnButtonSampleShapePrevious);
     onClick(kIdShapeNext, &CDlgAttribute::OnButtonSampleShapeNext);
 
-    for (int id : kSliders)
-        ConnectHScroll(DlgItem<QScrollBar>(this, id),
-                       [this](QScrollBar* bar, int p) { OnHScroll(bar, p); });
+    for (std::size_t i = 0; i < kSliderCount; ++i)
+        ConnectHScroll(controls->sliders[i], [this, i](QScrollBar*, int p) { OnHScroll(i, p); });
 
-    // Every event of the dialog and of its controls passes
-    // PreTranslateMessage first.
-    installEventFilter(this);
-    for (QWidget* child : findChildren<QWidget*>())
-        child->installEventFilter(this);
+    // The space bar notifies the host wherever the focus is in the window,
+    // and presses no button.
+    auto* space = new QShortcut(QKeySequence(Qt::Key_Space), this);
+    connect(space, &QShortcut::activated, this, &CDlgAttribute::OnButtonUpdate);
 }
 
 bool CDlgAttribute::OnInitDialog()
 {
-    for (int id : kSliders) {
-        if (auto* bar = DlgItem<QScrollBar>(this, id)) {
-            bar->setRange(0, kSliderMax);
-            bar->setValue(0);
-        }
+    for (QScrollBar* bar : controls->sliders) {
+        bar->setRange(0, kSliderMax);
+        bar->setValue(0);
     }
     colorBind = 0;
     UpdateControlsFromAttribute();
     MakePreviewSquare();
     // A failed set-up leaves the preview without a scene: the dialog still
     // works, the preview just stays blank, so the result is not shown.
-    preview->SetUp(GetDlgItem(this, kIdPreview));
+    preview->SetUp(controls->preview);
     sampleShape = 1;
     ReDraw();
     LoadParameter();
@@ -240,41 +276,10 @@ bool CDlgAttribute::OnInitDialog()
 
 void CDlgAttribute::MakePreviewSquare()
 {
-    QWidget* control = GetDlgItem(this, kIdPreview);
-    if (control == nullptr)
-        return;
+    QWidget* control = controls->preview;
     const QRect r = control->geometry();
     const int side = r.width() - r.width() % 2;
     control->setGeometry(r.x(), r.y(), side, side);
-}
-
-bool CDlgAttribute::eventFilter(QObject* watched, QEvent* event)
-{
-    if (PreTranslateMessage(event))
-        return true;
-    return QDialog::eventFilter(watched, event);
-}
-
-bool CDlgAttribute::PreTranslateMessage(QEvent* event)
-{
-    if (!created)
-        return false;
-    if (event->type() == QEvent::KeyPress
-        && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space) {
-        OnButtonUpdate();
-        return true;
-    }
-    if (IsQueuedEvent(event))
-        SyncEnabling();
-    return false;
-}
-
-void CDlgAttribute::SyncEnabling()
-{
-    SetColorControlsOnOff();
-    EnableDlgItem(this, kIdAnisotropicParameter, IsDlgButtonChecked(this, kIdAnisotropic));
-    EnableDlgItem(this, kIdRainbowParameter, IsDlgButtonChecked(this, kIdRainbow));
-    EnableDlgItem(this, kIdTransparencyParameter, attribute.transparency != 0.0f);
 }
 
 void CDlgAttribute::closeEvent(QCloseEvent* event)
@@ -312,26 +317,6 @@ void CDlgAttribute::OnDestroy()
     SaveParameter();
 }
 
-void CDlgAttribute::paintEvent(QPaintEvent* event)
-{
-    QDialog::paintEvent(event);
-    OnPaint(event->region());
-}
-
-void CDlgAttribute::OnPaint(const QRegion& region)
-{
-    // A control repainting itself (a button under the mouse) also repaints
-    // the dialog beneath it; only a paint of the dialog's own surface redraws
-    // the preview and the swatches.
-    QRegion own = region;
-    for (QWidget* child : findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
-        if (child->isVisible() && !child->isWindow())
-            own -= child->geometry();
-    }
-    if (!own.isEmpty())
-        ReDraw();
-}
-
 void CDlgAttribute::contextMenuEvent(QContextMenuEvent* event)
 {
     OnContextMenu(event->globalPos());
@@ -339,9 +324,7 @@ void CDlgAttribute::contextMenuEvent(QContextMenuEvent* event)
 
 void CDlgAttribute::OnContextMenu(const QPoint& globalPos)
 {
-    QWidget* random = GetDlgItem(this, kIdRandom);
-    if (random == nullptr)
-        return;
+    const QWidget* random = controls->random;
     // The button's window rectangle, its right and bottom edges included.
     const QPoint topLeft = random->mapToGlobal(QPoint(0, 0));
     if (globalPos.x() >= topLeft.x() && globalPos.x() <= topLeft.x() + random->width()
@@ -359,78 +342,73 @@ void CDlgAttribute::OnButtonUpdate()
     QCoreApplication::sendEvent(notifyWindow.data(), &notification);
 }
 
-void CDlgAttribute::OnHScroll(QScrollBar* bar, int position)
+void CDlgAttribute::OnHScroll(std::size_t slider, int position)
 {
     double v = position / static_cast<double>(kSliderMax);
     v = v < 0.0 ? 0.0 : (v > 1.0 ? 1.0 : v);
-    const QString name = bar->objectName();
-    for (int control = 0; control < static_cast<int>(kSliders.size()); ++control) {
-        if (name == QString::number(kSliders[control])) {
-            GetAttributeFromControl(control, static_cast<float>(v));
-            break;
-        }
-    }
-    ReDraw();
+    FZAttributeEx edited = attribute;
+    kSliders[slider].store(edited, static_cast<float>(v));
+    Edit(edited, ControlSync::Keep);
 }
 
-void CDlgAttribute::GetAttributeFromControl(int control, float v)
+void CDlgAttribute::Edit(const FZAttributeEx& edited, ControlSync sync)
 {
-    switch (control) {
-    case 0: attribute.color.r = ColorByte(v); break;
-    case 1: attribute.color.g = ColorByte(v); break;
-    case 2: attribute.color.b = ColorByte(v); break;
-    case 3: attribute.ambient = v; break;
-    case 4: attribute.diffuse = v; break;
-    case 5: attribute.highlightStrength = v; break;
-    case 6: attribute.highlightSharpness = static_cast<float>(1.0 - v); break;
-    case 7: attribute.transparency = v; break;
-    case 8: attribute.refractiveIndex = static_cast<float>(2.0 * v); break;
-    case 9: attribute.emission = v; break;
-    case 10: attribute.reflection = v; break;
-    default: break;
-    }
+    attribute = edited;
+    if (sync == ControlSync::FromRecord)
+        UpdateControlsFromAttribute();
+    ReDraw();
 }
 
 void CDlgAttribute::UpdateControlsFromAttribute()
 {
-    for (int control = 0; control < static_cast<int>(kSliders.size()); ++control) {
+    for (std::size_t i = 0; i < kSliderCount; ++i) {
         // The bar holds a position beyond its range at the nearer end.
-        if (auto* bar = DlgItem<QScrollBar>(this, kSliders[control]))
-            bar->setValue(SliderPosition(attribute, control));
+        controls->sliders[i]->setValue(kSliders[i].position(attribute));
     }
-    CheckDlgButton(this, kIdColorTransparency, attribute.colorTransparency != 0);
-    CheckDlgButton(this, kIdAnisotropic, attribute.anisotropic != 0);
-    CheckDlgButton(this, kIdRainbow, attribute.rainbow != 0);
-    CheckDlgButton(this, kIdSmooth, attribute.smoothHighlight != 0);
+    SetButtonChecked(controls->colorTransparency, attribute.colorTransparency != 0);
+    SetButtonChecked(controls->anisotropic, attribute.anisotropic != 0);
+    SetButtonChecked(controls->rainbow, attribute.rainbow != 0);
+    SetButtonChecked(controls->smooth, attribute.smoothHighlight != 0);
 }
 
 void CDlgAttribute::SetColorControlsOnOff()
 {
-    for (int id : kColorControls)
-        EnableDlgItem(this, id, colorBind == 0);
+    for (QWidget* control : controls->colorControls)
+        control->setEnabled(colorBind == 0);
+}
+
+void CDlgAttribute::UpdateEnabling()
+{
+    controls->anisotropicParameter->setEnabled(controls->anisotropic->isChecked());
+    controls->rainbowParameter->setEnabled(controls->rainbow->isChecked());
+    controls->transparencyParameter->setEnabled(attribute.transparency != 0.0f);
 }
 
 void CDlgAttribute::ReDraw()
 {
-    preview->BuildSampleShape(sampleShape);
     preview->ApplyMaterial(attribute, colorBind);
-    preview->Present(GetDlgItem(this, kIdPreview));
+    preview->Present(controls->preview);
     DrawColorPallete();
     DrawHighlightColorPallete();
-    // The enabling follows every change at once rather than at the next
-    // event.
-    SyncEnabling();
+    UpdateEnabling();
+}
+
+void CDlgAttribute::ShowSampleShape(int shape)
+{
+    sampleShape = shape;
+    // The sample layer keeps its material: one render shows the new shape.
+    preview->BuildSampleShape(sampleShape);
+    preview->Present(controls->preview);
 }
 
 void CDlgAttribute::DrawColorPallete()
 {
-    DrawSwatch(attribute.color, kSwatchFontHeight, GetDlgItem(this, kIdColorSwatch));
+    DrawSwatch(attribute.color, kSwatchFontHeight, controls->colorSwatch);
 }
 
 void CDlgAttribute::DrawHighlightColorPallete()
 {
-    DrawSwatch(attribute.highlightColor, kHighlightSwatchFontHeight,
-               GetDlgItem(this, kIdHighlightSwatch));
+    DrawSwatch(attribute.highlightColor, kHighlightSwatchFontHeight, controls->highlightSwatch);
 }
 
 bool CDlgAttribute::PickColor(FZColor& color)
@@ -448,34 +426,30 @@ bool CDlgAttribute::PickColor(FZColor& color)
 
 void CDlgAttribute::OnButtonColor()
 {
-    if (!PickColor(attribute.color))
-        return;
-    UpdateControlsFromAttribute();
-    ReDraw();
+    FZAttributeEx edited = attribute;
+    if (PickColor(edited.color))
+        Edit(edited, ControlSync::FromRecord);
 }
 
 void CDlgAttribute::OnButtonHighlightColor()
 {
-    if (!PickColor(attribute.highlightColor))
-        return;
-    UpdateControlsFromAttribute();
-    ReDraw();
+    FZAttributeEx edited = attribute;
+    if (PickColor(edited.highlightColor))
+        Edit(edited, ControlSync::FromRecord);
 }
 
 void CDlgAttribute::OnButtonColorRandom()
 {
+    FZAttributeEx edited = attribute;
     float rgb[3];
-    DrawFamilyColor(randomFamily, attribute.color, rgb);
-    attribute.color.SetFloats(rgb);
-    UpdateControlsFromAttribute();
-    ReDraw();
+    DrawFamilyColor(randomFamily, edited.color, rgb);
+    edited.color.SetFloats(rgb);
+    Edit(edited, ControlSync::FromRecord);
 }
 
 void CDlgAttribute::OnButtonColorRandomType()
 {
-    QWidget* button = GetDlgItem(this, kIdRandomType);
-    if (button == nullptr)
-        return;
+    const QWidget* button = controls->randomType;
     const QPoint topLeft = button->mapToGlobal(QPoint(0, 0));
     const int left = topLeft.x();
     const int top = topLeft.y();
@@ -502,41 +476,45 @@ void CDlgAttribute::RandomButtonSubMenu(const QPoint& globalPos)
 
 void CDlgAttribute::OnCheckAnisotropic()
 {
-    attribute.anisotropic = IsDlgButtonChecked(this, kIdAnisotropic) ? 1 : 0;
-    ReDraw();
+    FZAttributeEx edited = attribute;
+    edited.anisotropic = controls->anisotropic->isChecked() ? 1 : 0;
+    Edit(edited, ControlSync::Keep);
 }
 
 void CDlgAttribute::OnCheckRainbowHighlight()
 {
-    attribute.rainbow = IsDlgButtonChecked(this, kIdRainbow) ? 1 : 0;
-    ReDraw();
+    FZAttributeEx edited = attribute;
+    edited.rainbow = controls->rainbow->isChecked() ? 1 : 0;
+    Edit(edited, ControlSync::Keep);
 }
 
 void CDlgAttribute::OnCheckHighlightSmooth()
 {
-    if (IsDlgButtonChecked(this, kIdSmooth)) {
-        attribute.smoothHighlight = 1;
-        attribute.smoothWidth = 2.0f;
-    } else {
-        attribute.smoothHighlight = 0;
-    }
-    ReDraw();
+    FZAttributeEx edited = attribute;
+    edited.smoothHighlight = controls->smooth->isChecked() ? 1 : 0;
+    if (edited.smoothHighlight != 0)
+        edited.smoothWidth = 2.0f;
+    Edit(edited, ControlSync::Keep);
 }
 
 void CDlgAttribute::OnCheckColorTransparency()
 {
-    // Stored for the host; nothing on the preview depends on it.
-    attribute.colorTransparency = IsDlgButtonChecked(this, kIdColorTransparency) ? 1 : 0;
+    // Stored for the host; nothing on the preview depends on it, so the
+    // record changes without a redraw.
+    attribute.colorTransparency = controls->colorTransparency->isChecked() ? 1 : 0;
 }
 
 void CDlgAttribute::OpenParameterDialog(int (*run)(FZAttributeEx&, int, int&))
 {
     FZAttributeEx copy = attribute;
     int shape = preview->ShapeNumber();
-    if (run(copy, colorBind, shape) == kIdOk)
-        attribute = copy;
-    sampleShape = shape;
-    ReDraw();
+    const bool accepted = run(copy, colorBind, shape) == kIdOk;
+    if (shape != preview->ShapeNumber())
+        ShowSampleShape(shape);
+    else
+        sampleShape = shape;
+    if (accepted)
+        Edit(copy, ControlSync::FromRecord);
 }
 
 void CDlgAttribute::OnButtonAnisotropicParameter()
@@ -556,14 +534,12 @@ void CDlgAttribute::OnButtonTransparencyParameter()
 
 void CDlgAttribute::OnButtonSampleShapePrevious()
 {
-    sampleShape = sampleShape - 1 < 1 ? kShapeCount : sampleShape - 1;
-    ReDraw();
+    ShowSampleShape(sampleShape - 1 < 1 ? kShapeCount : sampleShape - 1);
 }
 
 void CDlgAttribute::OnButtonSampleShapeNext()
 {
-    sampleShape = sampleShape + 1 > kShapeCount ? 1 : sampleShape + 1;
-    ReDraw();
+    ShowSampleShape(sampleShape + 1 > kShapeCount ? 1 : sampleShape + 1);
 }
 
 void CDlgAttribute::OnButtonLoad()
@@ -584,10 +560,8 @@ int CDlgAttribute::LoadFile(const QString& path)
 {
     FZAttributeEx loaded = attribute;
     const int code = LoadAttributeFile(QFile::encodeName(path).constData(), loaded);
-    if (code == 0) {
-        SetAttribute(loaded);
-        UpdatePanelView();
-    }
+    if (code == 0)
+        Edit(loaded, ControlSync::FromRecord);
     return code;
 }
 

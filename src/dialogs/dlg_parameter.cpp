@@ -3,8 +3,8 @@
 #include <QPushButton>
 #include <QScrollBar>
 
-#include "dialogs/dialog_template.h"
 #include "dialogs/templates.h"
+#include "engine/display/canvas.h"
 
 namespace {
 
@@ -24,12 +24,11 @@ int PreviousSampleShape(int shape)
 
 CParameterDialog::CParameterDialog(const DialogTemplate& t, int previousShapeId,
                                    int nextShapeId, QWidget* parent)
-    : QDialog(parent)
+    : QDialog(parent), controls(BuildDialog(*this, t)),
+      previewControl(controls.Get<FZCanvas>(kIdPreview))
 {
-    BuildDialog(*this, t);
     auto onClick = [this](int id, void (CParameterDialog::*handler)()) {
-        if (auto* button = DlgItem<QPushButton>(this, id))
-            connect(button, &QPushButton::clicked, this, handler);
+        connect(controls.Get<QPushButton>(id), &QPushButton::clicked, this, handler);
     };
     onClick(kIdOk, &CParameterDialog::accept);
     onClick(kIdCancel, &CParameterDialog::reject);
@@ -56,20 +55,19 @@ void CParameterDialog::GetAttribute(FZAttributeEx& attribute) const
 void CParameterDialog::Refresh()
 {
     preview.ApplyMaterial(record, colorBind);
-    preview.BuildSampleShape(sampleShape);
-    preview.Present(GetDlgItem(this, kIdPreview));
+    preview.Present(previewControl);
 }
 
 void CParameterDialog::SetUpPreview()
 {
     // A failed set-up leaves the preview blank; the dialog works without it.
-    preview.SetUp(GetDlgItem(this, kIdPreview));
+    preview.SetUp(previewControl);
+    preview.BuildSampleShape(sampleShape);
+    Refresh();
 }
 
 void CParameterDialog::SetScrollBar(QScrollBar* bar, int maximum, int position)
 {
-    if (bar == nullptr)
-        return;
     bar->setRange(0, maximum);
     bar->setValue(position);
 }
@@ -83,19 +81,19 @@ void CParameterDialog::showEvent(QShowEvent* event)
     QDialog::showEvent(event);
 }
 
-void CParameterDialog::paintEvent(QPaintEvent*)
+void CParameterDialog::ShowSampleShape(int shape)
 {
-    Refresh();
+    sampleShape = shape;
+    preview.BuildSampleShape(sampleShape);
+    preview.Present(previewControl);
 }
 
 void CParameterDialog::OnButtonSampleShapePrevious()
 {
-    sampleShape = PreviousSampleShape(sampleShape);
-    Refresh();
+    ShowSampleShape(PreviousSampleShape(sampleShape));
 }
 
 void CParameterDialog::OnButtonSampleShapeNext()
 {
-    sampleShape = NextSampleShape(sampleShape);
-    Refresh();
+    ShowSampleShape(NextSampleShape(sampleShape));
 }

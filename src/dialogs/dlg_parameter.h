@@ -14,9 +14,11 @@
 //         dialog.GetAttribute(record);
 //     shape = dialog.SampleShape();
 //
-// The record is current after every change, so OK only ends the dialog.
-// Initialisation (OnInitDialog) runs when the window is first shown, that is
-// after the caller has handed everything in.
+// The record is current after every change, so OK only ends the dialog;
+// Esc and the close box cancel it. Initialisation (OnInitDialog) runs when
+// the window is first shown, that is after the caller has handed everything
+// in. The preview renders when the record or the shape changes; painting
+// only shows the frame.
 #ifndef TAMERISK_DIALOGS_DLG_PARAMETER_H
 #define TAMERISK_DIALOGS_DLG_PARAMETER_H
 
@@ -24,9 +26,10 @@
 
 #include <tamerisk/attribute.h>
 
+#include "dialogs/dialog_template.h"
 #include "preview/preview_panel.h"
 
-struct DialogTemplate;
+class FZCanvas;
 class QScrollBar;
 
 // The next and previous sample shape: "->" wraps from above 4 to 1, "<-"
@@ -52,19 +55,19 @@ protected:
 
     // Record to controls, and the preview set up; runs once.
     virtual void OnInitDialog() = 0;
-    // Brings the preview up to date: the material, the sample shape, then
-    // the picture into control 4000. Dialogs that draw more extend it.
+    // The record changed: the preview shows the material again. Dialogs
+    // that draw more extend it.
     virtual void Refresh();
 
+    // Builds the preview's scene and shows the record on the sample shape.
     void SetUpPreview();
 
     // Sets the bar's range and its position, held within that range.
     static void SetScrollBar(QScrollBar* bar, int maximum, int position);
 
     void showEvent(QShowEvent* event) override;
-    // Every paint of the dialog draws the preview again.
-    void paintEvent(QPaintEvent* event) override;
 
+    DialogControls controls;  // what the template built, for typed look-ups
     int colorBind = 0;
     FZAttributeEx record;
     CPreviewPanel preview;
@@ -73,7 +76,9 @@ protected:
 private:
     void OnButtonSampleShapePrevious();
     void OnButtonSampleShapeNext();
+    void ShowSampleShape(int shape);
 
+    FZCanvas* previewControl = nullptr;
     bool initialised = false;
 };
 

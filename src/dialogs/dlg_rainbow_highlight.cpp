@@ -9,12 +9,6 @@
 
 namespace {
 
-enum : int {
-    kIdSpacing = 4036,
-    kIdPreviousShape = 4024,
-    kIdNextShape = 4023,
-};
-
 constexpr int kSliderMax = 20;
 constexpr double kSpacingWide = 100.0;
 constexpr double kSpacingNarrow = 5000.0;
@@ -51,24 +45,24 @@ const RainbowSliderCurve& RainbowCurve()
 }
 
 CDlgRainbowHighlight::CDlgRainbowHighlight(QWidget* parent)
-    : CParameterDialog(RainbowDialogTemplate(), kIdPreviousShape, kIdNextShape, parent)
+    : CParameterDialog(RainbowDialogTemplate(), rainbow_id::kPreviousShape,
+                       rainbow_id::kNextShape, parent),
+      spacing(controls.Get<QScrollBar>(rainbow_id::kSpacing))
 {
     curve.SetUp(2.0, 0.0, kSpacingWide, kSliderMax, kSpacingNarrow);
-    ConnectHScroll(DlgItem<QScrollBar>(this, kIdSpacing),
-                   [this](QScrollBar* bar, int) { OnHScroll(bar); });
+    ConnectHScroll(spacing, [this](QScrollBar*, int) { OnHScroll(); });
 }
 
 void CDlgRainbowHighlight::OnInitDialog()
 {
-    SetScrollBar(DlgItem<QScrollBar>(this, kIdSpacing), kSliderMax,
-                 curve.Position(record.stripeSpacing));
+    SetScrollBar(spacing, kSliderMax, curve.Position(record.stripeSpacing));
     SetUpPreview();
 }
 
-void CDlgRainbowHighlight::OnHScroll(QScrollBar* bar)
+void CDlgRainbowHighlight::OnHScroll()
 {
     // The value follows the position the slider shows, so a step beyond
     // either end gives the end's value.
-    record.stripeSpacing = curve.Spacing(bar->value());
+    record.stripeSpacing = curve.Spacing(spacing->value());
     Refresh();
 }

@@ -36,7 +36,9 @@ protected:
     void OnInitDialog() override;
 
 private:
-    void OnHScroll(QScrollBar* bar);
+    void OnHScroll();
+
+    QScrollBar* spacing;
 };
 
 #endif

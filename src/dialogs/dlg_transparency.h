@@ -8,6 +8,9 @@
 
 #include "dialogs/dlg_parameter.h"
 
+class QCheckBox;
+class QSpinBox;
+
 class CDlgTransparency : public CParameterDialog {
     Q_OBJECT
 
@@ -19,9 +22,14 @@ protected:
 
 private:
     void ConnectHandlers();
-    void OnHScroll(QScrollBar* bar);
+    static float SliderValue(const QScrollBar* bar);
     void OnCheckThinGlass();
-    void OnThicknessChanged(int position);
+    void OnThicknessChanged(int value);
+
+    QScrollBar* incidence;
+    QScrollBar* attenuation;
+    QCheckBox* thinGlass;
+    QSpinBox* thickness;
 };
 
 #endif

@@ -11,9 +11,12 @@ const DialogTemplate& AnisotropicDialogTemplate();   // 4022 "異方性反射"
 const DialogTemplate& RainbowDialogTemplate();       // 4026 "虹色光沢"
 const DialogTemplate& TransparencyDialogTemplate();  // 4027 "透明度"
 
-// Control ids of the material dialog.
+// The control ids, named once: the tables below and the dialogs use these.
+// The preview (4000) has the same id in every dialog.
+inline constexpr int kIdPreview = 4000;
+
+// The material dialog.
 enum AttributeControlId : int {
-    kIdPreview = 4000,
     kIdColorSwatch = 4002,
     kIdHighlightSwatch = 4013,
     kIdRandom = 4014,
@@ -48,5 +51,56 @@ enum AttributeControlId : int {
     kIdGreenBitmap = 4011,
     kIdBlueBitmap = 4012,
 };
+
+// The anisotropic reflection dialog.
+namespace anisotropic_id {
+enum : int {
+    kConcentric = 4019,
+    kWavyConcentric = 4021,
+    kSpiral = 4022,
+    kStraight = 4032,
+    kWave = 4033,
+    kWaveCountLabel = 4025,
+    kWaveCount = 1028,
+    kAmplitudeLabel = 4026,
+    kAmplitude = 4024,
+    kTwistLabel = 4028,
+    kTwist = 4027,
+    kDepth = 4031,
+    kDiagram = 4038,
+    kPreviousShape = 4030,
+    kNextShape = 4029,
+    kStraightAngleLabel = 4036,
+    kStraightAngle = 4035,
+    kWaveAmplitudeLabel = 4039,
+    kWaveAmplitude = 4034,
+    kWaveAngleLabel = 4040,
+    kWaveAngle = 4037,
+    kGrooveWidthLabel = 4042,
+    kGrooveWidth = 1030,
+};
+} // namespace anisotropic_id
+
+// The rainbow gloss dialog.
+namespace rainbow_id {
+enum : int {
+    kSpacing = 4036,
+    kPreviousShape = 4024,
+    kNextShape = 4023,
+};
+} // namespace rainbow_id
+
+// The transparency dialog.
+namespace transparency_id {
+enum : int {
+    kIncidence = 4037,
+    kAttenuation = 4038,
+    kPreviousShape = 4024,
+    kNextShape = 4023,
+    kThinGlass = 4043,
+    kThicknessLabel = 4044,
+    kThickness = 4046,
+};
+} // namespace transparency_id
 
 #endif

@@ -1,6 +1,8 @@
 // The preview panel bound to a Qt control: the scene takes the control's
-// size, and presenting draws the rendered frame into the control (an
-// FZCanvas, whose whole area is its client area).
+// size in device pixels, so that on a high-density screen the frame is
+// rendered at the screen's resolution rather than stretched, and presenting
+// draws the rendered frame into the control (an FZCanvas, whose whole area
+// is its client area).
 #include <QWidget>
 
 #include "engine/display/image_display.h"
@@ -10,7 +12,8 @@ int CPreviewPanel::SetUp(QWidget* control)
 {
     if (control == nullptr)
         return 0;
-    return SetUpFrame(control->width(), control->height());
+    const qreal ratio = control->devicePixelRatioF();
+    return SetUpFrame(qRound(control->width() * ratio), qRound(control->height() * ratio));
 }
 
 void CPreviewPanel::Present(QWidget* control)

@@ -1,13 +1,12 @@
 // The dialog platform layer: units, building from tables, lookups, the
-// scroll stepping rule and the spin button.
+// scroll stepping rule, spin boxes and keyboard focus.
 #include <QAbstractSlider>
 #include <QCheckBox>
 #include <QDialog>
 #include <QLabel>
-#include <QLineEdit>
 #include <QRadioButton>
 #include <QScrollBar>
-#include <QSignalSpy>
+#include <QSpinBox>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -50,7 +49,7 @@ TEST(DialogUnits, BaseUnitsComeFromTheDialogFont)
 TEST(BuildDialog, MaterialDialogFollowsItsTable)
 {
     QDialog dialog;
-    const DialogBaseUnits units = BuildDialog(dialog, AttributeDialogTemplate());
+    const DialogBaseUnits units = BuildDialog(dialog, AttributeDialogTemplate()).units;
     EXPECT_EQ(dialog.objectName(), "4000");
     EXPECT_EQ(dialog.windowTitle(), QString::fromUtf8("質感 ﾘﾓｺﾝ"));
     EXPECT_EQ(dialog.size(), QSize(units.X(207), units.Y(147)));
@@ -84,6 +83,7 @@ TEST(BuildDialog, MaterialDialogFollowsItsTable)
         EXPECT_EQ(bitmap->size(), QSize(16, 16)) << id;
         EXPECT_FALSE(bitmap->pixmap().isNull()) << id;
     }
+    EXPECT_EQ(red->focusPolicy(), Qt::StrongFocus);  // Tab reaches the sliders
 }
 
 TEST(Resources, ElevenSliderBitmapsOfSixteenPixels)
@@ -93,6 +93,8 @@ TEST(Resources, ElevenSliderBitmapsOfSixteenPixels)
     for (int id : {4004, 4005, 4007, 4009, 4010, 4012, 4013, 4015, 4016, 4017, 4025}) {
         const QImage picture(QStringLiteral(":/bitmaps/%1.png").arg(id));
         EXPECT_EQ(picture.size(), QSize(16, 16)) << id;
+        const QImage sharp(QStringLiteral(":/bitmaps/%1@2x.png").arg(id));
+        EXPECT_EQ(sharp.size(), QSize(32, 32)) << id;  // for screens at 200 %
     }
 }
 
@@ -101,18 +103,19 @@ TEST(BuildDialog, ParameterTemplatesKeepHiddenControlsHidden)
     QDialog anisotropic;
     BuildDialog(anisotropic, AnisotropicDialogTemplate());
     EXPECT_EQ(anisotropic.objectName(), "4022");
-    for (int id : {4032, 4033, 4036, 4035, 4039, 4034, 4040, 4037, 4042, 1029, 1030})
+    for (int id : {4032, 4033, 4036, 4035, 4039, 4034, 4040, 4037, 4042, 1030})
         EXPECT_TRUE(GetDlgItem(&anisotropic, id)->isHidden()) << id;
-    for (int id : {4019, 4021, 4022, 1027, 1028, 4024, 4027, 4031, 4038, 4000})
+    for (int id : {4019, 4021, 4022, 1028, 4024, 4027, 4031, 4038, 4000})
         EXPECT_FALSE(GetDlgItem(&anisotropic, id)->isHidden()) << id;
     const auto groups = anisotropic.findChildren<CGroupBox*>();
     ASSERT_EQ(groups.size(), 1);
     EXPECT_TRUE(groups.front()->objectName().isEmpty());  // no id, no name
-    auto* spin = DlgItem<CSpinButton>(&anisotropic, 1028);
-    ASSERT_NE(spin, nullptr);
-    EXPECT_EQ(spin->Buddy(), DlgItem<QLineEdit>(&anisotropic, 1027));
-    EXPECT_EQ(DlgItem<CSpinButton>(&anisotropic, 1030)->Buddy(),
-              DlgItem<QLineEdit>(&anisotropic, 1029));
+    // A number edit and its spin button are one spin box over both.
+    auto* waves = DlgItem<QSpinBox>(&anisotropic, 1028);
+    ASSERT_NE(waves, nullptr);
+    EXPECT_EQ(GetDlgItem(&anisotropic, 1027), nullptr);
+    const DialogBaseUnits units = DialogBaseUnits::FromFont(anisotropic.font());
+    EXPECT_EQ(waves->geometry(), units.ToPixels(59, 45, 28, 12));
 
     QDialog rainbow;
     BuildDialog(rainbow, RainbowDialogTemplate());
@@ -124,26 +127,23 @@ TEST(BuildDialog, ParameterTemplatesKeepHiddenControlsHidden)
     QDialog transparency;
     BuildDialog(transparency, TransparencyDialogTemplate());
     EXPECT_EQ(transparency.objectName(), "4027");
-    for (int id : {4043, 4044, 4045, 4046})
+    for (int id : {4043, 4044, 4046})
         EXPECT_TRUE(GetDlgItem(&transparency, id)->isHidden()) << id;
     EXPECT_NE(DlgItem<QScrollBar>(&transparency, 4038), nullptr);
 }
 
-TEST(BuildDialog, ButtonHelpersCheckClearAndEnable)
+TEST(BuildDialog, RadiosCanAllBeCleared)
 {
     QDialog dialog;
-    BuildDialog(dialog, AnisotropicDialogTemplate());
-    CheckDlgButton(&dialog, 4021, true);
-    EXPECT_TRUE(IsDlgButtonChecked(&dialog, 4021));
-    CheckDlgButton(&dialog, 4022, true);  // radios stay exclusive
-    EXPECT_FALSE(IsDlgButtonChecked(&dialog, 4021));
-    CheckDlgButton(&dialog, 4022, false);  // and can all be cleared
-    EXPECT_FALSE(IsDlgButtonChecked(&dialog, 4022));
-    EXPECT_TRUE(DlgItem<QRadioButton>(&dialog, 4022)->autoExclusive());
-    EnableDlgItem(&dialog, 4024, false);
-    EXPECT_FALSE(GetDlgItem(&dialog, 4024)->isEnabled());
-    EnableDlgItem(&dialog, 12345, false);  // a missing control is ignored
-    EXPECT_FALSE(IsDlgButtonChecked(&dialog, 12345));
+    const DialogControls built = BuildDialog(dialog, AnisotropicDialogTemplate());
+    auto* wavy = built.Get<QRadioButton>(4021);
+    auto* spiral = built.Get<QRadioButton>(4022);
+    SetButtonChecked(wavy, true);
+    SetButtonChecked(spiral, true);  // radios stay exclusive
+    EXPECT_FALSE(wavy->isChecked());
+    SetButtonChecked(spiral, false);  // and can all be cleared
+    EXPECT_FALSE(spiral->isChecked());
+    EXPECT_TRUE(spiral->autoExclusive());
 }
 
 TEST(ScrollRule, LineAndPageStepsAndTheThumb)
@@ -177,32 +177,6 @@ TEST(ScrollRule, ConnectedBarHandsOverTheUnheldPosition)
     EXPECT_EQ(seen, (std::vector<int>{21, 18, 18, 5}));
     EXPECT_EQ(valueSeen, (std::vector<int>{20, 18, 18, 5}));
     EXPECT_EQ(bar.value(), 5);
-}
-
-TEST(SpinButton, PositionLivesInTheBuddyText)
-{
-    QLineEdit edit;
-    CSpinButton spin;
-    spin.SetRange(1, 36);
-    spin.SetBuddy(&edit);
-    EXPECT_EQ(edit.text(), "1");
-    spin.SetPos(40);
-    EXPECT_EQ(spin.Pos(), 36);
-    EXPECT_EQ(edit.text(), "36");
-
-    QSignalSpy before(&spin, &CSpinButton::deltaPos);
-    QSignalSpy after(&spin, &CSpinButton::positionChanged);
-    edit.setText("7");
-    spin.Step(+1);
-    EXPECT_EQ(spin.Pos(), 8);
-    ASSERT_EQ(before.size(), 1);
-    EXPECT_EQ(before[0][0].toInt(), 7);  // the old position, before the move
-    EXPECT_EQ(after[0][0].toInt(), 8);
-
-    edit.setText("");  // no number: the last position stands
-    EXPECT_EQ(spin.Pos(), 8);
-    edit.setText("0");
-    EXPECT_EQ(spin.Pos(), 1);
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 #include <limits>
 #include <set>
 
-#include <QLineEdit>
+#include <QSpinBox>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
@@ -23,7 +23,6 @@ constexpr int kWavy = 4021;
 constexpr int kSpiral = 4022;
 constexpr int kStraight = 4032;
 constexpr int kWave = 4033;
-constexpr int kWaveCountEdit = 1027;
 constexpr int kWaveCountSpin = 1028;
 constexpr int kAmplitude = 4024;
 constexpr int kTwist = 4027;
@@ -32,7 +31,7 @@ constexpr int kDiagram = 4038;
 constexpr int kGrooveWidthSpin = 1030;
 
 // Every control that EnableByType switches.
-constexpr int kTypeControls[] = {4025, 1027, 1028, 4026, 4024, 4028, 4027,
+constexpr int kTypeControls[] = {4025, 1028, 4026, 4024, 4028, 4027,
                                  4036, 4035, 4039, 4034, 4040, 4037};
 
 FZAttributeEx WithType(int type)
@@ -71,17 +70,17 @@ QPoint DiagramCorner(const QWidget* dialog, bool bottomRight)
 TEST(AnisotropicDialog, ADefaultRecordOpensConcentricWithWaveControlsOff)
 {
     auto dialog = OpenParameterDialog<CDlgAnisotropic>(FZAttributeEx());
-    EXPECT_TRUE(IsDlgButtonChecked(dialog.get(), kConcentric));
+    EXPECT_TRUE(IsChecked(dialog.get(), kConcentric));
     EXPECT_TRUE(EnabledTypeControls(dialog.get()).empty());
     EXPECT_TRUE(GetDlgItem(dialog.get(), kDepth)->isEnabled());
     EXPECT_TRUE(GetDlgItem(dialog.get(), kGrooveWidthSpin)->isEnabled());
-    EXPECT_EQ(DlgItem<QLineEdit>(dialog.get(), kWaveCountEdit)->text(), "4");
+    EXPECT_EQ(DlgItem<QSpinBox>(dialog.get(), kWaveCountSpin)->value(), 4);
     EXPECT_EQ(Position(dialog.get(), kAmplitude), 8);  // 20 x 0.1 x 4
     EXPECT_EQ(Position(dialog.get(), kTwist), 19);
 
     // The diagram shows rings round the middle and the yellow mark on it.
     const QImage& diagram = DlgItem<FZCanvas>(dialog.get(), kDiagram)->Surface();
-    ASSERT_EQ(diagram.size(), GetDlgItem(dialog.get(), kDiagram)->size());
+    ASSERT_EQ(diagram.deviceIndependentSize(), GetDlgItem(dialog.get(), kDiagram)->size());
     const int w = diagram.width();
     const int h = diagram.height();
     EXPECT_EQ(diagram.pixel(w / 2, h - h / 2), qRgb(255, 255, 0));
@@ -102,7 +101,7 @@ TEST(AnisotropicDialog, TypeButtonsEnableExactlyTheirControls)
     auto dialog = OpenParameterDialog<CDlgAnisotropic>(FZAttributeEx());
     QTest::mouseClick(DlgItem<QRadioButton>(dialog.get(), kWavy), Qt::LeftButton);
     EXPECT_EQ(dialog->Attribute().anisotropy.type, 2);
-    EXPECT_EQ(EnabledTypeControls(dialog.get()), (std::set<int>{4025, 1027, 1028, 4026, 4024}));
+    EXPECT_EQ(EnabledTypeControls(dialog.get()), (std::set<int>{4025, 1028, 4026, 4024}));
     QTest::mouseClick(DlgItem<QRadioButton>(dialog.get(), kSpiral), Qt::LeftButton);
     EXPECT_EQ(dialog->Attribute().anisotropy.type, 3);
     EXPECT_EQ(EnabledTypeControls(dialog.get()), (std::set<int>{4028, 4027}));
@@ -134,7 +133,7 @@ TEST(AnisotropicDialog, SpiralSliderSpansMinusToPlusFiveHundredths)
     EXPECT_EQ(dialog->Attribute().anisotropy.depthVariation, 0.35f);
 }
 
-TEST(AnisotropicDialog, NothingIsReadBackBeforeTheFirstPaintWhichTakesValuesToTheStepBelow)
+TEST(AnisotropicDialog, NothingIsReadBackBeforeOpeningWhichTakesValuesToTheStepBelow)
 {
     FZAttributeEx record = WithType(3);
     record.anisotropy.spiralTwist = 0.01f;
@@ -144,13 +143,12 @@ TEST(AnisotropicDialog, NothingIsReadBackBeforeTheFirstPaintWhichTakesValuesToTh
     CDlgAnisotropic dialog;
     dialog.SetAttribute(record, 0);
     // Before the dialog is ready nothing is read back from its controls.
-    DlgItem<QLineEdit>(&dialog, kWaveCountEdit)->setText("20");
+    DlgItem<QSpinBox>(&dialog, kWaveCountSpin)->setValue(20);
     DlgItem<QRadioButton>(&dialog, kWavy)->click();
     EXPECT_EQ(dialog.Attribute().anisotropy.type, 3);
     EXPECT_EQ(dialog.Attribute().anisotropy.waveCount, 7);
     EXPECT_EQ(dialog.Attribute().anisotropy.spiralTwist, 0.01f);
     dialog.show();
-    dialog.grab();
     EXPECT_EQ(dialog.Attribute().anisotropy.spiralTwist, 0.009375f);
     EXPECT_EQ(dialog.Attribute().anisotropy.grooveWidth, 0.5f);
     EXPECT_EQ(dialog.Attribute().anisotropy.depthVariation, 0.1f);
@@ -165,17 +163,19 @@ TEST(AnisotropicDialog, WaveCountStaysWithinItsSpinAndKeepsTheLastNumber)
     EXPECT_EQ(dialog->Attribute().anisotropy.waveCount, 36);
     EXPECT_EQ(dialog->Attribute().anisotropy.amplitude, 0.2f);  // 16 / 20 / 4
 
-    auto* edit = DlgItem<QLineEdit>(dialog.get(), kWaveCountEdit);
-    edit->setText("0");
-    EXPECT_EQ(dialog->Attribute().anisotropy.waveCount, 1);
-    edit->setText("12");
+    // Typed as a user types: select all, a number, and the spin box takes it
+    // within its range; a wheel turn or the Up key steps by one.
+    auto* waves = DlgItem<QSpinBox>(dialog.get(), kWaveCountSpin);
+    waves->setFocus();
+    QTest::keyClick(waves, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(waves, "12");
     EXPECT_EQ(dialog->Attribute().anisotropy.waveCount, 12);
-    edit->setText("");  // no number: the last one stays
-    EXPECT_EQ(dialog->Attribute().anisotropy.waveCount, 12);
-    DlgItem<CSpinButton>(dialog.get(), kWaveCountSpin)->Step(+1);
-    EXPECT_EQ(edit->text(), "13");
+    QTest::keyClick(waves, Qt::Key_Up);
     EXPECT_EQ(dialog->Attribute().anisotropy.waveCount, 13);
-    DlgItem<CSpinButton>(dialog.get(), kGrooveWidthSpin)->Step(+1);
+    QTest::keyClick(waves, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(waves, "99");  // 9 is taken, 99 is refused
+    EXPECT_EQ(dialog->Attribute().anisotropy.waveCount, 9);
+    DlgItem<QSpinBox>(dialog.get(), kGrooveWidthSpin)->stepBy(+1);
     EXPECT_EQ(dialog->Attribute().anisotropy.grooveWidth, 1.5f);
 }
 
@@ -229,9 +229,9 @@ TEST(AnisotropicDialog, HostTypesFourAndFiveCheckTheirHiddenButtonAndIgnoreClick
         FZAttributeEx record = WithType(type);
         record.anisotropy.angle = 30.0f;
         auto dialog = OpenParameterDialog<CDlgAnisotropic>(record);
-        EXPECT_TRUE(IsDlgButtonChecked(dialog.get(), type == 4 ? kStraight : kWave));
+        EXPECT_TRUE(IsChecked(dialog.get(), type == 4 ? kStraight : kWave));
         for (int id : {kConcentric, kWavy, kSpiral})
-            EXPECT_FALSE(IsDlgButtonChecked(dialog.get(), id));
+            EXPECT_FALSE(IsChecked(dialog.get(), id));
         EXPECT_EQ(dialog->Attribute().anisotropy.type, type);
         EXPECT_EQ(dialog->Attribute().anisotropy.angle, 30.0f);  // a step of 3 degrees
 

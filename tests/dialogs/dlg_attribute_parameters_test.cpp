@@ -57,8 +57,7 @@ protected:
 
 TEST_F(ParameterButtons, OkBringsTheRecordBackAndTheShapeIsShown)
 {
-    Access::SampleShape(*dialog) = 2;
-    Access::ReDraw(*dialog);
+    DlgItem<QPushButton>(dialog.get(), kIdShapeNext)->click();  // to shape 2
     dialog->SetColorBind(1);
     Open<CDlgRainbowHighlight>(kIdRainbowParameter, [](CDlgRainbowHighlight& d) {
         EXPECT_EQ(d.SampleShape(), 2);

@@ -3,7 +3,8 @@
 #include <limits>
 
 #include <QCheckBox>
-#include <QLineEdit>
+#include <QSpinBox>
+#include <QTest>
 #include <QPushButton>
 #include <gtest/gtest.h>
 
@@ -15,7 +16,6 @@ namespace {
 constexpr int kIncidence = 4037;
 constexpr int kAttenuation = 4038;
 constexpr int kThinGlass = 4043;
-constexpr int kThicknessEdit = 4045;
 constexpr int kThickness = 4046;
 
 TEST(TransparencyDialog, SlidersShowAndStoreTwentieths)
@@ -56,10 +56,9 @@ TEST(TransparencyDialog, ThicknessSpinHoldsHostValuesAtItsEnds)
         FZAttributeEx record;
         record.thickness = thicknesses[i];
         auto dialog = OpenParameterDialog<CDlgTransparency>(record);
-        auto* spin = DlgItem<CSpinButton>(dialog.get(), kThickness);
+        auto* spin = DlgItem<QSpinBox>(dialog.get(), kThickness);
         ASSERT_NE(spin, nullptr);
-        EXPECT_EQ(spin->Pos(), positions[i]) << thicknesses[i];
-        EXPECT_EQ(DlgItem<QLineEdit>(dialog.get(), kThicknessEdit)->text().toInt(), positions[i]);
+        EXPECT_EQ(spin->value(), positions[i]) << thicknesses[i];
         EXPECT_TRUE(spin->isHidden());
     }
 }
@@ -67,14 +66,13 @@ TEST(TransparencyDialog, ThicknessSpinHoldsHostValuesAtItsEnds)
 TEST(TransparencyDialog, ThicknessTakesThePositionAfterTheClick)
 {
     auto dialog = OpenParameterDialog<CDlgTransparency>(FZAttributeEx());
-    auto* spin = DlgItem<CSpinButton>(dialog.get(), kThickness);
-    spin->Step(+1);
+    auto* spin = DlgItem<QSpinBox>(dialog.get(), kThickness);
+    spin->stepBy(+1);
     EXPECT_EQ(dialog->Attribute().thickness, 5.0f);
-    spin->Step(-1);
-    spin->Step(-1);
+    QTest::keyClick(spin, Qt::Key_Down);
+    QTest::keyClick(spin, Qt::Key_Down);
     EXPECT_EQ(dialog->Attribute().thickness, 3.0f);
-    for (int i = 0; i < 30; ++i)
-        spin->Step(+1);
+    spin->stepBy(30);
     EXPECT_EQ(dialog->Attribute().thickness, 20.0f);
 }
 

@@ -5,21 +5,29 @@
 FZCanvas::FZCanvas(QWidget* parent) : QWidget(parent)
 {
     // The canvas paints every pixel itself, so an update of the canvas never
-    // needs the dialog beneath to repaint (the dialogs redraw their previews
-    // from their own paint handlers).
+    // needs the dialog beneath to repaint.
     setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+QSize FZCanvas::PixelSize() const
+{
+    const qreal ratio = devicePixelRatioF();
+    return QSize(qRound(width() * ratio), qRound(height() * ratio));
 }
 
 void FZCanvas::FitSurface()
 {
-    if (surface.size() == size())
+    const qreal ratio = devicePixelRatioF();
+    if (surface.size() == PixelSize() && surface.devicePixelRatio() == ratio)
         return;
-    QImage fitted(size(), QImage::Format_RGB888);
+    QImage fitted(PixelSize(), QImage::Format_RGB888);
     fitted.fill(palette().color(QPalette::Window));
     if (!surface.isNull()) {
         QPainter painter(&fitted);
+        surface.setDevicePixelRatio(1.0);
         painter.drawImage(QPoint(0, 0), surface);
     }
+    fitted.setDevicePixelRatio(ratio);
     surface = fitted;
 }
 
@@ -31,16 +39,20 @@ void FZCanvas::Blit(const QImage& source, const QRect& sourceRect, const QPoint&
     // Clip to the source, then to the surface, moving both ends together.
     QRect from = sourceRect.intersected(source.rect());
     QRect to(target + (from.topLeft() - sourceRect.topLeft()), from.size());
-    const QRect clipped = to.intersected(surface.rect());
+    const QRect clipped = to.intersected(QRect(QPoint(0, 0), surface.size()));
     from.translate(clipped.topLeft() - to.topLeft());
     from.setSize(clipped.size());
     if (clipped.isEmpty())
         return;
+    // Pixels go to pixels: the surface is addressed in device pixels here.
+    const qreal ratio = surface.devicePixelRatio();
+    surface.setDevicePixelRatio(1.0);
     QPainter painter(&surface);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.drawImage(clipped.topLeft(), source, from);
     painter.end();
-    update(clipped);
+    surface.setDevicePixelRatio(ratio);
+    update();
 }
 
 void FZCanvas::paintEvent(QPaintEvent*)
@@ -52,7 +64,8 @@ void FZCanvas::paintEvent(QPaintEvent*)
         painter.drawRect(rect().adjusted(0, 0, -1, -1));
         return;
     }
-    if (surface.size() != size())
+    if (surface.size() != PixelSize())
         painter.fillRect(rect(), palette().color(QPalette::Window));
+    // The surface carries the screen's pixel ratio: drawn one pixel to one.
     painter.drawImage(QPoint(0, 0), surface);
 }

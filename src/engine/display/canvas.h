@@ -1,7 +1,9 @@
 // FZCanvas: the widget that pictures are drawn into (the preview control and
 // the pattern diagram). Drawing into it stores the pixels in its surface, an
-// image of the widget's size, and schedules a repaint; paintEvent only shows
-// the surface. Before anything was drawn it shows a thin grey frame.
+// image of the widget's size in device pixels (twice the logical size on a
+// screen at 200 %), and schedules a repaint; paintEvent only shows the
+// surface, pixel for pixel. Before anything was drawn it shows a thin grey
+// frame.
 #ifndef TAMERISK_ENGINE_DISPLAY_CANVAS_H
 #define TAMERISK_ENGINE_DISPLAY_CANVAS_H
 
@@ -14,12 +16,15 @@ class FZCanvas : public QWidget {
 public:
     explicit FZCanvas(QWidget* parent = nullptr);
 
-    // Copies `source` (from `sourceRect`) to `target` of the surface; the
-    // parts outside either image are clipped away. Then repaints.
+    // Copies `source` (from `sourceRect`) to `target` of the surface, all in
+    // device pixels; the parts outside either image are clipped away. Then
+    // repaints.
     void Blit(const QImage& source, const QRect& sourceRect, const QPoint& target);
 
     // What is shown: empty until the first draw.
     const QImage& Surface() const { return surface; }
+    // The widget's size in device pixels.
+    QSize PixelSize() const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

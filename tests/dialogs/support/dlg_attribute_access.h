@@ -24,7 +24,6 @@ public:
     static void ShowResult(CDlgAttribute& d, int code) { d.ShowResult(code); }
     static void OnContextMenu(CDlgAttribute& d, const QPoint& p) { d.OnContextMenu(p); }
     static void OnButtonColorRandom(CDlgAttribute& d) { d.OnButtonColorRandom(); }
-    static void ReDraw(CDlgAttribute& d) { d.ReDraw(); }
 };
 
 // Runs `answer` on the next modal dialog or pop-up menu that opens while it

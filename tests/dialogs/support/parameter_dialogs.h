@@ -7,6 +7,7 @@
 #include <memory>
 
 #include <QApplication>
+#include <QAbstractButton>
 #include <QScrollBar>
 
 #include <tamerisk/attribute.h>
@@ -38,6 +39,12 @@ inline void DragTo(const QWidget* dialog, int id, int position)
 {
     if (auto* bar = DlgItem<QScrollBar>(dialog, id))
         bar->setSliderPosition(position);
+}
+
+inline bool IsChecked(const QWidget* dialog, int id)
+{
+    auto* button = DlgItem<QAbstractButton>(dialog, id);
+    return button != nullptr && button->isChecked();
 }
 
 inline int Position(const QWidget* dialog, int id)
