@@ -1,49 +1,18 @@
 #include "dialogs/large_preview.h"
 
-#include <cmath>
-
-#include <QPainter>
 #include <QVBoxLayout>
 
 #include "dialogs/material_history.h"
-#include "engine/display/image_display.h"
+#include "engine/display/canvas.h"
 #include "host/settings.h"
-
-// The drawing area: shows the last rendered frame, one image pixel to one
-// device pixel.
-class CLargePreview::Area : public QWidget {
-public:
-    explicit Area(QWidget* parent) : QWidget(parent)
-    {
-        setObjectName(QStringLiteral("4000"));
-        setAttribute(Qt::WA_OpaquePaintEvent);
-    }
-
-    void SetImage(QImage picture)
-    {
-        image = std::move(picture);
-        update();
-    }
-
-protected:
-    void paintEvent(QPaintEvent*) override
-    {
-        QPainter painter(this);
-        if (image.isNull())
-            painter.fillRect(rect(), Qt::white);
-        else
-            painter.drawImage(QPoint(0, 0), image);
-    }
-
-private:
-    QImage image;
-};
 
 CLargePreview::CLargePreview(QWidget* owner) : QWidget(owner, Qt::Window)
 {
     setObjectName(QStringLiteral("tamerisk-large-preview"));
     setWindowTitle(QString::fromUtf8("ﾌﾟﾚﾋﾞｭｰ"));
-    area = new Area(this);
+    // Children of the window: Qt deletes them with it.
+    area = new FZCanvas(this);
+    area->setObjectName(QStringLiteral("4000"));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(area);
@@ -60,22 +29,15 @@ void CLargePreview::ShowMaterial(const FZAttributeEx& record, int bind, int samp
 {
     material = record;
     colorBind = bind;
-    const bool newShape = sampleShape != shape;
     shape = sampleShape;
-    if (!isVisible() || !sceneReady)
-        return;
-    if (newShape)
-        panel.BuildSampleShape(shape);
-    else if (SameRecord(material, shownMaterial) && colorBind == shownBind)
-        return;
-    panel.ApplyMaterial(material, colorBind);
-    Present();
+    if (isVisible())
+        Render();
 }
 
 void CLargePreview::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    Rebuild();
+    Render();
 }
 
 void CLargePreview::hideEvent(QHideEvent* event)
@@ -88,44 +50,34 @@ void CLargePreview::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
     if (isVisible())
-        Rebuild();
+        Render();
 }
 
-QSize CLargePreview::PixelSize() const
+void CLargePreview::Render()
 {
-    const double ratio = area->devicePixelRatioF();
-    return {static_cast<int>(std::lround(area->width() * ratio)),
-            static_cast<int>(std::lround(area->height() * ratio))};
-}
-
-void CLargePreview::Rebuild()
-{
-    // The layout gives the area the window's size before the window's own
-    // resize event; until it has one there is nothing to draw.
-    const QSize pixels = PixelSize();
+    const QSize pixels = area->PixelSize();
     const FZScene* scene = panel.Scene();
-    if (sceneReady && scene != nullptr && scene->width == pixels.width()
-        && scene->height == pixels.height())
-        return;
-    // A scene that cannot be made (no memory for a huge area) leaves the
-    // area blank; the window goes on working at its next size.
-    sceneReady = panel.SetUpFrame(pixels.width(), pixels.height()) == 0
-                 && panel.BuildSampleShape(shape) == 0;
-    if (!sceneReady) {
-        area->SetImage(QImage());
-        return;
+    if (scene == nullptr || scene->width != pixels.width() || scene->height != pixels.height()) {
+        shown = false;
+        // An area the scene cannot be made for (none yet, or too large for
+        // the memory) keeps the last picture until its next size.
+        if (panel.SetUpFrame(pixels.width(), pixels.height()) != 0) {
+            panel.ReleaseScene();
+            return;
+        }
     }
+    if (panel.ShapeNumber() != shape) {
+        shown = false;
+        if (panel.BuildSampleShape(shape) != 0)
+            return;
+    }
+    if (shown && SameRecord(material, shownMaterial) && colorBind == shownBind)
+        return;
     panel.ApplyMaterial(material, colorBind);
-    Present();
-}
-
-void CLargePreview::Present()
-{
     shownMaterial = material;
     shownBind = colorBind;
-    QImage image = panel.Scene() && panel.Scene()->frame ? MakeBitmap(*panel.Scene()->frame) : QImage();
-    image.setDevicePixelRatio(area->devicePixelRatioF());
-    area->SetImage(std::move(image));
+    shown = true;
+    panel.Present(area);
 }
 
 void CLargePreview::RememberSize() const

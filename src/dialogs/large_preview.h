@@ -11,13 +11,13 @@
 #ifndef TAMERISK_DIALOGS_LARGE_PREVIEW_H
 #define TAMERISK_DIALOGS_LARGE_PREVIEW_H
 
-#include <QImage>
-#include <QSize>
 #include <QWidget>
 
 #include <tamerisk/attribute.h>
 
 #include "preview/preview_panel.h"
+
+class FZCanvas;
 
 class CLargePreview : public QWidget {
     Q_OBJECT
@@ -29,9 +29,8 @@ public:
     ~CLargePreview() override;
 
     // What to show: the material (white when bind is 1) on sample shape
-    // `shape`. While the window is shown only what changed is rendered: a
-    // new shape rebuilds the sample, a new material shades it again, and the
-    // same values render nothing. While it is hidden they are only kept.
+    // `shape`. While the window is shown it follows at once, doing only the
+    // work the change needs; while it is hidden the values are only kept.
     void ShowMaterial(const FZAttributeEx& record, int bind, int shape);
 
 protected:
@@ -40,23 +39,20 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    class Area;
-
-    // The drawing area's size in device pixels.
-    QSize PixelSize() const;
-    // A new scene of the area's size, then the shape and the material.
-    void Rebuild();
-    void Present();
+    // Brings the picture in line with the area's size, the shape and the
+    // material: a new size makes a new scene, a new shape a new sample, a
+    // new material shades it again, and nothing new renders nothing.
+    void Render();
     void RememberSize() const;
 
-    Area* area = nullptr;  // a child: Qt deletes it with the window
+    FZCanvas* area = nullptr;
     CPreviewPanel panel;
     FZAttributeEx material;
     int colorBind = 0;
     int shape = 1;
     FZAttributeEx shownMaterial;
     int shownBind = 0;
-    bool sceneReady = false;
+    bool shown = false;  // the area shows the frame of shownMaterial
 };
 
 #endif

@@ -59,20 +59,20 @@ CEditHistory::CEditHistory(CMaterialEdit::Apply apply) : apply(std::move(apply))
 {
 }
 
-void CEditHistory::Record(const FZAttributeEx& before, const FZAttributeEx& after,
-                          const QAbstractSlider* slider)
+void CEditHistory::Record(const FZAttributeEx& before, const FZAttributeEx& after)
 {
     if (SameRecord(before, after))
         return;
-    const int drag = slider != nullptr && slider->isSliderDown() ? drags : 0;
     // The stack owns its commands from here on.
-    stack.push(std::make_unique<CMaterialEdit>(apply, before, after, drag).release());
+    stack.push(std::make_unique<CMaterialEdit>(apply, before, after, dragging ? drags : 0).release());
 }
 
-void CEditHistory::Watch(QAbstractSlider* slider)
+void CEditHistory::Watch(const QAbstractSlider* slider)
 {
     QObject::connect(slider, &QAbstractSlider::sliderPressed, &stack, [this] {
         // 0 means "no drag"; skip it when the count wraps.
         drags = drags == std::numeric_limits<int>::max() ? 1 : drags + 1;
+        dragging = true;
     });
+    QObject::connect(slider, &QAbstractSlider::sliderReleased, &stack, [this] { dragging = false; });
 }

@@ -53,19 +53,20 @@ public:
     QUndoStack& Stack() { return stack; }
 
     // Records an edit the dialog has already shown; nothing when the record
-    // did not change. While `slider` (may be null) is held down the steps
-    // merge until it is released.
-    void Record(const FZAttributeEx& before, const FZAttributeEx& after,
-                const QAbstractSlider* slider = nullptr);
+    // did not change. The edits made while a watched slider is held down
+    // merge into one step.
+    void Record(const FZAttributeEx& before, const FZAttributeEx& after);
     // Starts the history afresh at the record the dialog holds now.
     void Restart() { stack.clear(); }
-    // Numbers the drags of the slider: each press starts a new one.
-    void Watch(QAbstractSlider* slider);
+    // Follows the drags of the slider: each press starts a new one, which
+    // lasts until the release.
+    void Watch(const QAbstractSlider* slider);
 
 private:
     CMaterialEdit::Apply apply;
     QUndoStack stack;
-    int drags = 0;
+    int drags = 0;  // the number of the last drag
+    bool dragging = false;
 };
 
 #endif
