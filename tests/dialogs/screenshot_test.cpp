@@ -1,43 +1,130 @@
-// The material dialog as the README shows it. The test grabs the dialog
-// offscreen and checks the picture; with TAMERISK_SCREENSHOT set to a file
-// path it also writes the picture there:
+// The dialogs as the README shows them, and the preview on a screen at 200 %.
+// With TAMERISK_SCREENSHOT_DIR set the pictures are written there; run with
+// QT_SCALE_FACTOR=2 for the high-density ones:
 //
-//   TAMERISK_SCREENSHOT=docs/images/material-dialog.png build/bin/test_dialogs \
-//       --gtest_filter=Screenshot.*
-#include <QImage>
-#include <QPixmap>
+//   TAMERISK_SCREENSHOT_DIR=docs/images build/bin/test_dialogs --gtest_filter=Screenshot.*
+//   QT_SCALE_FACTOR=2 TAMERISK_SCREENSHOT_DIR=docs/images/2x build/bin/test_dialogs \
+//       --gtest_filter=Screenshot.MaterialDialog
+#include <QApplication>
+#include <QDir>
+#include <QProcess>
 #include <gtest/gtest.h>
 
 #include <tamerisk/dlg_attribute.h>
 
-#include "dialogs/dialog_template.h"
+#include "dialogs/dlg_anisotropic.h"
+#include "dialogs/dlg_rainbow_highlight.h"
+#include "dialogs/dlg_transparency.h"
 #include "dialogs/templates.h"
+#include "engine/display/canvas.h"
+#include "engine/display/image_display.h"
+#include "support/parameter_dialogs.h"
 
 namespace {
 
-TEST(Screenshot, MaterialDialogRendersWhole)
+void Save(const QImage& picture, const char* name)
 {
-    CDlgAttribute dialog(nullptr);
-    ASSERT_TRUE(dialog.Create());
+    const QString directory = qEnvironmentVariable("TAMERISK_SCREENSHOT_DIR");
+    if (directory.isEmpty())
+        return;
+    ASSERT_TRUE(QDir().mkpath(directory));
+    EXPECT_TRUE(picture.save(QDir(directory).filePath(QString::fromLatin1(name))));
+}
+
+FZAttributeEx RedMaterial()
+{
     FZAttributeEx material;
     material.color.SetBytes(200, 60, 40);
     material.highlightColor.SetBytes(255, 240, 200);
     material.reflection = 0.25f;
     material.smoothHighlight = 1;
-    dialog.SetAttribute(material);
+    return material;
+}
+
+TEST(Screenshot, MaterialDialog)
+{
+    CDlgAttribute dialog(nullptr);
+    ASSERT_TRUE(dialog.Create());
+    dialog.SetAttribute(RedMaterial());
     dialog.UpdatePanelView();
     dialog.show();
-
     const QImage shot = dialog.grab().toImage();
-    EXPECT_EQ(shot.size(), dialog.size());
-    // The surface swatch shows the surface colour.
-    QWidget* swatch = GetDlgItem(&dialog, kIdColorSwatch);
-    const QPoint corner = swatch->geometry().topLeft() + QPoint(2, 2);
-    EXPECT_EQ(QColor(shot.pixel(corner)), QColor(200, 60, 40));
+    const qreal ratio = dialog.devicePixelRatioF();
+    EXPECT_EQ(shot.size(), dialog.size() * ratio);
+    const QPoint corner = GetDlgItem(&dialog, kIdColorSwatch)->geometry().topLeft() + QPoint(2, 2);
+    EXPECT_EQ(QColor(shot.pixel(corner * ratio)), QColor(200, 60, 40));
+    Save(shot, "material-dialog.png");
+}
 
-    const QByteArray path = qgetenv("TAMERISK_SCREENSHOT");
-    if (!path.isEmpty())
-        EXPECT_TRUE(shot.save(QString::fromLocal8Bit(path)));
+TEST(Screenshot, ParameterDialogs)
+{
+    if (qEnvironmentVariableIsEmpty("TAMERISK_SCREENSHOT_DIR"))
+        GTEST_SKIP() << "TAMERISK_SCREENSHOT_DIR is not set";
+    FZAttributeEx gold;
+    gold.color.SetBytes(200, 170, 90);
+    gold.highlightStrength = 0.9f;
+    gold.highlightSharpness = 0.6f;
+    gold.anisotropic = 1;
+    gold.anisotropy.type = 2;
+    gold.anisotropy.waveCount = 6;
+    gold.anisotropy.amplitude = 0.15f;
+    gold.anisotropy.center[0] = 0.4f;
+    gold.anisotropy.center[1] = 0.6f;
+    Save(OpenParameterDialog<CDlgAnisotropic>(gold)->grab().toImage(), "anisotropic-dialog.png");
+
+    FZAttributeEx rainbow;
+    rainbow.color.SetBytes(70, 70, 90);
+    rainbow.highlightSharpness = 0.3f;
+    rainbow.reflection = 0.5f;
+    rainbow.rainbow = 1;
+    Save(OpenParameterDialog<CDlgRainbowHighlight>(rainbow, 2)->grab().toImage(),
+         "rainbow-gloss-dialog.png");
+
+    FZAttributeEx glass;
+    glass.color.SetBytes(120, 190, 230);
+    glass.transparency = 0.7f;
+    glass.refractiveIndex = 1.5f;
+    glass.incidenceDependence = 0.5f;
+    glass.attenuation = 0.25f;
+    Save(OpenParameterDialog<CDlgTransparency>(glass, 3)->grab().toImage(),
+         "transparency-dialog.png");
+}
+
+// The preview's frame is rendered at the control's size in device pixels:
+// the very pixels the panel renders for a frame of that size. At scale 1
+// this is the plain frame; the test runs itself again at scale 2.
+TEST(HighDensity, PreviewRendersAtTheScreensPixels)
+{
+    CDlgAttribute dialog(nullptr);
+    ASSERT_TRUE(dialog.Create());
+    dialog.SetAttribute(RedMaterial());
+    dialog.UpdatePanelView();
+    dialog.show();
+    const auto* canvas = DlgItem<FZCanvas>(&dialog, kIdPreview);
+    const qreal ratio = canvas->devicePixelRatioF();
+    QImage shown = canvas->Surface();
+    ASSERT_EQ(shown.size(), canvas->size() * ratio);
+
+    CPreviewPanel panel;
+    ASSERT_EQ(panel.SetUpFrame(shown.width(), shown.height()), 0);
+    panel.ApplyMaterial(RedMaterial(), 0);
+    shown.setDevicePixelRatio(1.0);
+    EXPECT_EQ(shown, MakeBitmap(*panel.Scene()->frame));
+    // Shown pixel for pixel: the window's picture holds the frame unscaled.
+    const QImage window = dialog.grab().toImage();
+    const QRect place(canvas->geometry().topLeft() * ratio, shown.size());
+    EXPECT_EQ(window.copy(place).convertToFormat(QImage::Format_RGB888), shown);
+
+    if (ratio == 1.0) {
+        QProcess again;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("2"));
+        again.setProcessEnvironment(environment);
+        again.start(QCoreApplication::applicationFilePath(),
+                    {QStringLiteral("--gtest_filter=HighDensity.*")});
+        ASSERT_TRUE(again.waitForFinished(60000));
+        EXPECT_EQ(again.exitCode(), 0) << again.readAllStandardOutput().toStdString();
+    }
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// Test access to the material dialog's internals, and helpers that answer
+// Test access to the material dialog's internals, and a helper that answers
 // the modal windows a handler opens.
 #ifndef TAMERISK_TESTS_DIALOGS_DLG_ATTRIBUTE_ACCESS_H
 #define TAMERISK_TESTS_DIALOGS_DLG_ATTRIBUTE_ACCESS_H
@@ -11,19 +11,18 @@
 
 #include <tamerisk/dlg_attribute.h>
 
+#include "dialogs/dialog_template.h"
 #include "preview/preview_panel.h"
 
 class CDlgAttributeTestAccess {
 public:
-    static int& SampleShape(CDlgAttribute& d) { return d.sampleShape; }
-    static int& RandomFamily(CDlgAttribute& d) { return d.randomFamily; }
-    static FZAttributeEx& Record(CDlgAttribute& d) { return d.attribute; }
+    static int SampleShape(CDlgAttribute& d) { return d.sampleShape; }
+    static const FZAttributeEx& Record(CDlgAttribute& d) { return d.attribute; }
     static CPreviewPanel& Preview(CDlgAttribute& d) { return *d.preview; }
     static int LoadFile(CDlgAttribute& d, const QString& path) { return d.LoadFile(path); }
     static int SaveFile(CDlgAttribute& d, const QString& path) { return d.SaveFile(path); }
     static void ShowResult(CDlgAttribute& d, int code) { d.ShowResult(code); }
     static void OnContextMenu(CDlgAttribute& d, const QPoint& p) { d.OnContextMenu(p); }
-    static void OnButtonColorRandom(CDlgAttribute& d) { d.OnButtonColorRandom(); }
 };
 
 // Runs `answer` on the next modal dialog or pop-up menu that opens while it
