@@ -162,7 +162,9 @@ INSTANTIATE_TEST_SUITE_P(Dialog, EveryEdit, ::testing::Values(
             t.Click(kIdRandom);
     }},
     Edit{"Paste", [](Comforts& t) {
-        QApplication::clipboard()->setText(R"({"reflection": 0.75})");
+        // What a file may hold too: the editor takes it without harm.
+        QApplication::clipboard()->setText(R"({"diffuse": "nan", "ambient": "inf", "emission": -1e30,
+            "anisotropic": 1, "anisotropy": {"type": 2, "waveCount": 2147483647}})");
         t.Keys(QKeySequence::Paste);
     }}),
     [](const auto& info) { return std::string(info.param.name); });
