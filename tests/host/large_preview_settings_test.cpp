@@ -17,6 +17,4 @@ TEST(LargePreviewSize, KeptBesideThePlacementAndHeldInRange)
 
     directory.WriteText("[LargePreview]\nWidth=-3\nHeight=99999999999\n");
     EXPECT_EQ(ReadLargePreviewSize(directory.FilePath()), QSize(64, 4096));
-    directory.WriteText("[LargePreview]\nWidth=abc\n");
-    EXPECT_EQ(ReadLargePreviewSize(directory.FilePath()), QSize(64, 512));
 }
