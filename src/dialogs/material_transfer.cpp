@@ -37,6 +37,7 @@ QString DraggedAttributeFile(const QMimeData* data)
     const QUrl url = data->urls().front();
     if (!url.isLocalFile())
         return {};
-    const QString path = url.toLocalFile();
-    return QFileInfo(path).suffix().compare(u"qva", Qt::CaseInsensitive) == 0 ? path : QString();
+    const QFileInfo file(url.toLocalFile());
+    const bool qva = file.suffix().compare(u"qva", Qt::CaseInsensitive) == 0;
+    return qva && !file.isDir() ? file.filePath() : QString();
 }

@@ -28,9 +28,9 @@ QString MaterialToClipboardText(const FZAttributeEx& record);
 // -6 for text that is no material, -4 for a wrong key or value).
 [[nodiscard]] int MaterialFromClipboardText(const QString& text, FZAttributeEx& record);
 
-// The attribute file that a drag carries: exactly one local file whose name
-// ends in ".qva" (in any case). Empty for anything else, which the editor
-// refuses as soon as the drag enters it.
+// The attribute file that a drag carries: exactly one local file (not a
+// directory) whose name ends in ".qva", in any case. Empty for anything else,
+// which the editor refuses as soon as the drag enters it.
 QString DraggedAttributeFile(const QMimeData* data);
 
 #endif
