@@ -1,11 +1,13 @@
 // The rainbow gloss and transparency dialogs, what all three parameter
 // dialogs share (the shape buttons, OK, Cancel, Esc), and the material
 // dialog's ",,," buttons that open them.
+#include <cmath>
 #include <cstring>
 #include <limits>
 
 #include <QCheckBox>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QSpinBox>
 #include <QTest>
 #include <QTimer>
@@ -28,27 +30,20 @@ TEST(RainbowDialog, TheSquareCurveFromWideToNarrow)
     auto dialog = OpenParameterDialog<CDlgRainbowHighlight>(FZAttributeEx());  // 1000
     EXPECT_EQ(Position(dialog.get(), rainbow_id::kSpacing), 8);
     EXPECT_EQ(dialog->Attribute().stripeSpacing, 1000.0f);  // untouched until moved
-    const struct {
-        QAbstractSlider::SliderAction action;
-        int dragTo;
-        float spacing;
-    } moves[] = {{QAbstractSlider::SliderSingleStepAdd, -1, 1092.25f},
-                 {QAbstractSlider::SliderPageStepSub, -1, 700.25f},
-                 {QAbstractSlider::SliderMove, 10, 1325.0f},
-                 {QAbstractSlider::SliderMove, 20, 5000.0f},
-                 {QAbstractSlider::SliderSingleStepAdd, -1, 5000.0f},  // held at the end
-                 {QAbstractSlider::SliderMove, 0, 100.0f},
-                 {QAbstractSlider::SliderPageStepSub, -1, 100.0f}};
-    for (const auto& m : moves) {
-        if (m.dragTo >= 0)
-            DragTo(dialog.get(), rainbow_id::kSpacing, m.dragTo);
-        else
-            Scroll(dialog.get(), rainbow_id::kSpacing, m.action);
-        EXPECT_EQ(dialog->Attribute().stripeSpacing, m.spacing);
+    using A = QAbstractSlider;
+    for (auto [action, to, spacing] : {std::tuple{A::SliderSingleStepAdd, -1, 1092.25f},
+                                       std::tuple{A::SliderPageStepSub, -1, 700.25f},
+                                       std::tuple{A::SliderMove, 20, 5000.0f},
+                                       std::tuple{A::SliderSingleStepAdd, -1, 5000.0f},  // held
+                                       std::tuple{A::SliderMove, 0, 100.0f},
+                                       std::tuple{A::SliderPageStepSub, -1, 100.0f}}) {
+        to >= 0 ? DragTo(dialog.get(), rainbow_id::kSpacing, to)
+                : Scroll(dialog.get(), rainbow_id::kSpacing, action);
+        EXPECT_EQ(dialog->Attribute().stripeSpacing, spacing);
     }
     EXPECT_EQ(RainbowCurve().Position(884.0f), 8);
     EXPECT_EQ(RainbowCurve().Position(883.9f), 7);
-    for (float spacing : {50.0f, -1e30f, kNaN, -kInf, kInf, 1e30f}) {
+    for (float spacing : {50.0f, kNaN, -kInf, kInf}) {
         FZAttributeEx record;
         record.stripeSpacing = spacing;
         auto opened = OpenParameterDialog<CDlgRainbowHighlight>(record);
@@ -82,17 +77,13 @@ TEST(TransparencyDialog, SlidersStoreTwentiethsHeldAtTheEnds)
 
 TEST(TransparencyDialog, ThicknessSpinBoxHoldsHostValuesAndTakesKeys)
 {
-    const struct {
-        float thickness;
-        int shown;
-    } cases[] = {{4.0f, 4}, {25.0f, 20}, {4.9f, 4}, {0.0f, 1}, {-3.0f, 1}, {kNaN, 1}, {kInf, 20}};
-    for (const auto& c : cases) {
+    for (auto [thickness, shown] : {std::pair{4.9f, 4}, std::pair{25.0f, 20}, std::pair{-3.0f, 1},
+                                    std::pair{kNaN, 1}, std::pair{kInf, 20}}) {
         FZAttributeEx record;
-        record.thickness = c.thickness;
+        record.thickness = thickness;
         auto dialog = OpenParameterDialog<CDlgTransparency>(record, 99);
-        EXPECT_EQ(DlgItem<QSpinBox>(dialog.get(), transparency_id::kThickness)->value(), c.shown);
-        EXPECT_TRUE(std::isnan(c.thickness) ? std::isnan(dialog->Attribute().thickness)
-                                            : dialog->Attribute().thickness == c.thickness);
+        EXPECT_EQ(DlgItem<QSpinBox>(dialog.get(), transparency_id::kThickness)->value(), shown);
+        EXPECT_EQ(std::isnan(thickness) || dialog->Attribute().thickness == thickness, true);
     }
     auto dialog = OpenParameterDialog<CDlgTransparency>(FZAttributeEx());
     auto* spin = DlgItem<QSpinBox>(dialog.get(), transparency_id::kThickness);
@@ -103,97 +94,68 @@ TEST(TransparencyDialog, ThicknessSpinBoxHoldsHostValuesAndTakesKeys)
     EXPECT_EQ(dialog->Attribute().thickness, 20.0f);
 }
 
-// Runs a parameter dialog modally, driving it with `drive` once it shows.
-template <typename Dialog>
-int RunModal(Dialog& dialog, const std::function<void(Dialog&)>& drive)
-{
-    QTimer::singleShot(0, &dialog, [&] { drive(dialog); });
-    return dialog.exec();
-}
-
-TEST(ParameterDialogs, CancelAndEscKeepNoRecordButHandBackTheShape)
+TEST(ParameterDialogs, EscCancelsAndTheShapeComesBackAnyway)
 {
     CDlgRainbowHighlight rainbow;
     rainbow.SetAttribute(FZAttributeEx(), 0);
     rainbow.SetSampleShape(4);
-    EXPECT_EQ(RunModal<CDlgRainbowHighlight>(rainbow, [](CDlgRainbowHighlight& d) {
-                  DragTo(&d, rainbow_id::kSpacing, 20);
-                  DlgItem<QPushButton>(&d, rainbow_id::kNextShape)->click();  // wraps to 1
-                  QTest::keyClick(&d, Qt::Key_Escape);
-              }),
-              QDialog::Rejected);
+    QTimer::singleShot(0, &rainbow, [&rainbow] {
+        DragTo(&rainbow, rainbow_id::kSpacing, 20);
+        DlgItem<QPushButton>(&rainbow, rainbow_id::kNextShape)->click();  // wraps to 1
+        QTest::keyClick(&rainbow, Qt::Key_Escape);
+    });
+    EXPECT_EQ(rainbow.exec(), QDialog::Rejected);
     EXPECT_EQ(rainbow.SampleShape(), 1);
-
-    CDlgAnisotropic anisotropic;
-    anisotropic.SetAttribute(FZAttributeEx(), 0);
-    anisotropic.SetSampleShape(2);
-    EXPECT_EQ(RunModal<CDlgAnisotropic>(anisotropic, [](CDlgAnisotropic& d) {
-                  DlgItem<QPushButton>(&d, anisotropic_id::kNextShape)->click();
-                  DlgItem<QPushButton>(&d, anisotropic_id::kNextShape)->click();
-                  DlgItem<QPushButton>(&d, kIdCancel)->click();
-              }),
-              QDialog::Rejected);
-    EXPECT_EQ(anisotropic.SampleShape(), 4);
 }
 
-class ParameterButtons : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(dialog.Create());
-        FZAttributeEx a;
-        a.anisotropic = 1;
-        a.rainbow = 1;
-        a.transparency = 0.5f;
-        a.color.SetBytes(200, 40, 40);
-        a.smoothWidth = 7.0f;  // no dialog edits it; it must come back as it was
-        dialog.SetAttribute(a);
-        dialog.UpdatePanelView();
-    }
-
-    // Clicks the ",,," button `id` and runs `inside` on the dialog it opens.
-    template <typename Dialog>
-    void Open(int id, const std::function<void(Dialog*)>& inside)
-    {
-        const ModalAnswer answer([&](QWidget* w) {
-            auto* opened = qobject_cast<Dialog*>(w);
-            ASSERT_NE(opened, nullptr);
-            EXPECT_EQ(opened->parentWidget(), nullptr);
-            inside(opened);
-        });
-        DlgItem<QAbstractButton>(&dialog, id)->click();
-        EXPECT_TRUE(answer.Seen());
-    }
-
-    const FZAttributeEx& Record() { return CDlgAttributeTestAccess::Record(dialog); }
-    int Shape() { return CDlgAttributeTestAccess::Preview(dialog).ShapeNumber(); }
-
-    CDlgAttribute dialog{nullptr};
-};
-
-TEST_F(ParameterButtons, OkBringsTheRecordBackAndCancelOnlyTheShape)
+// Clicks the material dialog's ",,," button `id` and runs `inside` on the
+// dialog it opens, which has no parent.
+template <typename Dialog>
+void OpenFrom(CDlgAttribute& editor, int id, const std::function<void(Dialog*)>& inside)
 {
-    DlgItem<QPushButton>(&dialog, kIdShapeNext)->click();  // to shape 2
-    dialog.SetColorBind(1);
-    Open<CDlgRainbowHighlight>(kIdRainbowParameter, [](CDlgRainbowHighlight* d) {
+    const ModalAnswer<Dialog> answer([&](Dialog* opened) {
+        ASSERT_NE(opened, nullptr);
+        EXPECT_EQ(opened->parentWidget(), nullptr);
+        inside(opened);
+    });
+    DlgItem<QAbstractButton>(&editor, id)->click();
+    EXPECT_TRUE(answer.Seen());
+}
+
+TEST(ParameterButtons, OkBringsTheRecordBackAndCancelOnlyTheShape)
+{
+    CDlgAttribute editor(nullptr);
+    ASSERT_TRUE(editor.Create());
+    FZAttributeEx a;
+    a.anisotropic = a.rainbow = 1;
+    a.transparency = 0.5f;
+    a.color.SetBytes(200, 40, 40);
+    a.smoothWidth = 7.0f;  // no dialog edits it; it must come back as it was
+    editor.SetAttribute(a);
+    editor.UpdatePanelView();
+    const FZAttributeEx& record = CDlgAttributeTestAccess::Record(editor);
+    const CPreviewPanel& preview = CDlgAttributeTestAccess::Preview(editor);
+
+    DlgItem<QPushButton>(&editor, kIdShapeNext)->click();  // to shape 2
+    OpenFrom<CDlgRainbowHighlight>(editor, kIdRainbowParameter, [](CDlgRainbowHighlight* d) {
         EXPECT_EQ(d->SampleShape(), 2);
         EXPECT_EQ(d->Attribute().color.r, 200);
         DragTo(d, rainbow_id::kSpacing, 10);
         DlgItem<QPushButton>(d, rainbow_id::kNextShape)->click();
         DlgItem<QPushButton>(d, kIdOk)->click();
     });
-    EXPECT_EQ(Record().stripeSpacing, 1325.0f);
-    EXPECT_EQ(Record().smoothWidth, 7.0f);
-    EXPECT_EQ(Shape(), 3);  // shown with it
+    EXPECT_EQ(record.stripeSpacing, 1325.0f);
+    EXPECT_EQ(record.smoothWidth, 7.0f);
+    EXPECT_EQ(preview.ShapeNumber(), 3);  // shown with it
 
-    const FZAttributeEx before = Record();
-    Open<CDlgTransparency>(kIdTransparencyParameter, [](CDlgTransparency* d) {
-        DragTo(d, transparency_id::kIncidence, 20);
-        DlgItem<QPushButton>(d, transparency_id::kNextShape)->click();
+    const FZAttributeEx before = record;
+    OpenFrom<CDlgAnisotropic>(editor, kIdAnisotropicParameter, [](CDlgAnisotropic* d) {
+        DlgItem<QRadioButton>(d, anisotropic_id::kSpiral)->click();
+        DlgItem<QPushButton>(d, anisotropic_id::kNextShape)->click();
         DlgItem<QPushButton>(d, kIdCancel)->click();
     });
-    EXPECT_EQ(std::memcmp(&before, &Record(), sizeof(FZAttributeEx)), 0);
-    EXPECT_EQ(Shape(), 4);
+    EXPECT_EQ(std::memcmp(&before, &record, sizeof(FZAttributeEx)), 0);
+    EXPECT_EQ(preview.ShapeNumber(), 4);
 }
 
 } // namespace

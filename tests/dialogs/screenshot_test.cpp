@@ -60,7 +60,7 @@ TEST(Screenshot, ParameterDialogs)
 {
     if (qEnvironmentVariableIsEmpty("TAMERISK_SCREENSHOT_DIR"))
         GTEST_SKIP() << "TAMERISK_SCREENSHOT_DIR is not set";
-    FZAttributeEx gold;
+    FZAttributeEx gold;  // wavy concentric grooves off the middle
     gold.color.SetBytes(200, 170, 90);
     gold.highlightStrength = 0.9f;
     gold.highlightSharpness = 0.6f;
@@ -71,21 +71,19 @@ TEST(Screenshot, ParameterDialogs)
     gold.anisotropy.center[0] = 0.4f;
     gold.anisotropy.center[1] = 0.6f;
     Save(OpenParameterDialog<CDlgAnisotropic>(gold)->grab().toImage(), "anisotropic-dialog.png");
-
     FZAttributeEx rainbow;
-    rainbow.color.SetBytes(70, 70, 90);
     rainbow.highlightSharpness = 0.3f;
     rainbow.reflection = 0.5f;
     rainbow.rainbow = 1;
+    rainbow.color.SetBytes(70, 70, 90);
     Save(OpenParameterDialog<CDlgRainbowHighlight>(rainbow, 2)->grab().toImage(),
          "rainbow-gloss-dialog.png");
-
     FZAttributeEx glass;
-    glass.color.SetBytes(120, 190, 230);
     glass.transparency = 0.7f;
     glass.refractiveIndex = 1.5f;
     glass.incidenceDependence = 0.5f;
     glass.attenuation = 0.25f;
+    glass.color.SetBytes(120, 190, 230);
     Save(OpenParameterDialog<CDlgTransparency>(glass, 3)->grab().toImage(),
          "transparency-dialog.png");
 }

@@ -5,8 +5,7 @@
 
 #include <functional>
 
-#include <QPoint>
-#include <QString>
+#include <QApplication>
 #include <QTimer>
 
 #include <tamerisk/dlg_attribute.h>
@@ -16,7 +15,6 @@
 
 class CDlgAttributeTestAccess {
 public:
-    static int SampleShape(CDlgAttribute& d) { return d.sampleShape; }
     static const FZAttributeEx& Record(CDlgAttribute& d) { return d.attribute; }
     static CPreviewPanel& Preview(CDlgAttribute& d) { return *d.preview; }
     static int LoadFile(CDlgAttribute& d, const QString& path) { return d.LoadFile(path); }
@@ -25,20 +23,29 @@ public:
     static void OnContextMenu(CDlgAttribute& d, const QPoint& p) { d.OnContextMenu(p); }
 };
 
-// Runs `answer` on the next modal dialog or pop-up menu that opens while it
-// lives (polling every few milliseconds), so that a test can drive a handler
-// that blocks in exec(). Seen() tells whether one came.
+// Runs `answer` on the next modal window or pop-up menu of type T that opens
+// while it lives (polling every few milliseconds), so that a test can drive
+// a handler that blocks in exec(). Seen() tells whether one came.
+template <typename T = QWidget>
 class ModalAnswer {
 public:
-    explicit ModalAnswer(std::function<void(QWidget*)> answer);
-    ~ModalAnswer();
-    ModalAnswer(const ModalAnswer&) = delete;
-    ModalAnswer& operator=(const ModalAnswer&) = delete;
-
+    explicit ModalAnswer(std::function<void(T*)> answer)
+    {
+        QObject::connect(&timer, &QTimer::timeout, &timer, [this, answer] {
+            QWidget* modal = QApplication::activePopupWidget();
+            modal = modal != nullptr ? modal : QApplication::activeModalWidget();
+            if (modal == nullptr || !modal->isVisible())
+                return;
+            seen = true;
+            timer.stop();
+            answer(qobject_cast<T*>(modal));
+        });
+        timer.start(5);
+    }
     bool Seen() const { return seen; }
 
 private:
-    QTimer* timer;
+    QTimer timer;
     bool seen = false;
 };
 
