@@ -220,18 +220,21 @@ bool WriteImage(const QImage& image, const Options& options, QString& error)
 bool Render(const Options& options, const FZAttributeEx& material, QImage& image, QString& error)
 {
     CPreviewPanel panel;
-    const int made = panel.SetUpFrame(options.width, options.height);
-    if (made == -2) {
+    FZResult made = panel.SetUpFrame(options.width, options.height);
+    if (made == FZResult::OutOfMemory) {
         error = QStringLiteral("a frame of %1 x %2 pixels is too large to render")
                     .arg(options.width)
                     .arg(options.height);
         return false;
     }
-    if (made != 0 || panel.BuildSampleShape(options.shape) != 0) {
-        error = QStringLiteral("the preview could not be set up (result code %1)").arg(made);
+    if (made == FZResult::Ok)
+        made = panel.BuildSampleShape(options.shape);
+    if (made == FZResult::Ok)
+        made = panel.ApplyMaterial(material, options.colorBind ? 1 : 0);
+    if (made != FZResult::Ok) {
+        error = QStringLiteral("the preview could not be set up (result code %1)").arg(ResultCode(made));
         return false;
     }
-    panel.ApplyMaterial(material, options.colorBind ? 1 : 0);
     const FZScene* scene = panel.Scene();
     if (scene == nullptr || scene->frame == nullptr || scene->frame->data == nullptr) {
         error = QStringLiteral("the preview rendered no frame");
@@ -265,8 +268,8 @@ int main(int argc, char** argv)
 
     FZAttributeEx material;
     if (!options.material.isEmpty()) {
-        const int loaded = LoadMaterial(options.material, material, error);
-        if (loaded != 0) {
+        const FZResult loaded = LoadMaterial(options.material, material, error);
+        if (loaded != FZResult::Ok) {
             PrintError(ErrorLine(loaded, error));
             return kRunError;
         }

@@ -27,6 +27,8 @@
 #include "attribute.h"
 #include "export.h"
 
+#include "material/result_codes.h"
+
 class CEditHistory;
 class CLargePreview;
 class CPreviewPanel;
@@ -136,9 +138,9 @@ private:
     void DrawHighlightColorPallete();
     bool PickColor(FZColor& color);
     void RandomButtonSubMenu(const QPoint& globalPos);
-    int LoadFile(const QString& path);
-    int SaveFile(const QString& path);
-    void ShowResult(int code);
+    FZResult LoadFile(const QString& path);
+    FZResult SaveFile(const QString& path);
+    void ShowResult(FZResult code);
     void ShowMessage(const QString& text);
     void LoadParameter();
     void SaveParameter();

@@ -282,7 +282,7 @@ bool CDlgAttribute::OnInitDialog()
     MakePreviewSquare();
     // A failed set-up leaves the preview without a scene: the dialog still
     // works, the preview just stays blank, so the result is not shown.
-    preview->SetUp(controls->preview);
+    static_cast<void>(preview->SetUp(controls->preview));
     sampleShape = 1;
     ReDraw();
     LoadParameter();
@@ -410,8 +410,9 @@ void CDlgAttribute::UpdateEnabling()
 
 void CDlgAttribute::ReDraw()
 {
-    preview->ApplyMaterial(attribute, colorBind);
-    preview->Present(controls->preview);
+    // A frame that could not be rendered is not shown; the last one stays.
+    if (preview->ApplyMaterial(attribute, colorBind) == FZResult::Ok)
+        preview->Present(controls->preview);
     DrawColorPallete();
     DrawHighlightColorPallete();
     UpdateEnabling();
@@ -423,8 +424,9 @@ void CDlgAttribute::ShowSampleShape(int shape)
 {
     sampleShape = shape;
     // The sample layer keeps its material: one render shows the new shape.
-    preview->BuildSampleShape(sampleShape);
-    preview->Present(controls->preview);
+    // A frame that could not be rendered is not shown; the last one stays.
+    if (preview->BuildSampleShape(sampleShape) == FZResult::Ok)
+        preview->Present(controls->preview);
     if (largePreview)
         largePreview->ShowMaterial(attribute, colorBind, sampleShape);
 }
@@ -586,23 +588,23 @@ void CDlgAttribute::OnButtonSave()
         ShowResult(SaveFile(path));
 }
 
-int CDlgAttribute::LoadFile(const QString& path)
+FZResult CDlgAttribute::LoadFile(const QString& path)
 {
     FZAttributeEx loaded = attribute;
-    const int code = LoadAttributeFile(QFile::encodeName(path).constData(), loaded);
-    if (code == 0)
+    const FZResult code = LoadAttributeFile(QFile::encodeName(path).constData(), loaded);
+    if (code == FZResult::Ok)
         Edit(loaded, ControlSync::FromRecord);
     return code;
 }
 
-int CDlgAttribute::SaveFile(const QString& path)
+FZResult CDlgAttribute::SaveFile(const QString& path)
 {
     FZAttributeEx record;
     GetAttribute(record);
     return SaveAttributeFile(QFile::encodeName(path).constData(), record);
 }
 
-void CDlgAttribute::ShowResult(int code)
+void CDlgAttribute::ShowResult(FZResult code)
 {
     if (const char* message = ResultMessage(code))
         ShowMessage(QString::fromUtf8(message));
@@ -660,7 +662,7 @@ void CDlgAttribute::OnEditCopy()
 void CDlgAttribute::OnEditPaste()
 {
     FZAttributeEx pasted = attribute;
-    if (MaterialFromClipboardText(QApplication::clipboard()->text(), pasted) != kResultOk) {
+    if (MaterialFromClipboardText(QApplication::clipboard()->text(), pasted) != FZResult::Ok) {
         QApplication::beep();
         return;
     }

@@ -54,15 +54,16 @@ void CParameterDialog::GetAttribute(FZAttributeEx& attribute) const
 
 void CParameterDialog::Refresh()
 {
-    preview.ApplyMaterial(record, colorBind);
-    preview.Present(previewControl);
+    // A frame that could not be rendered is not shown; the last one stays.
+    if (preview.ApplyMaterial(record, colorBind) == FZResult::Ok)
+        preview.Present(previewControl);
 }
 
 void CParameterDialog::SetUpPreview()
 {
     // A failed set-up leaves the preview blank; the dialog works without it.
-    preview.SetUp(previewControl);
-    preview.BuildSampleShape(sampleShape);
+    static_cast<void>(preview.SetUp(previewControl));
+    static_cast<void>(preview.BuildSampleShape(sampleShape));
     Refresh();
 }
 
@@ -84,8 +85,8 @@ void CParameterDialog::showEvent(QShowEvent* event)
 void CParameterDialog::ShowSampleShape(int shape)
 {
     sampleShape = shape;
-    preview.BuildSampleShape(sampleShape);
-    preview.Present(previewControl);
+    if (preview.BuildSampleShape(sampleShape) == FZResult::Ok)
+        preview.Present(previewControl);
 }
 
 void CParameterDialog::OnButtonSampleShapePrevious()

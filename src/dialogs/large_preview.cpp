@@ -61,19 +61,20 @@ void CLargePreview::Render()
         shown = false;
         // An area the scene cannot be made for (none yet, or too large for
         // the memory) keeps the last picture until its next size.
-        if (panel.SetUpFrame(pixels.width(), pixels.height()) != 0) {
+        if (panel.SetUpFrame(pixels.width(), pixels.height()) != FZResult::Ok) {
             panel.ReleaseScene();
             return;
         }
     }
     if (panel.ShapeNumber() != shape) {
         shown = false;
-        if (panel.BuildSampleShape(shape) != 0)
+        if (panel.BuildSampleShape(shape) != FZResult::Ok)
             return;
     }
     if (shown && SameRecord(material, shownMaterial) && colorBind == shownBind)
         return;
-    panel.ApplyMaterial(material, colorBind);
+    if (panel.ApplyMaterial(material, colorBind) != FZResult::Ok)
+        return;
     shownMaterial = material;
     shownBind = colorBind;
     shown = true;

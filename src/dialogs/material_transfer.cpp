@@ -13,19 +13,19 @@ QString MaterialToClipboardText(const FZAttributeEx& record)
     return QString::fromUtf8(MaterialToJson(record, kAttributeFileHeader.currentVersion));
 }
 
-int MaterialFromClipboardText(const QString& text, FZAttributeEx& record)
+FZResult MaterialFromClipboardText(const QString& text, FZAttributeEx& record)
 {
     // The length in UTF-16 units bounds the UTF-8 bytes from below, so the
     // first check refuses a huge paste without converting it.
     if (text.size() > kMaxPastedBytes)
-        return kResultTooLarge;
+        return FZResult::TooLarge;
     const QByteArray bytes = text.toUtf8();
     if (bytes.size() > kMaxPastedBytes)
-        return kResultTooLarge;
+        return FZResult::TooLarge;
     FZAttributeEx read = record;
     QString message;
-    const int rc = ParseMaterial(bytes, read, message);
-    if (rc == kResultOk)
+    const FZResult rc = ParseMaterial(bytes, read, message);
+    if (rc == FZResult::Ok)
         record = read;
     return rc;
 }

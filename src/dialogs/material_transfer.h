@@ -12,6 +12,8 @@
 
 #include <tamerisk/attribute.h>
 
+#include "material/result_codes.h"
+
 class QMimeData;
 
 // Pasted text longer than this is refused before it is read: no material
@@ -22,11 +24,12 @@ inline constexpr qsizetype kMaxPastedBytes = qsizetype{1} << 20;
 // attribute file.
 QString MaterialToClipboardText(const FZAttributeEx& record);
 
-// Reads a material from pasted text. 0 replaces record; on failure record is
-// unchanged and the result is the code: -10 for text over kMaxPastedBytes,
-// otherwise that of reading it as `tamerisk-qva write` reads its input (-8 or
-// -6 for text that is no material, -4 for a wrong key or value).
-[[nodiscard]] int MaterialFromClipboardText(const QString& text, FZAttributeEx& record);
+// Reads a material from pasted text. Ok replaces record; on failure record is
+// unchanged and the result says why: TooLarge for text over kMaxPastedBytes,
+// otherwise what reading it as `tamerisk-qva write` reads its input gives
+// (BadFormat or ReadFailed for text that is no material, BadParameter for a
+// wrong key or value).
+FZResult MaterialFromClipboardText(const QString& text, FZAttributeEx& record);
 
 // The attribute file that a drag carries: exactly one local file (not a
 // directory) whose name ends in ".qva", in any case. Empty for anything else,

@@ -8,10 +8,10 @@
 #include "engine/display/image_display.h"
 #include "preview/preview_panel.h"
 
-int CPreviewPanel::SetUp(QWidget* control)
+FZResult CPreviewPanel::SetUp(QWidget* control)
 {
     if (control == nullptr)
-        return 0;
+        return FZResult::Ok;
     const qreal ratio = control->devicePixelRatioF();
     return SetUpFrame(qRound(control->width() * ratio), qRound(control->height() * ratio));
 }

@@ -45,7 +45,7 @@ QByteArray FileOfVersion(const FZAttributeEx& m, int version)
     if (!file)
         return {};
     QByteArray bytes;
-    if (WriteFileHeader(file, header) == 0 && Write(file, m, version) == 0) {
+    if (WriteFileHeader(file, header) == FZResult::Ok && Write(file, m, version) == FZResult::Ok) {
         bytes.resize(std::ftell(file));
         std::rewind(file);
         bytes.resize(static_cast<qsizetype>(std::fread(bytes.data(), 1, bytes.size(), file)));
@@ -77,7 +77,7 @@ TEST(HostAppReader, AgreesWithTheLibraryForEveryVersionAndPattern)
             const QByteArray bytes = FileOfVersion(Varied(type), version);
             ASSERT_FALSE(bytes.isEmpty());
             FZAttributeEx expected;
-            ASSERT_EQ(LoadAttributeBytes(bytes.constData(), bytes.size(), expected), 0);
+            ASSERT_EQ(LoadAttributeBytes(bytes.constData(), bytes.size(), expected), FZResult::Ok);
 
             FZAttributeEx got;
             EXPECT_EQ(ReadQvaFile(WriteFile(dir, "m.qva", bytes), got), QString());

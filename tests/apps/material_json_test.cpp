@@ -40,12 +40,12 @@ FZAttributeEx RandomRecord(std::mt19937& rng)
     return r;
 }
 
-int FromJson(const std::string& text, FZAttributeEx& record, QString& error)
+FZResult FromJson(const std::string& text, FZAttributeEx& record, QString& error)
 {
     return MaterialFromJson(QByteArray::fromStdString(text), record, error);
 }
 
-std::string ErrorOf(const std::string& text, int expectedCode)
+std::string ErrorOf(const std::string& text, FZResult expectedCode)
 {
     FZAttributeEx record;
     QString error;
@@ -63,7 +63,7 @@ TEST(MaterialJson, EveryFloatBitSurvivesTheRoundTrip)
         const FZAttributeEx r = RandomRecord(rng);
         FZAttributeEx back;
         QString error;
-        ASSERT_EQ(MaterialFromJson(MaterialToJson(r, 10), back, error), 0) << error.toStdString();
+        ASSERT_EQ(MaterialFromJson(MaterialToJson(r, 10), back, error), FZResult::Ok) << error.toStdString();
         ASSERT_TRUE(SameBytes(back, r)) << MaterialToJson(r, 10).toStdString();
     }
 }
@@ -115,12 +115,12 @@ TEST(MaterialJson, MissingKeysTakeDefaultsAndVersionIsIgnored)
     std::mt19937 rng(7);
     FZAttributeEx record = RandomRecord(rng);
     QString error;
-    ASSERT_EQ(FromJson(R"({"version": 3, "diffuse": 0.5, "anisotropy": {"waveCount": 12}})", record, error), 0);
+    ASSERT_EQ(FromJson(R"({"version": 3, "diffuse": 0.5, "anisotropy": {"waveCount": 12}})", record, error), FZResult::Ok);
     FZAttributeEx expected;
     expected.diffuse = 0.5f;
     expected.anisotropy.waveCount = 12;
     EXPECT_TRUE(SameBytes(record, expected));
-    ASSERT_EQ(FromJson(" {} ", record, error), 0);
+    ASSERT_EQ(FromJson(" {} ", record, error), FZResult::Ok);
     EXPECT_TRUE(SameBytes(record, FZAttributeEx()));
 }
 
@@ -130,35 +130,35 @@ TEST(MaterialJson, RefusalsNameTheKeyOrThePlace)
     const std::string bytes = " must be an array of 3 integers from 0 to 255";
     const struct {
         std::string json;
-        int code;
+        FZResult code;
         std::string error;
     } cases[] = {
-        {R"({"diffuse": 0.5, "shine": 1})", kResultBadParameter, "key \"shine\" is unknown"},
-        {R"({"anisotropy": {"type": 2, "wave": 1}})", kResultBadParameter, "key \"anisotropy.wave\" is unknown"},
-        {R"({"anisotropy": {"waveCount": 4.5}})", kResultBadParameter, "key \"anisotropy.waveCount\"" + integer},
-        {R"({"anisotropic": 2147483648})", kResultBadParameter, "key \"anisotropic\"" + integer},
-        {R"({"color": [1, 2, 256]})", kResultBadParameter, "key \"color\"" + bytes},
-        {R"({"highlightColor": [1, 2]})", kResultBadParameter, "key \"highlightColor\"" + bytes},
-        {R"({"anisotropy": {"axis": [0, 0, 32768]}})", kResultBadParameter,
+        {R"({"diffuse": 0.5, "shine": 1})", FZResult::BadParameter, "key \"shine\" is unknown"},
+        {R"({"anisotropy": {"type": 2, "wave": 1}})", FZResult::BadParameter, "key \"anisotropy.wave\" is unknown"},
+        {R"({"anisotropy": {"waveCount": 4.5}})", FZResult::BadParameter, "key \"anisotropy.waveCount\"" + integer},
+        {R"({"anisotropic": 2147483648})", FZResult::BadParameter, "key \"anisotropic\"" + integer},
+        {R"({"color": [1, 2, 256]})", FZResult::BadParameter, "key \"color\"" + bytes},
+        {R"({"highlightColor": [1, 2]})", FZResult::BadParameter, "key \"highlightColor\"" + bytes},
+        {R"({"anisotropy": {"axis": [0, 0, 32768]}})", FZResult::BadParameter,
          "key \"anisotropy.axis\" must be an array of 3 integers from -32768 to 32767"},
-        {R"({"anisotropy": {"center": [0, true, 0]}})", kResultBadParameter,
+        {R"({"anisotropy": {"center": [0, true, 0]}})", FZResult::BadParameter,
          "key \"anisotropy.center\" must be a number"},
-        {R"({"emission": 1e39})", kResultBadParameter, "key \"emission\" is out of the range of a 32-bit float"},
-        {R"({"anisotropy": 1})", kResultBadParameter, "key \"anisotropy\" must be an object"},
-        {R"({"diffuse": 1, "diffuse": 2})", kResultBadParameter, "key \"diffuse\" is given more than once"},
-        {"{\"diffuse\": 0.5,\n  \"ambient\" 1}", kResultBadFormat, "JSON line 2, column 13: expected ':'"},
-        {"[1, 2]", kResultBadFormat, "the JSON text is not an object"},
-        {"{} x", kResultBadFormat, "JSON line 1, column 4: unexpected text after the value"},
-        {"{\"a\": 01}", kResultBadFormat, "JSON line 1, column 8: expected ',' or '}'"},
-        {"{\"a\": \"\\ud800\"}", kResultBadFormat, "JSON line 1, column 14: unpaired surrogate"},
-        {std::string(100000, '['), kResultBadFormat, "JSON line 1, column 66: nested too deeply"},
-        {"", kResultBadFormat, "JSON line 1, column 1: unexpected end of text"},
+        {R"({"emission": 1e39})", FZResult::BadParameter, "key \"emission\" is out of the range of a 32-bit float"},
+        {R"({"anisotropy": 1})", FZResult::BadParameter, "key \"anisotropy\" must be an object"},
+        {R"({"diffuse": 1, "diffuse": 2})", FZResult::BadParameter, "key \"diffuse\" is given more than once"},
+        {"{\"diffuse\": 0.5,\n  \"ambient\" 1}", FZResult::BadFormat, "JSON line 2, column 13: expected ':'"},
+        {"[1, 2]", FZResult::BadFormat, "the JSON text is not an object"},
+        {"{} x", FZResult::BadFormat, "JSON line 1, column 4: unexpected text after the value"},
+        {"{\"a\": 01}", FZResult::BadFormat, "JSON line 1, column 8: expected ',' or '}'"},
+        {"{\"a\": \"\\ud800\"}", FZResult::BadFormat, "JSON line 1, column 14: unpaired surrogate"},
+        {std::string(100000, '['), FZResult::BadFormat, "JSON line 1, column 66: nested too deeply"},
+        {"", FZResult::BadFormat, "JSON line 1, column 1: unexpected end of text"},
     };
     for (const auto& c : cases)
         EXPECT_EQ(ErrorOf(c.json, c.code), c.error) << c.json.substr(0, 40);
     // Strings are not numbers, unless they spell one of the special values.
-    EXPECT_EQ(ErrorOf(R"({"diffuse": "0.5"})", kResultBadParameter).substr(0, 25), "key \"diffuse\" must be a n");
-    EXPECT_EQ(ErrorOf(R"({"emission": "nan:0x3f800000"})", kResultBadParameter).substr(0, 26),
+    EXPECT_EQ(ErrorOf(R"({"diffuse": "0.5"})", FZResult::BadParameter).substr(0, 25), "key \"diffuse\" must be a n");
+    EXPECT_EQ(ErrorOf(R"({"emission": "nan:0x3f800000"})", FZResult::BadParameter).substr(0, 26),
               "key \"emission\" must be a n");
 }
 
@@ -182,31 +182,31 @@ TEST(MaterialJson, LoadMaterialTakesEitherForm)
     stored.anisotropy.spiralTwist = -0.03f;
     stored.thickness = 9.0f;  // not kept by attribute files, kept by JSON
     const QString qva = dir.filePath("m.qva");
-    ASSERT_EQ(SaveAttributeFile(QFile::encodeName(qva).constData(), stored), 0);
+    ASSERT_EQ(SaveAttributeFile(QFile::encodeName(qva).constData(), stored), FZResult::Ok);
     const QString json = dir.filePath("m.json");
     ASSERT_TRUE(WriteBytes(json, "\n  " + MaterialToJson(stored, 4)));
 
     FZAttributeEx record;
     QString message;
     int version = 0;
-    ASSERT_EQ(LoadMaterial(qva, record, message, &version), 0) << message.toStdString();
+    ASSERT_EQ(LoadMaterial(qva, record, message, &version), FZResult::Ok) << message.toStdString();
     EXPECT_EQ(version, 10);
     EXPECT_EQ(record.anisotropy.spiralTwist, -0.03f);
     EXPECT_EQ(record.thickness, 4.0f);
-    ASSERT_EQ(LoadMaterial(json, record, message, &version), 0) << message.toStdString();
+    ASSERT_EQ(LoadMaterial(json, record, message, &version), FZResult::Ok) << message.toStdString();
     EXPECT_EQ(version, 10);
     EXPECT_TRUE(SameBytes(record, stored));
 
     const FZAttributeEx before = record;
-    EXPECT_EQ(LoadMaterial(dir.filePath("absent"), record, message), kResultOpenFailed);
+    EXPECT_EQ(LoadMaterial(dir.filePath("absent"), record, message), FZResult::OpenFailed);
     EXPECT_TRUE(message.startsWith(QString::fromUtf8("ﾌｧｲﾙを開けませんでした。 ") + dir.filePath("absent") + ": "));
     ASSERT_TRUE(WriteBytes(dir.filePath("big.json"), "{\"diffuse\": 0.5" + QByteArray(1 << 20, ' ') + "}"));
-    EXPECT_EQ(LoadMaterial(dir.filePath("big.json"), record, message), kResultTooLarge);
-    EXPECT_EQ(ParseMaterial("<Quorvantel Attribute>0011", record, message, nullptr, "x.qva"), kResultBadVersion);
+    EXPECT_EQ(LoadMaterial(dir.filePath("big.json"), record, message), FZResult::TooLarge);
+    EXPECT_EQ(ParseMaterial("<Quorvantel Attribute>0011", record, message, nullptr, "x.qva"), FZResult::BadVersion);
     EXPECT_EQ(message, QString::fromUtf8("ﾊﾞｰｼﾞｮﾝの異なるﾌｧｲﾙです。 x.qva"));
-    EXPECT_EQ(ParseMaterial("GIF89a" + QByteArray(40, 0), record, message), kResultBadFormat);
-    EXPECT_EQ(ParseMaterial("{\"x\": 1}", record, message, nullptr, "-"), kResultBadParameter);
+    EXPECT_EQ(ParseMaterial("GIF89a" + QByteArray(40, 0), record, message), FZResult::BadFormat);
+    EXPECT_EQ(ParseMaterial("{\"x\": 1}", record, message, nullptr, "-"), FZResult::BadParameter);
     EXPECT_EQ(message, QString::fromUtf8("不適当なﾊﾟﾗﾒｰﾀｰです。 -: key \"x\" is unknown"));
     EXPECT_TRUE(SameBytes(record, before));
-    EXPECT_EQ(ErrorLine(-6, "m"), "error -6: m");
+    EXPECT_EQ(ErrorLine(FZResult::ReadFailed, "m"), "error -6: m");
 }

@@ -65,8 +65,8 @@ TEST_F(QvaToolTest, WriteThenDumpKeepsEveryStoredField)
 
     FZAttributeEx written, dumped;
     QString error;
-    ASSERT_EQ(MaterialFromJson(kEveryStoredField, written, error), 0) << error.toStdString();
-    ASSERT_EQ(MaterialFromJson(dump.out, dumped, error), 0) << error.toStdString();
+    ASSERT_EQ(MaterialFromJson(kEveryStoredField, written, error), FZResult::Ok) << error.toStdString();
+    ASSERT_EQ(MaterialFromJson(dump.out, dumped, error), FZResult::Ok) << error.toStdString();
     EXPECT_EQ(std::memcmp(&written, &dumped, sizeof written), 0) << dump.out.toStdString();
 
     // The same text through standard input gives the same file.

@@ -244,9 +244,9 @@ TEST_F(MaterialDialog, FilesSaveLoadAndReportFailures)
     a.reflection = 0.5f;
     a.thickness = 9.0f;  // never stored
     Show(a);
-    ASSERT_EQ(Access::SaveFile(*dialog, dir.filePath("m.qva")), 0);
+    ASSERT_EQ(Access::SaveFile(*dialog, dir.filePath("m.qva")), FZResult::Ok);
     Show(FZAttributeEx());
-    ASSERT_EQ(Access::LoadFile(*dialog, dir.filePath("m.qva")), 0);
+    ASSERT_EQ(Access::LoadFile(*dialog, dir.filePath("m.qva")), FZResult::Ok);
     EXPECT_EQ(Record().color.g, 200);
     EXPECT_FLOAT_EQ(Record().thickness, 4.0f);
     EXPECT_EQ(Bar(kIdReflection)->value(), 32);  // the controls follow
@@ -255,8 +255,8 @@ TEST_F(MaterialDialog, FilesSaveLoadAndReportFailures)
     ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
     bad.write("<Not an attribute file> at all");
     bad.close();
-    EXPECT_EQ(Access::LoadFile(*dialog, bad.fileName()), -8);
-    EXPECT_EQ(Access::LoadFile(*dialog, dir.filePath("missing.qva")), -5);
+    EXPECT_EQ(Access::LoadFile(*dialog, bad.fileName()), FZResult::BadFormat);
+    EXPECT_EQ(Access::LoadFile(*dialog, dir.filePath("missing.qva")), FZResult::OpenFailed);
     EXPECT_EQ(Record().color.g, 200);  // kept
 
     QString shown;
@@ -264,9 +264,9 @@ TEST_F(MaterialDialog, FilesSaveLoadAndReportFailures)
         shown = b->windowTitle() + ": " + b->text();
         b->accept();
     });
-    Access::ShowResult(*dialog, -12);  // 0 and unknown codes show nothing
-    Access::ShowResult(*dialog, 0);
-    Access::ShowResult(*dialog, -8);
+    Access::ShowResult(*dialog, static_cast<FZResult>(-12));  // 0 and unknown codes show nothing
+    Access::ShowResult(*dialog, FZResult::Ok);
+    Access::ShowResult(*dialog, FZResult::BadFormat);
     EXPECT_EQ(shown, QCoreApplication::applicationName() + QString::fromUtf8(": 未対応のﾃﾞｰﾀ形式です。"));
 }
 

@@ -46,9 +46,9 @@ constexpr auto Same = SameRecord;
 QImage Rendered(const FZAttributeEx& m, int shape, QSize size)
 {
     CPreviewPanel panel;
-    EXPECT_EQ(panel.SetUpFrame(size.width(), size.height()), 0);
-    EXPECT_EQ(panel.BuildSampleShape(shape), 0);
-    panel.ApplyMaterial(m, 0);
+    EXPECT_EQ(panel.SetUpFrame(size.width(), size.height()), FZResult::Ok);
+    EXPECT_EQ(panel.BuildSampleShape(shape), FZResult::Ok);
+    EXPECT_EQ(panel.ApplyMaterial(m, 0), FZResult::Ok);
     return MakeBitmap(*panel.Scene()->frame).convertToFormat(QImage::Format_RGB32);
 }
 
@@ -134,14 +134,14 @@ INSTANTIATE_TEST_SUITE_P(Dialog, EveryEdit, ::testing::Values(
     }},
     Edit{"CheckBox", [](Comforts& t) { t.Click(kIdColorTransparency); }},
     Edit{"ColourChosen", [](Comforts& t) {
-        const ModalAnswer answer([](QWidget* w) {
-            qobject_cast<QColorDialog*>(w)->setCurrentColor(QColor(1, 2, 3));
-            qobject_cast<QColorDialog*>(w)->accept();
+        const ModalAnswer<QColorDialog> answer([](QColorDialog* picker) {
+            picker->setCurrentColor(QColor(1, 2, 3));
+            picker->accept();
         });
         t.Click(kIdHighlightSwatch);
     }},
     Edit{"ParameterDialogOk", [](Comforts& t) {
-        const ModalAnswer answer([](QWidget* w) {
+        const ModalAnswer<> answer([](QWidget* w) {
             DlgItem<QScrollBar>(w, 4036)->setSliderPosition(10);  // stripe spacing
             DlgItem<QAbstractButton>(w, kIdOk)->click();
         });
@@ -168,7 +168,7 @@ TEST_F(Comforts, ANewEditDropsTheRedoSteps)
     Click(kIdShapeNext);
     Keys(QKeySequence::Redo);
     EXPECT_TRUE(Same(Record(), stepped));
-    EXPECT_EQ(CDlgAttributeTestAccess::SampleShape(*dialog), 2);
+    EXPECT_EQ(CDlgAttributeTestAccess::Preview(*dialog).ShapeNumber(), 2);
     Keys(QKeySequence::Undo);
     Click(kIdSmooth);
     const FZAttributeEx smooth = Record();
@@ -208,7 +208,7 @@ TEST_F(Comforts, DroppedQvaLoadsAsOpenDoesAndOtherFilesAreRefused)
     QTemporaryDir dir;
     FZAttributeEx saved;
     saved.emission = 0.5f;
-    ASSERT_EQ(SaveAttributeFile(dir.filePath("m.QVA").toLocal8Bit().constData(), saved), 0);
+    ASSERT_EQ(SaveAttributeFile(dir.filePath("m.QVA").toLocal8Bit().constData(), saved), FZResult::Ok);
     EXPECT_FALSE(DropFile(Bar(kIdDiffuse), dir.filePath("m.txt")));
     ASSERT_TRUE(DropFile(Bar(kIdDiffuse), dir.filePath("m.QVA")));
     ASSERT_TRUE(QTest::qWaitFor([&] { return Same(Record(), saved); }));
@@ -218,9 +218,9 @@ TEST_F(Comforts, DroppedQvaLoadsAsOpenDoesAndOtherFilesAreRefused)
     QFile bad(dir.filePath("bad.qva"));
     ASSERT_TRUE(bad.open(QIODevice::WriteOnly) && bad.write("<Quorvantel Attribute>0099") > 0);
     bad.close();
-    const ModalAnswer answer([](QWidget* w) {
-        EXPECT_EQ(qobject_cast<QMessageBox*>(w)->text(), QString::fromUtf8("ﾊﾞｰｼﾞｮﾝの異なるﾌｧｲﾙです。"));
-        qobject_cast<QMessageBox*>(w)->accept();
+    const ModalAnswer<QMessageBox> answer([](QMessageBox* box) {
+        EXPECT_EQ(box->text(), QString::fromUtf8("ﾊﾞｰｼﾞｮﾝの異なるﾌｧｲﾙです。"));
+        box->accept();
     });
     ASSERT_TRUE(DropFile(Bar(kIdDiffuse), dir.filePath("bad.qva")));
     ASSERT_TRUE(QTest::qWaitFor([&] { return answer.Seen(); }));
@@ -250,8 +250,9 @@ TEST_F(Comforts, LargePreviewFollowsTheEditorAndKeepsItsSize)
     };
     EXPECT_TRUE(shows(start, 1));
     const QString directory = qEnvironmentVariable("TAMERISK_SCREENSHOT_DIR");
-    if (!directory.isEmpty() && QDir().mkpath(directory))
+    if (!directory.isEmpty() && QDir().mkpath(directory)) {
         EXPECT_TRUE(window->grab().save(QDir(directory).filePath("large-preview.png")));
+    }
 
     Bar(kIdDiffuse)->triggerAction(QAbstractSlider::SliderPageStepAdd);
     Click(kIdShapeNext);

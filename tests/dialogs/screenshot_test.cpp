@@ -104,8 +104,8 @@ TEST(HighDensity, PreviewRendersAtTheScreensPixels)
     ASSERT_EQ(shown.size(), canvas->size() * ratio);
 
     CPreviewPanel panel;
-    ASSERT_EQ(panel.SetUpFrame(shown.width(), shown.height()), 0);
-    panel.ApplyMaterial(RedMaterial(), 0);
+    ASSERT_EQ(panel.SetUpFrame(shown.width(), shown.height()), FZResult::Ok);
+    ASSERT_EQ(panel.ApplyMaterial(RedMaterial(), 0), FZResult::Ok);
     shown.setDevicePixelRatio(1.0);
     EXPECT_EQ(shown, MakeBitmap(*panel.Scene()->frame));
     // Shown pixel for pixel: the window's picture holds the frame unscaled.

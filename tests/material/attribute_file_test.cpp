@@ -32,7 +32,7 @@ bool SameBytes(const FZAttributeEx& a, const FZAttributeEx& b)
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-int Load(const ByteVector& bytes, FZAttributeEx& record, int* version = nullptr)
+FZResult Load(const ByteVector& bytes, FZAttributeEx& record, int* version = nullptr)
 {
     return LoadAttributeBytes(bytes.data(), bytes.size(), record, version);
 }
@@ -79,7 +79,7 @@ protected:
     ByteVector Saved(const FZAttributeEx& r)
     {
         const fs::path p = dir / "saved.qva";
-        EXPECT_EQ(SaveAttributeFile(p.c_str(), r), 0);
+        EXPECT_EQ(SaveAttributeFile(p.c_str(), r), FZResult::Ok);
         return ReadAll(p);
     }
     // Checks that target still holds old and nothing else was left behind.
@@ -99,13 +99,13 @@ protected:
 
 TEST(ResultCodes, MessagesOfTheTable)
 {
-    EXPECT_STREQ(ResultMessage(kResultError), "何らかのｴﾗｰが起りました。");
-    EXPECT_STREQ(ResultMessage(kResultOpenFailed), "ﾌｧｲﾙを開けませんでした。");
-    EXPECT_STREQ(ResultMessage(kResultReadFailed), "ﾌｧｲﾙからﾃﾞｰﾀを読み込めませんでした。");
-    EXPECT_STREQ(ResultMessage(kResultBadVersion), "ﾊﾞｰｼﾞｮﾝの異なるﾌｧｲﾙです。");
-    EXPECT_STREQ(ResultMessage(kResultNoData), "ﾃﾞｰﾀがありません。");
+    EXPECT_STREQ(ResultMessage(FZResult::Error), "何らかのｴﾗｰが起りました。");
+    EXPECT_STREQ(ResultMessage(FZResult::OpenFailed), "ﾌｧｲﾙを開けませんでした。");
+    EXPECT_STREQ(ResultMessage(FZResult::ReadFailed), "ﾌｧｲﾙからﾃﾞｰﾀを読み込めませんでした。");
+    EXPECT_STREQ(ResultMessage(FZResult::BadVersion), "ﾊﾞｰｼﾞｮﾝの異なるﾌｧｲﾙです。");
+    EXPECT_STREQ(ResultMessage(FZResult::NoData), "ﾃﾞｰﾀがありません。");
     for (int code : {0, -12, 1})
-        EXPECT_EQ(ResultMessage(code), nullptr) << code;
+        EXPECT_EQ(ResultMessage(static_cast<FZResult>(code)), nullptr) << code;
 }
 
 TEST_F(AttributeFileTest, WriterSizesFollowTheGrooveType)
@@ -173,7 +173,7 @@ TEST_F(AttributeFileTest, EveryVersionReadsWhatItHolds)
             SCOPED_TRACE(testing::Message() << "version " << version << " type " << type);
             FZAttributeEx loaded = DistinctiveMaterial(5);
             int fileVersion = -1;
-            ASSERT_EQ(Load(HandBuiltFile(r, version), loaded, &fileVersion), 0);
+            ASSERT_EQ(Load(HandBuiltFile(r, version), loaded, &fileVersion), FZResult::Ok);
             EXPECT_EQ(fileVersion, version);
             EXPECT_TRUE(SameBytes(loaded, ExpectedAfterLoad(r, version)));
         }
@@ -183,13 +183,13 @@ TEST_F(AttributeFileTest, EveryVersionReadsWhatItHolds)
     const ByteVector v3 = HandBuiltFile(DistinctiveMaterial(2), 3);
     ASSERT_EQ(v3.size(), 512u + 36u);
     FZAttributeEx loaded;
-    ASSERT_EQ(Load(v3, loaded), 0);
+    ASSERT_EQ(Load(v3, loaded), FZResult::Ok);
     EXPECT_EQ(loaded.diffuse, 0.25f);
     EXPECT_EQ(loaded.reflection, 0.625f);
     EXPECT_EQ(loaded.anisotropic, 0);
     EXPECT_EQ(loaded.stripeSpacing, 1000.0f);
     EXPECT_EQ(loaded.smoothWidth, 2.0f);
-    ASSERT_EQ(Load(HandBuiltFile(DistinctiveMaterial(2), 4), loaded), 0);
+    ASSERT_EQ(Load(HandBuiltFile(DistinctiveMaterial(2), 4), loaded), FZResult::Ok);
     EXPECT_EQ(loaded.anisotropy.waveCount, 7);
     EXPECT_EQ(loaded.anisotropy.depthVariation, 0.0f);
     EXPECT_EQ(loaded.emission, 0.0f);
@@ -199,8 +199,8 @@ TEST_F(AttributeFileTest, EveryVersionReadsWhatItHolds)
     ByteVector v9 = HandBuiltFile(spiral, 8);
     v9[25] = '9';
     FZAttributeEx from8, from9;
-    ASSERT_EQ(Load(HandBuiltFile(spiral, 8), from8), 0);
-    ASSERT_EQ(Load(v9, from9), 0);
+    ASSERT_EQ(Load(HandBuiltFile(spiral, 8), from8), FZResult::Ok);
+    ASSERT_EQ(Load(v9, from9), FZResult::Ok);
     EXPECT_TRUE(SameBytes(from8, from9));
     EXPECT_EQ(from9.attenuation, 0.35f);
     EXPECT_EQ(from9.anisotropy.depthVariation, 0.0f);
@@ -210,7 +210,7 @@ TEST_F(AttributeFileTest, UnstoredFieldsComeBackAsDefaults)
 {
     FZAttributeEx loaded;
     // Type 4 keeps type and depthVariation only.
-    ASSERT_EQ(Load(Saved(DistinctiveMaterial(4)), loaded), 0);
+    ASSERT_EQ(Load(Saved(DistinctiveMaterial(4)), loaded), FZResult::Ok);
     EXPECT_EQ(loaded.anisotropy.type, 4);
     EXPECT_EQ(loaded.anisotropy.depthVariation, 0.85f);
     EXPECT_EQ(loaded.anisotropy.amplitude, 0.1f);
@@ -233,13 +233,13 @@ TEST_F(AttributeFileTest, RoundTripKeepsEveryStoredBit)
     r.anisotropy.waveCount = INT32_MIN;
     r.anisotropy.axis.z = -32768;
     FZAttributeEx loaded;
-    ASSERT_EQ(Load(Saved(r), loaded), 0);
+    ASSERT_EQ(Load(Saved(r), loaded), FZResult::Ok);
     EXPECT_TRUE(SameBytes(loaded, ExpectedAfterLoad(r, 10)));
     // Extra bytes after the record change nothing.
     ByteVector longer = Saved(r);
     longer.insert(longer.end(), 40, 0x77);
     FZAttributeEx fromLonger;
-    ASSERT_EQ(Load(longer, fromLonger), 0);
+    ASSERT_EQ(Load(longer, fromLonger), FZResult::Ok);
     EXPECT_TRUE(SameBytes(fromLonger, loaded));
 }
 
@@ -252,19 +252,19 @@ TEST_F(AttributeFileTest, RefusedFilesLeaveTheRecordAlone)
     const struct {
         const char* what;
         ByteVector bytes;
-        int code;
+        FZResult code;
     } cases[] = {
-        {"empty file", {}, kResultReadFailed},
-        {"shorter than the magic text", ByteVector(good.begin(), good.begin() + 21), kResultReadFailed},
-        {"ends inside the version", ByteVector(good.begin(), good.begin() + 24), kResultReadFailed},
-        {"legacy padding cut short", ByteVector(legacy.begin(), legacy.begin() + 300), kResultReadFailed},
-        {"one byte of the magic differs", badMagic, kResultBadFormat},
-        {"version 11", QvaHeader("0011", 200), kResultBadVersion},
-        {"version 9999", QvaHeader("9999", 200), kResultBadVersion},
-        {"letters as version", QvaHeader("00a1", 200), kResultBadFormat},
-        {"blank in the version", QvaHeader(" 010", 200), kResultBadFormat},
-        {"negative version", QvaHeader("-001", 600), kResultBadFormat},
-        {"signed version", QvaHeader("+010", 200), kResultBadFormat},
+        {"empty file", {}, FZResult::ReadFailed},
+        {"shorter than the magic text", ByteVector(good.begin(), good.begin() + 21), FZResult::ReadFailed},
+        {"ends inside the version", ByteVector(good.begin(), good.begin() + 24), FZResult::ReadFailed},
+        {"legacy padding cut short", ByteVector(legacy.begin(), legacy.begin() + 300), FZResult::ReadFailed},
+        {"one byte of the magic differs", badMagic, FZResult::BadFormat},
+        {"version 11", QvaHeader("0011", 200), FZResult::BadVersion},
+        {"version 9999", QvaHeader("9999", 200), FZResult::BadVersion},
+        {"letters as version", QvaHeader("00a1", 200), FZResult::BadFormat},
+        {"blank in the version", QvaHeader(" 010", 200), FZResult::BadFormat},
+        {"negative version", QvaHeader("-001", 600), FZResult::BadFormat},
+        {"signed version", QvaHeader("+010", 200), FZResult::BadFormat},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -281,7 +281,7 @@ TEST_F(AttributeFileTest, RefusedFilesLeaveTheRecordAlone)
             SCOPED_TRACE(testing::Message() << "version " << v << ", " << size << " bytes");
             FZAttributeEx record;
             EXPECT_EQ(Load(ByteVector(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)), record),
-                      kResultReadFailed);
+                      FZResult::ReadFailed);
             EXPECT_TRUE(SameBytes(record, FZAttributeEx()));
         }
     }
@@ -290,12 +290,12 @@ TEST_F(AttributeFileTest, RefusedFilesLeaveTheRecordAlone)
 TEST_F(AttributeFileTest, LoadingFromPathsAndMissingFiles)
 {
     FZAttributeEx record;
-    EXPECT_EQ(LoadAttributeFile((dir / "absent.qva").c_str(), record), kResultOpenFailed);
-    EXPECT_EQ(LoadAttributeFile(nullptr, record), kResultOpenFailed);
-    EXPECT_EQ(LoadAttributeFile(dir.c_str(), record), kResultReadFailed);  // a directory
+    EXPECT_EQ(LoadAttributeFile((dir / "absent.qva").c_str(), record), FZResult::OpenFailed);
+    EXPECT_EQ(LoadAttributeFile(nullptr, record), FZResult::OpenFailed);
+    EXPECT_EQ(LoadAttributeFile(dir.c_str(), record), FZResult::ReadFailed);  // a directory
     WriteAll(dir / "old.qva", HandBuiltFile(DistinctiveMaterial(3), 6));
     int version = 0;
-    ASSERT_EQ(LoadAttributeFile((dir / "old.qva").c_str(), record, &version), 0);
+    ASSERT_EQ(LoadAttributeFile((dir / "old.qva").c_str(), record, &version), FZResult::Ok);
     EXPECT_EQ(version, 6);
     EXPECT_TRUE(SameBytes(record, ExpectedAfterLoad(DistinctiveMaterial(3), 6)));
 }
@@ -305,14 +305,14 @@ TEST_F(AttributeFileTest, SavingReplacesTheFileAndKeepsItsPermissions)
     const fs::path target = dir / "material.qva";
     WriteAll(target, ByteVector(300, 0x11));
     ::chmod(target.c_str(), 0640);
-    ASSERT_EQ(SaveAttributeFile(target.c_str(), DistinctiveMaterial(1)), 0);
+    ASSERT_EQ(SaveAttributeFile(target.c_str(), DistinctiveMaterial(1)), FZResult::Ok);
     ExpectOnly(target, HandBuiltFile(DistinctiveMaterial(1), 10, 0));
     EXPECT_EQ(fs::status(target).permissions() & fs::perms::all,
               fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
 
     // Saving through a symbolic link updates the file it names.
     fs::create_symlink(target, dir / "link.qva");
-    ASSERT_EQ(SaveAttributeFile((dir / "link.qva").c_str(), DistinctiveMaterial(3)), 0);
+    ASSERT_EQ(SaveAttributeFile((dir / "link.qva").c_str(), DistinctiveMaterial(3)), FZResult::Ok);
     EXPECT_TRUE(fs::is_symlink(dir / "link.qva"));
     EXPECT_EQ(ReadAll(target).size(), 132u);
 }
@@ -329,9 +329,9 @@ TEST_F(AttributeFileTest, FailedSavesKeepTheOldFile)
                   const rlimit limit{50, 50};
                   if (::setrlimit(RLIMIT_FSIZE, &limit) != 0)
                       return 100;
-                  return -SaveAttributeFile(target.c_str(), DistinctiveMaterial(1));
+                  return -ResultCode(SaveAttributeFile(target.c_str(), DistinctiveMaterial(1)));
               }),
-              -kResultWriteFailed);
+              -ResultCode(FZResult::WriteFailed));
     ExpectOnly(target, old);
 
     // An unwritable directory; root writes anywhere, so the child gives up
@@ -340,11 +340,11 @@ TEST_F(AttributeFileTest, FailedSavesKeepTheOldFile)
     EXPECT_EQ(ExitStatusOfChild([&] {
                   if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0))
                       return 100;
-                  return -SaveAttributeFile(target.c_str(), DistinctiveMaterial(1));
+                  return -ResultCode(SaveAttributeFile(target.c_str(), DistinctiveMaterial(1)));
               }),
-              -kResultOpenFailed);
+              -ResultCode(FZResult::OpenFailed));
     ExpectOnly(target, old);
 
-    EXPECT_EQ(SaveAttributeFile((dir / "no-such-dir" / "m.qva").c_str(), DistinctiveMaterial(1)), kResultOpenFailed);
-    EXPECT_EQ(SaveAttributeFile("", DistinctiveMaterial(1)), kResultOpenFailed);
+    EXPECT_EQ(SaveAttributeFile((dir / "no-such-dir" / "m.qva").c_str(), DistinctiveMaterial(1)), FZResult::OpenFailed);
+    EXPECT_EQ(SaveAttributeFile("", DistinctiveMaterial(1)), FZResult::OpenFailed);
 }

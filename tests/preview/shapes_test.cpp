@@ -17,7 +17,7 @@ protected:
     const float r = static_cast<float>(120 / 2.3);
     FZLayer layer;
 
-    void SetUp() override { ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), 0); }
+    void SetUp() override { ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), FZResult::Ok); }
 
     void Draw(int n) { DrawSampleShape(layer, n, kCenter, kCenter, r); }
 
@@ -50,7 +50,7 @@ TEST_F(SampleShapes, EveryShapeSpansColumnsAndRowsSevenTo112)
 {
     EXPECT_FLOAT_EQ(r, 52.173912f);
     for (int n = 1; n <= 4; ++n) {
-        ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), 0);
+        ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), FZResult::Ok);
         Draw(n);
         FZRect bounds;
         ASSERT_TRUE(CoverageBounds(layer, bounds)) << "shape " << n;
@@ -80,7 +80,7 @@ TEST_F(SampleShapes, PlateWithDimple)
     EXPECT_FLOAT_EQ(layer.depth[60][98], 13.043478f);
     EXPECT_EQ(layer.coverage[60][98], 255);
     FZLayer before;
-    ASSERT_EQ(before.Assign(layer), 0);
+    ASSERT_EQ(before.Assign(layer), FZResult::Ok);
 
     AddDimple(layer, kCenter, kCenter, r - r * 0.25f, r * 0.25f);
     EXPECT_NEAR(layer.depth[60][60], 0.0165f, 1e-4);
@@ -99,7 +99,7 @@ TEST_F(SampleShapes, PlateWithDimple)
 
     // The catalogue does the same two steps.
     FZLayer drawn;
-    ASSERT_EQ(drawn.Create(0, 0, 120, 120, 10.0f), 0);
+    ASSERT_EQ(drawn.Create(0, 0, 120, 120, 10.0f), FZResult::Ok);
     DrawSampleShape(drawn, 1, kCenter, kCenter, r);
     EXPECT_EQ(drawn.depth[60][80], layer.depth[60][80]);
 }
@@ -109,7 +109,7 @@ TEST_F(SampleShapes, DomesAndTheCutHemisphere)
     Draw(2);
     EXPECT_NEAR(MaxDepth(), r / 2, 0.01);
 
-    ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), 0);
+    ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), FZResult::Ok);
     FZDome hemisphere;
     hemisphere.Set(kCenter, kCenter, r, r, 0.0f, r);
     RasterizeShape(layer, hemisphere);
@@ -127,7 +127,7 @@ TEST_F(SampleShapes, DomesAndTheCutHemisphere)
             flat += layer.coverage[y][x] != 0 && layer.depth[y][x] == cut;
     EXPECT_NEAR(std::sqrt(flat / 3.141592653589793) / r, 0.71, 0.02);
 
-    ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), 0);
+    ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), FZResult::Ok);
     Draw(3);
     EXPECT_NEAR(MaxDepth(), level, 1e-4);
 }
@@ -185,7 +185,7 @@ TEST(ShapeRaster, CoverageCountsTheSamplesInside)
     };
     for (const Case& c : cases) {
         FZLayer layer;
-        ASSERT_EQ(layer.Create(0, 0, 2, 2, 0.0f), 0);
+        ASSERT_EQ(layer.Create(0, 0, 2, 2, 0.0f), FZResult::Ok);
         FZDome dome;
         dome.Set(c.cx, c.cy, c.a, c.b, 2.0f, 0.0f);
         RasterizeShape(layer, dome);
@@ -198,7 +198,7 @@ TEST(ShapeRaster, CoverageCountsTheSamplesInside)
 TEST(ShapeRaster, HigherSurfaceWinsOverEarlierDrawing)
 {
     FZLayer layer;
-    ASSERT_EQ(layer.Create(0, 0, 3, 3, 0.0f), 0);
+    ASSERT_EQ(layer.Create(0, 0, 3, 3, 0.0f), FZResult::Ok);
     // Each disc is drawn over the last; the depth is the highest so far.
     for (const auto [height, kept] : {std::pair{4.0f, 4.0f}, {2.0f, 4.0f}, {6.0f, 6.0f}}) {
         FZRoundedDisc disc;
@@ -219,7 +219,7 @@ TEST(ShapeRaster, WildParametersStayInsideTheLayer)
             for (float cx : values)
                 for (float r : values) {
                     FZLayer layer;
-                    ASSERT_EQ(layer.Create(0, 0, size, size, 0.0f), 0);
+                    ASSERT_EQ(layer.Create(0, 0, size, size, 0.0f), FZResult::Ok);
                     DrawSampleShape(layer, n, cx, 2.0f, r);
                     DrawSampleShape(layer, n, 2.0f, cx, r);
                     AddDimple(layer, cx, 1.0f, r, cx);

@@ -17,9 +17,9 @@ class CDlgAttributeTestAccess {
 public:
     static const FZAttributeEx& Record(CDlgAttribute& d) { return d.attribute; }
     static CPreviewPanel& Preview(CDlgAttribute& d) { return *d.preview; }
-    static int LoadFile(CDlgAttribute& d, const QString& path) { return d.LoadFile(path); }
-    static int SaveFile(CDlgAttribute& d, const QString& path) { return d.SaveFile(path); }
-    static void ShowResult(CDlgAttribute& d, int code) { d.ShowResult(code); }
+    static FZResult LoadFile(CDlgAttribute& d, const QString& path) { return d.LoadFile(path); }
+    static FZResult SaveFile(CDlgAttribute& d, const QString& path) { return d.SaveFile(path); }
+    static void ShowResult(CDlgAttribute& d, FZResult code) { d.ShowResult(code); }
     static void OnContextMenu(CDlgAttribute& d, const QPoint& p) { d.OnContextMenu(p); }
 };
 
