@@ -64,7 +64,8 @@ void CEditHistory::Record(const FZAttributeEx& before, const FZAttributeEx& afte
     if (SameRecord(before, after))
         return;
     // The stack owns its commands from here on.
-    stack.push(std::make_unique<CMaterialEdit>(apply, before, after, dragging ? drags : 0).release());
+    const int drag = dragging ? drags : 0;
+    stack.push(std::make_unique<CMaterialEdit>(apply, before, after, drag).release());
 }
 
 void CEditHistory::Watch(const QAbstractSlider* slider)

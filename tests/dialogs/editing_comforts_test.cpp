@@ -40,8 +40,6 @@ struct Host : QWidget {
     bool event(QEvent* e) override { notifications += e->type() == kNotify; return QWidget::event(e); }
 };
 
-constexpr auto Same = SameRecord;
-
 // The picture tamerisk-render draws of the material at that size.
 QImage Rendered(const FZAttributeEx& m, int shape, QSize size)
 {
@@ -71,7 +69,7 @@ public:
         ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
     }
 
-    FZAttributeEx Record() const { FZAttributeEx a; return dialog->GetAttribute(a), a; }
+    FZAttributeEx Record() const { FZAttributeEx a; dialog->GetAttribute(a); return a; }
     QScrollBar* Bar(int id) const { return DlgItem<QScrollBar>(dialog.get(), id); }
     void Click(int id) const { DlgItem<QAbstractButton>(dialog.get(), id)->click(); }
     // Keys go to a slider: the shortcuts work wherever the focus is.
@@ -109,15 +107,15 @@ TEST_P(EveryEdit, IsOneStepOfUndoAndRedo)
     QApplication::setActiveWindow(dialog.get());  // back from a picker
     const FZAttributeEx edited = Record();
     const auto after = Showing();
-    ASSERT_FALSE(Same(edited, start));
+    ASSERT_FALSE(SameRecord(edited, start));
 
     Keys(QKeySequence::Undo);
     Keys(QKeySequence::Undo);
-    EXPECT_TRUE(Same(Record(), start));
+    EXPECT_TRUE(SameRecord(Record(), start));
     EXPECT_EQ(Showing(), before);
     for (const QKeySequence& redo : {QKeySequence("Ctrl+Shift+Z"), QKeySequence("Ctrl+Y")}) {
         Keys(redo);
-        EXPECT_TRUE(Same(Record(), edited));
+        EXPECT_TRUE(SameRecord(Record(), edited));
         EXPECT_EQ(Showing(), after);
         Keys(QKeySequence::Undo);
     }
@@ -125,7 +123,9 @@ TEST_P(EveryEdit, IsOneStepOfUndoAndRedo)
 }
 
 INSTANTIATE_TEST_SUITE_P(Dialog, EveryEdit, ::testing::Values(
-    Edit{"SliderStep", [](Comforts& t) { t.Bar(kIdDiffuse)->triggerAction(QAbstractSlider::SliderPageStepAdd); }},
+    Edit{"SliderStep", [](Comforts& t) {
+        t.Bar(kIdDiffuse)->triggerAction(QAbstractSlider::SliderPageStepAdd);
+    }},
     Edit{"WholeDrag", [](Comforts& t) {
         t.Bar(kIdEmission)->setSliderDown(true);
         for (int p : {5, 20, 40})
@@ -167,13 +167,13 @@ TEST_F(Comforts, ANewEditDropsTheRedoSteps)
     Keys(QKeySequence::Undo);
     Click(kIdShapeNext);
     Keys(QKeySequence::Redo);
-    EXPECT_TRUE(Same(Record(), stepped));
+    EXPECT_TRUE(SameRecord(Record(), stepped));
     EXPECT_EQ(CDlgAttributeTestAccess::Preview(*dialog).ShapeNumber(), 2);
     Keys(QKeySequence::Undo);
     Click(kIdSmooth);
     const FZAttributeEx smooth = Record();
     Keys(QKeySequence::Redo);
-    EXPECT_TRUE(Same(Record(), smooth));
+    EXPECT_TRUE(SameRecord(Record(), smooth));
 }
 
 TEST_F(Comforts, CopyGivesTheDumpTextAndBadPastesChangeNothing)
@@ -185,10 +185,10 @@ TEST_F(Comforts, CopyGivesTheDumpTextAndBadPastesChangeNothing)
                                QString(2 << 20, u' ') + "{}"}) {
         QApplication::clipboard()->setText(bad);
         Keys(QKeySequence::Paste);
-        EXPECT_TRUE(Same(Record(), start)) << bad.left(40).toStdString();
+        EXPECT_TRUE(SameRecord(Record(), start)) << bad.left(40).toStdString();
     }
     Keys(QKeySequence::Undo);
-    EXPECT_TRUE(Same(Record(), start));
+    EXPECT_TRUE(SameRecord(Record(), start));
 }
 
 // Drags a file onto a slider, as a user aims at the window, and drops it
@@ -211,9 +211,9 @@ TEST_F(Comforts, DroppedQvaLoadsAsOpenDoesAndOtherFilesAreRefused)
     ASSERT_EQ(SaveAttributeFile(dir.filePath("m.QVA").toLocal8Bit().constData(), saved), FZResult::Ok);
     EXPECT_FALSE(DropFile(Bar(kIdDiffuse), dir.filePath("m.txt")));
     ASSERT_TRUE(DropFile(Bar(kIdDiffuse), dir.filePath("m.QVA")));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return Same(Record(), saved); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return SameRecord(Record(), saved); }));
     Keys(QKeySequence::Undo);
-    EXPECT_TRUE(Same(Record(), start));
+    EXPECT_TRUE(SameRecord(Record(), start));
 
     QFile bad(dir.filePath("bad.qva"));
     ASSERT_TRUE(bad.open(QIODevice::WriteOnly) && bad.write("<Quorvantel Attribute>0099") > 0);
@@ -224,7 +224,7 @@ TEST_F(Comforts, DroppedQvaLoadsAsOpenDoesAndOtherFilesAreRefused)
     });
     ASSERT_TRUE(DropFile(Bar(kIdDiffuse), dir.filePath("bad.qva")));
     ASSERT_TRUE(QTest::qWaitFor([&] { return answer.Seen(); }));
-    EXPECT_TRUE(Same(Record(), start));
+    EXPECT_TRUE(SameRecord(Record(), start));
     EXPECT_EQ(host.notifications, 0);
 }
 
@@ -246,7 +246,8 @@ TEST_F(Comforts, LargePreviewFollowsTheEditorAndKeepsItsSize)
     window->resize(400, 300);
     ASSERT_TRUE(QTest::qWaitFor([&] { return area->size() == QSize(400, 300); }));
     const auto shows = [&](const FZAttributeEx& m, int shape) {
-        return area->Surface().convertToFormat(QImage::Format_RGB32) == Rendered(m, shape, area->PixelSize());
+        const QImage shown = area->Surface().convertToFormat(QImage::Format_RGB32);
+        return shown == Rendered(m, shape, area->PixelSize());
     };
     EXPECT_TRUE(shows(start, 1));
     const QString directory = qEnvironmentVariable("TAMERISK_SCREENSHOT_DIR");
