@@ -33,7 +33,6 @@ class CEditHistory;
 class CLargePreview;
 class CPreviewPanel;
 class DialogControls;
-class QScrollBar;
 
 class TAMERISK_API CDlgAttribute : public QDialog {
     Q_OBJECT

@@ -424,7 +424,6 @@ void CDlgAttribute::ShowSampleShape(int shape)
 {
     sampleShape = shape;
     // The sample layer keeps its material: one render shows the new shape.
-    // A frame that could not be rendered is not shown; the last one stays.
     if (preview->BuildSampleShape(sampleShape) == FZResult::Ok)
         preview->Present(controls->preview);
     if (largePreview)
@@ -529,11 +528,11 @@ void CDlgAttribute::OnCheckHighlightSmooth()
 
 void CDlgAttribute::OnCheckColorTransparency()
 {
-    // Stored for the host; nothing on the preview depends on it, so the
-    // record changes without a redraw.
-    const FZAttributeEx before = attribute;
-    attribute.colorTransparency = controls->colorTransparency->isChecked() ? 1 : 0;
-    history->Record(before, attribute);
+    // Stored for the host; nothing on the preview depends on it, but it is
+    // an edit like any other.
+    FZAttributeEx edited = attribute;
+    edited.colorTransparency = controls->colorTransparency->isChecked() ? 1 : 0;
+    Edit(edited, ControlSync::Keep);
 }
 
 void CDlgAttribute::OpenParameterDialog(int (*run)(FZAttributeEx&, int, int&))

@@ -63,8 +63,8 @@ void CParameterDialog::SetUpPreview()
 {
     // A failed set-up leaves the preview blank; the dialog works without it.
     static_cast<void>(preview.SetUp(previewControl));
-    static_cast<void>(preview.BuildSampleShape(sampleShape));
-    Refresh();
+    if (preview.BuildSampleShape(sampleShape) == FZResult::Ok)
+        Refresh();
 }
 
 void CParameterDialog::SetScrollBar(QScrollBar* bar, int maximum, int position)

@@ -5,8 +5,6 @@
 #include "engine/display/canvas.h"
 #include "engine/display/image_display.h"
 #include "engine/image.h"
-#include "engine/scene.h"
-#include "preview/preview_panel.h"
 
 namespace {
 
@@ -45,21 +43,6 @@ TEST(Display, BitmapsAreUprightAndRectanglesLandInPlace)
     EXPECT_NE(canvas.Surface().pixel(0, 2), qRgb(255, 0, 0));  // not drawn yet
     Draw(image, &canvas, INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX);  // clipped
     EXPECT_EQ(canvas.Surface().pixel(0, 2), qRgb(255, 0, 0));
-}
-
-TEST(Display, ThePreviewPanelTakesTheControlsSize)
-{
-    CPreviewPanel panel;
-    FZCanvas canvas;
-    canvas.resize(40, 40);
-    panel.Present(&canvas);  // before the set-up: nothing, no failure
-    EXPECT_TRUE(canvas.Surface().isNull());
-    EXPECT_EQ(panel.SetUp(nullptr), FZResult::Ok);
-    ASSERT_EQ(panel.SetUp(&canvas), FZResult::Ok);
-    EXPECT_EQ(panel.Scene()->width, 40);
-    panel.Present(&canvas);
-    // The checkered ground's bottom-left cell is blue (25, 102, 153).
-    EXPECT_EQ(canvas.Surface().pixel(0, 39), qRgb(25, 102, 153));
 }
 
 } // namespace
