@@ -1,5 +1,6 @@
 #include "dialogs/large_preview.h"
 
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "dialogs/material_history.h"
@@ -49,8 +50,15 @@ void CLargePreview::hideEvent(QHideEvent* event)
 void CLargePreview::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
-    if (isVisible())
+    // Dragging the window's edge sends a stream of resizes; the picture for
+    // the new size is made once, when the events that came with it are done.
+    if (!isVisible() || renderQueued)
+        return;
+    renderQueued = true;
+    QTimer::singleShot(0, this, [this] {
+        renderQueued = false;
         Render();
+    });
 }
 
 void CLargePreview::Render()

@@ -53,6 +53,7 @@ private:
     FZAttributeEx shownMaterial;
     int shownBind = 0;
     bool shown = false;  // the area shows the frame of shownMaterial
+    bool renderQueued = false;  // a render for a new size is on its way
 };
 
 #endif

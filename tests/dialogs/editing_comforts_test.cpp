@@ -243,13 +243,12 @@ TEST_F(Comforts, LargePreviewFollowsTheEditorAndKeepsItsSize)
     QWidget* window = OpenLargePreview(*dialog);
     ASSERT_NE(window, nullptr);
     auto* area = window->findChild<FZCanvas*>("4000");
-    window->resize(400, 300);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return area->size() == QSize(400, 300); }));
     const auto shows = [&](const FZAttributeEx& m, int shape) {
         const QImage shown = area->Surface().convertToFormat(QImage::Format_RGB32);
         return shown == Rendered(m, shape, area->PixelSize());
     };
-    EXPECT_TRUE(shows(start, 1));
+    window->resize(400, 300);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return area->size() == QSize(400, 300) && shows(start, 1); }));
     const QString directory = qEnvironmentVariable("TAMERISK_SCREENSHOT_DIR");
     if (!directory.isEmpty() && QDir().mkpath(directory)) {
         EXPECT_TRUE(window->grab().save(QDir(directory).filePath("large-preview.png")));
