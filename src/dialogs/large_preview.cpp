@@ -5,6 +5,7 @@
 
 #include "dialogs/material_history.h"
 #include "engine/display/canvas.h"
+#include "host/large_preview_settings.h"
 #include "host/settings.h"
 
 CLargePreview::CLargePreview(QWidget* owner) : QWidget(owner, Qt::Window)

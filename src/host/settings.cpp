@@ -20,12 +20,6 @@ const QString kTopKey = QStringLiteral("Window/Top");
 const QString kLeftKey = QStringLiteral("Window/Left");
 const QString kDisplayKey = QStringLiteral("Window/Display");
 
-const QString kLargePreviewWidthKey = QStringLiteral("LargePreview/Width");
-const QString kLargePreviewHeightKey = QStringLiteral("LargePreview/Height");
-constexpr int kLargePreviewDefault = 512;
-constexpr int kLargePreviewMin = 64;
-constexpr int kLargePreviewMax = 4096;
-
 std::int64_t ClampToInt(std::int64_t v)
 {
     return std::clamp<std::int64_t>(v, std::numeric_limits<int>::min(),
@@ -126,25 +120,6 @@ void WriteWindowSettings(const QString& filePath, const WindowSettings& settings
     file.setValue(kTopKey, QString::number(settings.top));
     file.setValue(kLeftKey, QString::number(settings.left));
     file.setValue(kDisplayKey, QString::number(settings.display));
-    file.sync();
-}
-
-QSize ReadLargePreviewSize(const QString& filePath)
-{
-    const QSettings file(filePath, QSettings::IniFormat);
-    const auto side = [&file](const QString& key) {
-        const QVariant value = file.value(key);
-        const int read = value.isValid() ? ParseProfileInt(value.toString()) : kLargePreviewDefault;
-        return std::clamp(read, kLargePreviewMin, kLargePreviewMax);
-    };
-    return {side(kLargePreviewWidthKey), side(kLargePreviewHeightKey)};
-}
-
-void WriteLargePreviewSize(const QString& filePath, QSize size)
-{
-    QSettings file(filePath, QSettings::IniFormat);
-    file.setValue(kLargePreviewWidthKey, QString::number(size.width()));
-    file.setValue(kLargePreviewHeightKey, QString::number(size.height()));
     file.sync();
 }
 

@@ -45,14 +45,6 @@ QString SettingsFilePath();
 WindowSettings ReadWindowSettings(const QString& filePath);
 void WriteWindowSettings(const QString& filePath, const WindowSettings& settings);
 
-// The size of the editor's large preview window, section "LargePreview", keys
-// "Width" and "Height": the size of its drawing area in logical pixels. A
-// missing file or key gives 512 x 512; any size read is held within 64 to
-// 4096 on each side, so a hand-edited file cannot ask for an unusable or
-// enormous window.
-QSize ReadLargePreviewSize(const QString& filePath);
-void WriteLargePreviewSize(const QString& filePath, QSize size);
-
 // A saved corner held on a screen: negative coordinates become 0, then a
 // window reaching past the right or bottom edge moves back to end there. A
 // window larger than the screen therefore ends with a negative coordinate.

@@ -26,6 +26,7 @@
 #include "dialogs/templates.h"
 #include "engine/display/canvas.h"
 #include "engine/display/image_display.h"
+#include "host/large_preview_settings.h"
 #include "host/settings.h"
 #include "json/material_json.h"
 #include "material/attribute_file.h"

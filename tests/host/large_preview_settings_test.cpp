@@ -2,6 +2,7 @@
 // placement, read back within 64 to 4096 a side.
 #include <gtest/gtest.h>
 
+#include "host/large_preview_settings.h"
 #include "host/settings.h"
 #include "host/support/settings_directory.h"
 
