@@ -77,6 +77,9 @@ protected:
     void dropEvent(QDropEvent* event) override;
     // A double click on the preview opens the large preview.
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    // Putting the editor away (close box, Enter, Esc, the host) puts its
+    // large preview away too; minimising the editor leaves it.
+    void hideEvent(QHideEvent* event) override;
     // Enter on "OK" and Escape: both only put the dialog away.
     void accept() override;
     void reject() override;

@@ -15,6 +15,7 @@
 #include <QDropEvent>
 #include <QFile>
 #include <QFileDialog>
+#include <QHideEvent>
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
@@ -690,6 +691,13 @@ void CDlgAttribute::mouseDoubleClickEvent(QMouseEvent* event)
 {
     if (childAt(event->position().toPoint()) == controls->preview)
         OpenLargePreview();
+}
+
+void CDlgAttribute::hideEvent(QHideEvent* event)
+{
+    QDialog::hideEvent(event);
+    if (largePreview && !event->spontaneous())
+        largePreview->hide();
 }
 
 void CDlgAttribute::OpenLargePreview()

@@ -260,7 +260,8 @@ TEST_F(Comforts, LargePreviewFollowsTheEditorAndKeepsItsSize)
     EXPECT_TRUE(shows(Record(), 2));
     Keys(QKeySequence::Undo);
     EXPECT_TRUE(shows(start, 2));
-    window->close();
+    dialog->close();  // puts the large preview away with it
+    EXPECT_FALSE(window->isVisible());
     EXPECT_EQ(ReadLargePreviewSize(SettingsFilePath()), QSize(400, 300));
 }
 
