@@ -5,14 +5,19 @@
 // with one thread (the straightforward path) and with the parallel path
 // (every processor, or TAMERISK_THREADS threads); the "preview_px" counter
 // is the side of the square preview.
+//
+// LargePreviewStep is the same step with the large preview open at 512 x 512:
+// the step also renders the material at that size and paints it there.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <QAbstractSlider>
 #include <QApplication>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QTemporaryDir>
 
@@ -35,7 +40,26 @@ int ParallelThreads()
     return resolved;
 }
 
-void SliderStep(benchmark::State& state, const FZAttributeEx& material)
+// Opens the large preview as a user does, with a double click on the
+// dialog's preview, and gives its drawing area the side `side`.
+bool OpenLargePreview(QWidget* preview, int side)
+{
+    const QPointF at(preview->width() / 2.0, preview->height() / 2.0);
+    QMouseEvent click(QEvent::MouseButtonDblClick, at, preview->mapToGlobal(at), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(preview, &click);
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->objectName() == "tamerisk-large-preview" && window->isVisible()) {
+            window->resize(side, side);
+            QApplication::processEvents();
+            const QWidget* area = window->findChild<QWidget*>("4000");
+            return area != nullptr && area->size() == QSize(side, side);
+        }
+    }
+    return false;
+}
+
+void SliderStep(benchmark::State& state, const FZAttributeEx& material, int largeSide)
 {
     SetRenderThreads(static_cast<int>(state.range(0)));
     CDlgAttribute dialog(nullptr);
@@ -53,13 +77,17 @@ void SliderStep(benchmark::State& state, const FZAttributeEx& material)
         state.SkipWithError("the dialog has no diffuse slider or preview");
         return;
     }
+    if (largeSide > 0 && !OpenLargePreview(preview, largeSide)) {
+        state.SkipWithError("the large preview did not open at its size");
+        return;
+    }
     bool up = diffuse->value() < diffuse->maximum();
     for (auto _ : state) {
         diffuse->triggerAction(up ? QAbstractSlider::SliderSingleStepAdd : QAbstractSlider::SliderSingleStepSub);
         QApplication::processEvents();
         up = !up;
     }
-    state.counters["preview_px"] = preview->width();
+    state.counters["preview_px"] = largeSide > 0 ? largeSide : preview->width();
 }
 
 } // namespace
@@ -76,13 +104,16 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
 
     const int parallel = ParallelThreads();
-    for (const BenchMaterial& m : BenchMaterials())
-        benchmark::RegisterBenchmark(("DialogSliderStep/" + m.name).c_str(), SliderStep, m.material)
-            ->ArgName("threads")
-            ->Arg(1)
-            ->Arg(parallel)
-            ->Unit(benchmark::kMillisecond)
-            ->UseRealTime();
+    for (const BenchMaterial& m : BenchMaterials()) {
+        for (const auto& [name, largeSide] : {std::pair{"DialogSliderStep/", 0},
+                                              std::pair{"LargePreviewStep/", 512}})
+            benchmark::RegisterBenchmark((name + m.name).c_str(), SliderStep, m.material, largeSide)
+                ->ArgName("threads")
+                ->Arg(1)
+                ->Arg(parallel)
+                ->Unit(benchmark::kMillisecond)
+                ->UseRealTime();
+    }
 
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))

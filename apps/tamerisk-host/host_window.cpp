@@ -117,6 +117,12 @@ HostWindow::HostWindow(const TameriskFunctions& api, const FZAttributeEx& materi
     layout->addWidget(highlightSwatch, 4, 1);
     layout->addWidget(table, 1, 2, 5, 1);
     layout->addWidget(state, 6, 0, 1, 3);
+    auto* hints = new QLabel(QStringLiteral(
+        "In the editor: Ctrl+Z undoes, Ctrl+Shift+Z or Ctrl+Y redoes; Ctrl+C copies the material "
+        "as JSON text and Ctrl+V pastes one; a .qva file dropped on it loads; a double click on "
+        "its preview opens a large preview."), this);
+    hints->setWordWrap(true);
+    layout->addWidget(hints, 7, 0, 1, 3);
     layout->setRowStretch(5, 1);
     resize(640, 620);
 

@@ -11,7 +11,7 @@
 #include <cstdio>
 #include <string>
 
-#include "common/material_json.h"
+#include "json/material_json.h"
 #include "material/attribute_file.h"
 #include "material/result_codes.h"
 

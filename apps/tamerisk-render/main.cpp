@@ -23,7 +23,7 @@
 
 #include <tamerisk/attribute.h>
 
-#include "common/material_json.h"
+#include "json/material_json.h"
 #include "engine/display/image_display.h"
 #include "engine/parallel.h"
 #include "engine/random.h"

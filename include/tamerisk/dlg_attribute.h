@@ -29,6 +29,8 @@
 
 #include "material/result_codes.h"
 
+class CEditHistory;
+class CLargePreview;
 class CPreviewPanel;
 class DialogControls;
 
@@ -51,7 +53,9 @@ public:
     // window already exists.
     bool Create();
 
-    // Copies the record in; changes no control and redraws nothing.
+    // Copies the record in and starts the edit history at it: undo never goes
+    // back past a record the host handed over. Changes no control and
+    // redraws nothing.
     void SetAttribute(const FZAttributeEx& attribute);
     void GetAttribute(FZAttributeEx& attribute) const;
     // Colour bind: while it is not 0 the host owns the surface colour, the
@@ -68,6 +72,14 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    // A .qva file dragged onto the window loads as "開く" would.
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    // A double click on the preview opens the large preview.
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    // Putting the editor away (close box, Enter, Esc, the host) puts its
+    // large preview away too; minimising the editor leaves it.
+    void hideEvent(QHideEvent* event) override;
     // Enter on "OK" and Escape: both only put the dialog away.
     void accept() override;
     void reject() override;
@@ -108,8 +120,16 @@ private:
     void OnButtonSampleShapeNext();
 
     // Every change the user makes to the record passes here: it becomes the
-    // record, and the preview, the swatches and the enabling follow.
+    // record, and the preview, the swatches and the enabling follow; it is
+    // one step of the edit history.
     void Edit(const FZAttributeEx& edited, ControlSync sync);
+    // Undo and redo: the record and every control, the previews too, without
+    // a word to the host.
+    void ShowRecord(const FZAttributeEx& record);
+    void ConnectEditActions();
+    void OnEditCopy();
+    void OnEditPaste();
+    void OpenLargePreview();
     void UpdateControlsFromAttribute();
     void SetColorControlsOnOff();
     void UpdateEnabling();
@@ -137,6 +157,8 @@ private:
     std::unique_ptr<Controls> controls;
     int sampleShape = 1;
     bool created = false;
+    std::unique_ptr<CEditHistory> history;
+    std::unique_ptr<CLargePreview> largePreview;  // made at the first double click
 };
 
 #endif

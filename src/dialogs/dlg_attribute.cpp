@@ -3,16 +3,24 @@
 #include <array>
 #include <string>
 
+#include <QAction>
+#include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QColorDialog>
 #include <QContextMenuEvent>
 #include <QCoreApplication>
 #include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QFile>
 #include <QFileDialog>
+#include <QHideEvent>
 #include <QMenu>
 #include <QMessageBox>
+#include <QMimeData>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QShortcut>
@@ -22,6 +30,9 @@
 #include "dialogs/color_swatch.h"
 #include "dialogs/dialog_template.h"
 #include "dialogs/dlg_attribute_parameters.h"
+#include "dialogs/large_preview.h"
+#include "dialogs/material_history.h"
+#include "dialogs/material_transfer.h"
 #include "dialogs/random_color.h"
 #include "dialogs/templates.h"
 #include "engine/display/canvas.h"
@@ -165,13 +176,15 @@ struct CDlgAttribute::Controls {
 };
 
 CDlgAttribute::CDlgAttribute(QWidget* parent)
-    : QDialog(parent), preview(std::make_unique<CPreviewPanel>())
+    : QDialog(parent), preview(std::make_unique<CPreviewPanel>()),
+      history(std::make_unique<CEditHistory>([this](const FZAttributeEx& r) { ShowRecord(r); }))
 {
 }
 
 CDlgAttribute::CDlgAttribute(QWidget* notifyWindow, unsigned int notifyMessage)
     : QDialog(nullptr), notifyWindow(notifyWindow), notifyMessage(notifyMessage),
-      preview(std::make_unique<CPreviewPanel>())
+      preview(std::make_unique<CPreviewPanel>()),
+      history(std::make_unique<CEditHistory>([this](const FZAttributeEx& r) { ShowRecord(r); }))
 {
 }
 
@@ -196,6 +209,7 @@ bool CDlgAttribute::Create()
 void CDlgAttribute::SetAttribute(const FZAttributeEx& a)
 {
     attribute = a;
+    history->Restart();
 }
 
 void CDlgAttribute::GetAttribute(FZAttributeEx& a) const
@@ -247,8 +261,11 @@ void CDlgAttribute::ConnectHandlers(const DialogControls& built)
     onClick(kIdShapePrevious, &CDlgAttribute::OnButtonSampleShapePrevious);
     onClick(kIdShapeNext, &CDlgAttribute::OnButtonSampleShapeNext);
 
-    for (std::size_t i = 0; i < kSliderCount; ++i)
+    for (std::size_t i = 0; i < kSliderCount; ++i) {
         ConnectHScroll(controls->sliders[i], [this, i](QScrollBar*, int p) { OnHScroll(i, p); });
+        history->Watch(controls->sliders[i]);
+    }
+    ConnectEditActions();
 
     // The space bar notifies the host wherever the focus is in the window,
     // and presses no button.
@@ -354,10 +371,18 @@ void CDlgAttribute::OnHScroll(std::size_t slider, int position)
 
 void CDlgAttribute::Edit(const FZAttributeEx& edited, ControlSync sync)
 {
+    const FZAttributeEx before = attribute;
     attribute = edited;
     if (sync == ControlSync::FromRecord)
         UpdateControlsFromAttribute();
     ReDraw();
+    history->Record(before, attribute);
+}
+
+void CDlgAttribute::ShowRecord(const FZAttributeEx& record)
+{
+    attribute = record;
+    UpdatePanelView();
 }
 
 void CDlgAttribute::UpdateControlsFromAttribute()
@@ -393,6 +418,8 @@ void CDlgAttribute::ReDraw()
     DrawColorPallete();
     DrawHighlightColorPallete();
     UpdateEnabling();
+    if (largePreview)
+        largePreview->ShowMaterial(attribute, colorBind, sampleShape);
 }
 
 void CDlgAttribute::ShowSampleShape(int shape)
@@ -401,6 +428,8 @@ void CDlgAttribute::ShowSampleShape(int shape)
     // The sample layer keeps its material: one render shows the new shape.
     if (preview->BuildSampleShape(sampleShape) == FZResult::Ok)
         preview->Present(controls->preview);
+    if (largePreview)
+        largePreview->ShowMaterial(attribute, colorBind, sampleShape);
 }
 
 void CDlgAttribute::DrawColorPallete()
@@ -607,4 +636,89 @@ void CDlgAttribute::LoadParameter()
 void CDlgAttribute::SaveParameter()
 {
     SaveWindowPlacement(this);
+}
+
+// Undo and redo from anywhere in the window, copy and paste too; a text field
+// with the focus takes the keys for itself before the window sees them.
+void CDlgAttribute::ConnectEditActions()
+{
+    QAction* undo = history->Stack().createUndoAction(this);
+    undo->setShortcuts(QKeySequence::Undo);
+    QAction* redo = history->Stack().createRedoAction(this);
+    // Both usual redo keys, whichever of them the platform's list holds.
+    QList<QKeySequence> redoKeys = QKeySequence::keyBindings(QKeySequence::Redo);
+    for (const QKeySequence& key : {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z),
+                                    QKeySequence(Qt::CTRL | Qt::Key_Y)}) {
+        if (!redoKeys.contains(key))
+            redoKeys.append(key);
+    }
+    redo->setShortcuts(redoKeys);
+    // Actions are children of the dialog, which deletes them.
+    auto* copy = new QAction(this);
+    copy->setShortcuts(QKeySequence::Copy);
+    connect(copy, &QAction::triggered, this, &CDlgAttribute::OnEditCopy);
+    auto* paste = new QAction(this);
+    paste->setShortcuts(QKeySequence::Paste);
+    connect(paste, &QAction::triggered, this, &CDlgAttribute::OnEditPaste);
+    addActions({undo, redo, copy, paste});
+    setAcceptDrops(true);
+}
+
+void CDlgAttribute::OnEditCopy()
+{
+    QApplication::clipboard()->setText(MaterialToClipboardText(attribute));
+}
+
+void CDlgAttribute::OnEditPaste()
+{
+    FZAttributeEx pasted = attribute;
+    if (MaterialFromClipboardText(QApplication::clipboard()->text(), pasted) != FZResult::Ok) {
+        QApplication::beep();
+        return;
+    }
+    Edit(pasted, ControlSync::FromRecord);
+}
+
+void CDlgAttribute::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (!DraggedAttributeFile(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void CDlgAttribute::dropEvent(QDropEvent* event)
+{
+    const QString path = DraggedAttributeFile(event->mimeData());
+    if (path.isEmpty())
+        return;
+    event->acceptProposedAction();
+    // Loaded once the drop is over: an error box must not open while the
+    // file manager still waits for the drop to finish.
+    QMetaObject::invokeMethod(this, [this, path] { ShowResult(LoadFile(path)); },
+                              Qt::QueuedConnection);
+}
+
+void CDlgAttribute::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (childAt(event->position().toPoint()) == controls->preview)
+        OpenLargePreview();
+}
+
+void CDlgAttribute::hideEvent(QHideEvent* event)
+{
+    QDialog::hideEvent(event);
+    if (largePreview && !event->spontaneous())
+        largePreview->hide();
+}
+
+void CDlgAttribute::OpenLargePreview()
+{
+    if (!largePreview) {
+        largePreview = std::make_unique<CLargePreview>(this);
+        // Undo, redo, copy and paste work in the large preview as well.
+        largePreview->addActions(actions());
+    }
+    largePreview->ShowMaterial(attribute, colorBind, sampleShape);
+    largePreview->show();
+    largePreview->raise();
+    largePreview->activateWindow();
 }

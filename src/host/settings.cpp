@@ -19,10 +19,19 @@ namespace {
 constexpr char kFileName[] = "Tamerisk.ini";
 constexpr char kOverrideVariable[] = "TAMERISK_SETTINGS_DIR";
 
-const QString kSection = QStringLiteral("Window");
+const QString kWindowSection = QStringLiteral("Window");
 const QString kTopKey = QStringLiteral("Top");
 const QString kLeftKey = QStringLiteral("Left");
 const QString kDisplayKey = QStringLiteral("Display");
+const QString kPreviewSection = QStringLiteral("LargePreview");
+const QString kWidthKey = QStringLiteral("Width");
+const QString kHeightKey = QStringLiteral("Height");
+
+// The large preview's sides: a hand-edited file can ask neither for an
+// unusable nor for an enormous window.
+constexpr int kDefaultPreviewSide = 512;
+constexpr int kMinPreviewSide = 64;
+constexpr int kMaxPreviewSide = 4096;
 
 std::int64_t ClampToInt(std::int64_t v)
 {
@@ -63,14 +72,14 @@ QStringList ReadLines(const QString& filePath)
     return lines;
 }
 
-// Whether line opens a section, and whether that section is "Window". Names
-// and keys compare without regard to case, as in private-profile files.
-bool OpensSection(const QString& line, bool& isWindow)
+// Whether line opens a section, and whether that section is the one named.
+// Names and keys compare without regard to case, as in private-profile files.
+bool OpensSection(const QString& line, const QString& section, bool& isThatSection)
 {
     const QString t = line.trimmed();
     if (!t.startsWith(u'[') || !t.endsWith(u']'))
         return false;
-    isWindow = t.mid(1, t.size() - 2).trimmed().compare(kSection, Qt::CaseInsensitive) == 0;
+    isThatSection = t.mid(1, t.size() - 2).trimmed().compare(section, Qt::CaseInsensitive) == 0;
     return true;
 }
 
@@ -80,56 +89,81 @@ bool IsKeyLine(const QString& line, const QString& key)
     return equals >= 0 && line.left(equals).trimmed().compare(key, Qt::CaseInsensitive) == 0;
 }
 
-// The line of key in section "Window" (-1 when missing), and where a new
-// key of that section would go (-1 when the section is missing).
+// A key of a section of the file.
+struct Key {
+    const QString& section;
+    const QString& name;
+};
+
+// The line of the key (-1 when missing), and where a new key of its section
+// would go (-1 when the section is missing).
 struct KeyPlace {
     qsizetype line = -1;
     qsizetype sectionEnd = -1;
 };
 
-KeyPlace FindKey(const QStringList& lines, const QString& key)
+KeyPlace FindKey(const QStringList& lines, Key key)
 {
     KeyPlace place;
-    bool inWindow = false;
+    bool inSection = false;
     for (qsizetype i = 0; i < lines.size(); ++i) {
-        if (OpensSection(lines[i], inWindow)) {
-            if (inWindow && place.sectionEnd < 0)
+        if (OpensSection(lines[i], key.section, inSection)) {
+            if (inSection && place.sectionEnd < 0)
                 place.sectionEnd = i + 1;
-        } else if (inWindow && IsKeyLine(lines[i], key)) {
+        } else if (inSection && IsKeyLine(lines[i], key.name)) {
             place.line = i;
             return place;
-        } else if (inWindow && !lines[i].trimmed().isEmpty()) {
+        } else if (inSection && !lines[i].trimmed().isEmpty()) {
             place.sectionEnd = i + 1;
         }
     }
     return place;
 }
 
-int ReadKey(const QStringList& lines, const QString& key)
+// The key's value; fallback when the key is missing.
+int ReadKey(const QStringList& lines, Key key, int fallback = 0)
 {
     const KeyPlace place = FindKey(lines, key);
     if (place.line < 0)
-        return 0;
+        return fallback;
     const QString& line = lines[place.line];
     return ParseProfileInt(line.mid(line.indexOf(u'=') + 1));
 }
 
-// Sets key in section "Window": in place, else at the end of the section,
-// which is added at the end of the file when missing. Every other line of
-// the file stays as it was.
-void SetKey(QStringList& lines, const QString& key, int value)
+// Sets the key: in place, else at the end of its section, which is added at
+// the end of the file when missing. Every other line of the file stays as
+// it was.
+void SetKey(QStringList& lines, Key key, int value)
 {
-    const QString entry = key + u'=' + QString::number(value);
+    const QString entry = key.name + u'=' + QString::number(value);
     KeyPlace place = FindKey(lines, key);
     if (place.line >= 0) {
         lines[place.line] = entry;
         return;
     }
     if (place.sectionEnd < 0) {
-        lines << u'[' + kSection + u']';
+        lines << u'[' + key.section + u']';
         place.sectionEnd = lines.size();
     }
     lines.insert(place.sectionEnd, entry);
+}
+
+// Replaces the file by the lines as a whole (material/file_replace.h), so a
+// full disk never leaves it half written.
+bool WriteLines(const QString& filePath, const QStringList& lines, QString* reason)
+{
+    const QByteArray text = (lines.join(u'\n') + u'\n').toUtf8();
+    const FileWriteResult written = ReplaceFile(QFile::encodeName(filePath).constData(),
+                                                text.constData(), static_cast<std::size_t>(text.size()));
+    if (reason != nullptr)
+        *reason = QString::fromLocal8Bit(written.reason);
+    return written.Ok();
+}
+
+int PreviewSide(const QStringList& lines, const QString& key)
+{
+    return std::clamp(ReadKey(lines, {kPreviewSection, key}, kDefaultPreviewSide), kMinPreviewSide,
+                      kMaxPreviewSide);
 }
 
 // One axis of the placement: a coordinate before the screen's near edge
@@ -197,24 +231,37 @@ WindowSettings ReadWindowSettings(const QString& filePath)
 {
     const QStringList lines = ReadLines(filePath);
     WindowSettings settings;
-    settings.top = ReadKey(lines, kTopKey);
-    settings.left = ReadKey(lines, kLeftKey);
-    settings.display = ReadKey(lines, kDisplayKey);
+    settings.top = ReadKey(lines, {kWindowSection, kTopKey});
+    settings.left = ReadKey(lines, {kWindowSection, kLeftKey});
+    settings.display = ReadKey(lines, {kWindowSection, kDisplayKey});
     return settings;
 }
 
 bool WriteWindowSettings(const QString& filePath, const WindowSettings& settings, QString* reason)
 {
     QStringList lines = ReadLines(filePath);
-    SetKey(lines, kTopKey, settings.top);
-    SetKey(lines, kLeftKey, settings.left);
-    SetKey(lines, kDisplayKey, settings.display);
-    const QByteArray text = (lines.join(u'\n') + u'\n').toUtf8();
-    const FileWriteResult written = ReplaceFile(QFile::encodeName(filePath).constData(),
-                                                text.constData(), static_cast<std::size_t>(text.size()));
-    if (reason != nullptr)
-        *reason = QString::fromLocal8Bit(written.reason);
-    return written.Ok();
+    SetKey(lines, {kWindowSection, kTopKey}, settings.top);
+    SetKey(lines, {kWindowSection, kLeftKey}, settings.left);
+    SetKey(lines, {kWindowSection, kDisplayKey}, settings.display);
+    return WriteLines(filePath, lines, reason);
+}
+
+QSize ReadLargePreviewSize(const QString& filePath)
+{
+    const QStringList lines = ReadLines(filePath);
+    return {PreviewSide(lines, kWidthKey), PreviewSide(lines, kHeightKey)};
+}
+
+void WriteLargePreviewSize(const QString& filePath, QSize size)
+{
+    QStringList lines = ReadLines(filePath);
+    SetKey(lines, {kPreviewSection, kWidthKey}, size.width());
+    SetKey(lines, {kPreviewSection, kHeightKey}, size.height());
+    QString reason;
+    // Only a convenience is lost: the window opens at its default size.
+    if (!WriteLines(filePath, lines, &reason))
+        qWarning("Tamerisk: the large preview's size could not be saved to %s: %s", qPrintable(filePath),
+                 qPrintable(reason));
 }
 
 QPoint PlaceWindow(QPoint saved, QSize window, const std::vector<QRect>& screens)

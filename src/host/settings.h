@@ -51,6 +51,13 @@ WindowSettings ReadWindowSettings(const QString& filePath);
 // it half written. False, with the system's reason, when it cannot be.
 bool WriteWindowSettings(const QString& filePath, const WindowSettings& settings, QString* reason = nullptr);
 
+// The size of the editor's large preview (its drawing area, in logical
+// pixels), section "LargePreview", keys "Width" and "Height". A missing file
+// or key gives 512 a side; a side is held within 64 to 4096. A size that
+// cannot be written is only not remembered.
+QSize ReadLargePreviewSize(const QString& filePath);
+void WriteLargePreviewSize(const QString& filePath, QSize size);
+
 // Where a window whose frame has the given size goes for a saved frame
 // corner, on a desktop of the given screens (virtual desktop coordinates).
 // It stays on the screen that holds the corner, or moves to the screen

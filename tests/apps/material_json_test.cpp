@@ -7,7 +7,7 @@
 #include <cstring>
 #include <string>
 
-#include "common/material_json.h"
+#include "json/material_json.h"
 #include "material/attribute_file.h"
 #include "material/result_codes.h"
 #include "tool_run.h"

@@ -10,7 +10,7 @@
 #include <cstring>
 
 #include "attribute_bytes.h"
-#include "common/material_json.h"
+#include "json/material_json.h"
 #include "tool_run.h"
 
 namespace {

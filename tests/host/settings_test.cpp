@@ -40,6 +40,18 @@ TEST(SettingsFile, ReadsLikeAPrivateProfileAndWritesOnlyItsKeys)
     WriteSettings({});
 }
 
+TEST(SettingsFile, KeepsTheLargePreviewsSizeBesideThePlacementWithinRange)
+{
+    WriteSettings({});
+    EXPECT_EQ(ReadLargePreviewSize(SettingsFilePath()), QSize(512, 512));
+    ASSERT_TRUE(WriteWindowSettings(SettingsFilePath(), {40, -50, 1}));
+    WriteLargePreviewSize(SettingsFilePath(), {700, 300});
+    EXPECT_EQ(ReadSettings(), "[Window]\nTop=40\nLeft=-50\nDisplay=1\n[LargePreview]\nWidth=700\nHeight=300\n");
+    WriteSettings("[LargePreview]\nWidth=-3\nHeight=99999999999\n");
+    EXPECT_EQ(ReadLargePreviewSize(SettingsFilePath()), QSize(64, 4096));
+    WriteSettings({});
+}
+
 TEST(WindowPlacement, StaysOnTheScreenThatHoldsItsCornerOrMovesToTheNearest)
 {
     const QSize window(400, 300);

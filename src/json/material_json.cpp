@@ -1,4 +1,4 @@
-#include "common/material_json.h"
+#include "json/material_json.h"
 
 #include <QFile>
 
@@ -14,7 +14,7 @@
 #include <string>
 #include <variant>
 
-#include "common/json_value.h"
+#include "json/json_value.h"
 #include "material/attribute_file.h"
 #include "material/result_codes.h"
 

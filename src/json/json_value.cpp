@@ -1,4 +1,4 @@
-#include "common/json_value.h"
+#include "json/json_value.h"
 
 #include <cstdint>
 #include <cstring>

@@ -1,0 +1,268 @@
+// The editing comforts of the material dialog, driven as a user drives them:
+// undo and redo by key, a file dropped on the window, copy and paste through
+// the clipboard, and the large preview opened by a double click.
+//
+// With TAMERISK_SCREENSHOT_DIR set the large preview test writes the README's
+// picture of it there (see screenshot_test.cpp).
+#include <functional>
+#include <memory>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QColorDialog>
+#include <QDir>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+#include <gtest/gtest.h>
+
+#include "dialogs/dialog_template.h"
+#include "dialogs/material_history.h"
+#include "dialogs/templates.h"
+#include "engine/display/canvas.h"
+#include "engine/display/image_display.h"
+#include "host/settings.h"
+#include "host/settings.h"
+#include "json/material_json.h"
+#include "material/attribute_file.h"
+#include "support/dlg_attribute_access.h"
+
+namespace {
+
+constexpr auto kNotify = static_cast<QEvent::Type>(QEvent::User + 43);
+
+struct Host : QWidget {
+    int notifications = 0;
+    bool event(QEvent* e) override { notifications += e->type() == kNotify; return QWidget::event(e); }
+};
+
+// The picture tamerisk-render draws of the material at that size.
+QImage Rendered(const FZAttributeEx& m, int shape, QSize size)
+{
+    CPreviewPanel panel;
+    EXPECT_EQ(panel.SetUpFrame(size.width(), size.height()), FZResult::Ok);
+    EXPECT_EQ(panel.BuildSampleShape(shape), FZResult::Ok);
+    EXPECT_EQ(panel.ApplyMaterial(m, 0), FZResult::Ok);
+    return MakeBitmap(*panel.Scene()->frame).convertToFormat(QImage::Format_RGB32);
+}
+
+class Comforts : public ::testing::Test {
+public:
+    void SetUp() override
+    {
+        dialog = std::make_unique<CDlgAttribute>(&host, kNotify);
+        ASSERT_TRUE(dialog->Create());
+        // An edit before the host hands its record over: undo never reaches it.
+        Bar(kIdReflection)->triggerAction(QAbstractSlider::SliderPageStepAdd);
+        start.color.SetBytes(200, 60, 40);
+        start.reflection = 0.25f;
+        start.smoothHighlight = 1;
+        start.rainbow = 1;
+        dialog->SetAttribute(start);  // as Tamerisk_SetAttribute does
+        dialog->UpdatePanelView();
+        dialog->showNormal();
+        QApplication::setActiveWindow(dialog.get());
+        ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+    }
+
+    FZAttributeEx Record() const { FZAttributeEx a; dialog->GetAttribute(a); return a; }
+    QScrollBar* Bar(int id) const { return DlgItem<QScrollBar>(dialog.get(), id); }
+    void Click(int id) const { DlgItem<QAbstractButton>(dialog.get(), id)->click(); }
+    // Keys go to a slider: the shortcuts work wherever the focus is.
+    void Keys(const QKeySequence& keys) const { QTest::keySequence(Bar(kIdAmbient), keys); }
+    // What the user sees: every slider and check box, and the preview.
+    std::pair<std::vector<int>, QImage> Showing() const
+    {
+        std::vector<int> values;
+        for (const auto* bar : dialog->findChildren<QScrollBar*>())
+            values.push_back(bar->value());
+        for (const auto* box : dialog->findChildren<QCheckBox*>())
+            values.push_back(box->isChecked());
+        return {values, DlgItem<FZCanvas>(dialog.get(), kIdPreview)->Surface()};
+    }
+
+    Host host;
+    FZAttributeEx start;
+    std::unique_ptr<CDlgAttribute> dialog;
+};
+
+struct Edit {
+    const char* name;
+    std::function<void(Comforts&)> make;
+};
+
+class EveryEdit : public Comforts, public ::testing::WithParamInterface<Edit> {};
+
+// Each kind of edit is one step: undo shows the record before it on every
+// control and the preview, both redo keys the one after it, and the history
+// never goes back past the host's record. The host hears nothing of it.
+TEST_P(EveryEdit, IsOneStepOfUndoAndRedo)
+{
+    const auto before = Showing();
+    GetParam().make(*this);
+    QApplication::setActiveWindow(dialog.get());  // back from a picker
+    const FZAttributeEx edited = Record();
+    const auto after = Showing();
+    ASSERT_FALSE(SameRecord(edited, start));
+
+    Keys(QKeySequence::Undo);
+    Keys(QKeySequence::Undo);
+    EXPECT_TRUE(SameRecord(Record(), start));
+    EXPECT_EQ(Showing(), before);
+    for (const QKeySequence& redo : {QKeySequence("Ctrl+Shift+Z"), QKeySequence("Ctrl+Y")}) {
+        Keys(redo);
+        EXPECT_TRUE(SameRecord(Record(), edited));
+        EXPECT_EQ(Showing(), after);
+        Keys(QKeySequence::Undo);
+    }
+    EXPECT_EQ(host.notifications, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Dialog, EveryEdit, ::testing::Values(
+    Edit{"SliderStep", [](Comforts& t) {
+        t.Bar(kIdDiffuse)->triggerAction(QAbstractSlider::SliderPageStepAdd);
+    }},
+    Edit{"WholeDrag", [](Comforts& t) {
+        t.Bar(kIdEmission)->setSliderDown(true);
+        for (int p : {5, 20, 40})
+            t.Bar(kIdEmission)->setSliderPosition(p);
+        t.Bar(kIdEmission)->setSliderDown(false);
+    }},
+    Edit{"CheckBox", [](Comforts& t) { t.Click(kIdColorTransparency); }},
+    Edit{"ColourChosen", [](Comforts& t) {
+        const ModalAnswer<QColorDialog> answer([](QColorDialog* picker) {
+            picker->setCurrentColor(QColor(1, 2, 3));
+            picker->accept();
+        });
+        t.Click(kIdHighlightSwatch);
+    }},
+    Edit{"ParameterDialogOk", [](Comforts& t) {
+        const ModalAnswer<> answer([](QWidget* w) {
+            DlgItem<QScrollBar>(w, 4036)->setSliderPosition(10);  // stripe spacing
+            DlgItem<QAbstractButton>(w, kIdOk)->click();
+        });
+        t.Click(kIdRainbowParameter);
+    }},
+    Edit{"RandomColour", [](Comforts& t) {
+        for (int i = 0; i < 4 && t.Record().color.r == 200; ++i)
+            t.Click(kIdRandom);
+    }},
+    Edit{"Paste", [](Comforts& t) {
+        // What a file may hold too: the editor takes it without harm.
+        QApplication::clipboard()->setText(R"({"diffuse": "nan", "ambient": "inf", "emission": -1e30,
+            "anisotropic": 1, "anisotropy": {"type": 2, "waveCount": 2147483647}})");
+        t.Keys(QKeySequence::Paste);
+    }}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// A shape change is no edit, and a new edit drops the steps undone before it.
+TEST_F(Comforts, ANewEditDropsTheRedoSteps)
+{
+    Bar(kIdDiffuse)->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    const FZAttributeEx stepped = Record();
+    Keys(QKeySequence::Undo);
+    Click(kIdShapeNext);
+    Keys(QKeySequence::Redo);
+    EXPECT_TRUE(SameRecord(Record(), stepped));
+    EXPECT_EQ(CDlgAttributeTestAccess::Preview(*dialog).ShapeNumber(), 2);
+    Keys(QKeySequence::Undo);
+    Click(kIdSmooth);
+    const FZAttributeEx smooth = Record();
+    Keys(QKeySequence::Redo);
+    EXPECT_TRUE(SameRecord(Record(), smooth));
+}
+
+TEST_F(Comforts, CopyGivesTheDumpTextAndBadPastesChangeNothing)
+{
+    Keys(QKeySequence::Copy);
+    EXPECT_EQ(QApplication::clipboard()->text().toUtf8(), MaterialToJson(start, 10));
+    for (const QString& bad : {QString("a colour"), QString(R"({"diffuse": "x"})"),
+                               QString(R"({"anisotropy": {"waveCount": 1.5}})"),
+                               QString(2 << 20, u' ') + "{}"}) {
+        QApplication::clipboard()->setText(bad);
+        Keys(QKeySequence::Paste);
+        EXPECT_TRUE(SameRecord(Record(), start)) << bad.left(40).toStdString();
+    }
+    Keys(QKeySequence::Undo);
+    EXPECT_TRUE(SameRecord(Record(), start));
+}
+
+// Drags a file onto a slider, as a user aims at the window, and drops it
+// there when the window takes it.
+bool DropFile(QWidget* target, const QString& path)
+{
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(path)});
+    QDragEnterEvent enter(QPoint(2, 2), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &enter);
+    QDropEvent drop(QPointF(2, 2), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    return enter.isAccepted() && QApplication::sendEvent(target, &drop);
+}
+
+TEST_F(Comforts, DroppedQvaLoadsAsOpenDoesAndOtherFilesAreRefused)
+{
+    QTemporaryDir dir;
+    FZAttributeEx saved;
+    saved.emission = 0.5f;
+    ASSERT_EQ(SaveAttributeFile(dir.filePath("m.QVA").toLocal8Bit().constData(), saved), FZResult::Ok);
+    EXPECT_FALSE(DropFile(Bar(kIdDiffuse), dir.filePath("m.txt")));
+    ASSERT_TRUE(DropFile(Bar(kIdDiffuse), dir.filePath("m.QVA")));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return SameRecord(Record(), saved); }));
+    Keys(QKeySequence::Undo);
+    EXPECT_TRUE(SameRecord(Record(), start));
+
+    QFile bad(dir.filePath("bad.qva"));
+    ASSERT_TRUE(bad.open(QIODevice::WriteOnly) && bad.write("<Quorvantel Attribute>0099") > 0);
+    bad.close();
+    const ModalAnswer<QMessageBox> answer([](QMessageBox* box) {
+        EXPECT_EQ(box->text(), QString::fromUtf8("ﾊﾞｰｼﾞｮﾝの異なるﾌｧｲﾙです。"));
+        box->accept();
+    });
+    ASSERT_TRUE(DropFile(Bar(kIdDiffuse), dir.filePath("bad.qva")));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return answer.Seen(); }));
+    EXPECT_TRUE(SameRecord(Record(), start));
+    EXPECT_EQ(host.notifications, 0);
+}
+
+QWidget* OpenLargePreview(const CDlgAttribute& dialog)
+{
+    QTest::mouseDClick(DlgItem<QWidget>(&dialog, kIdPreview), Qt::LeftButton);
+    auto* window = dialog.findChild<QWidget*>("tamerisk-large-preview");
+    return window != nullptr && QTest::qWaitForWindowExposed(window) ? window : nullptr;
+}
+
+// The large preview draws what tamerisk-render draws at the size of its area
+// in device pixels (at QT_SCALE_FACTOR=2 a 400 x 400 window shows an 800 x
+// 800 frame), follows edits, shapes and undo, and keeps its size.
+TEST_F(Comforts, LargePreviewFollowsTheEditorAndKeepsItsSize)
+{
+    QWidget* window = OpenLargePreview(*dialog);
+    ASSERT_NE(window, nullptr);
+    auto* area = window->findChild<FZCanvas*>("4000");
+    const auto shows = [&](const FZAttributeEx& m, int shape) {
+        const QImage shown = area->Surface().convertToFormat(QImage::Format_RGB32);
+        return shown == Rendered(m, shape, area->PixelSize());
+    };
+    window->resize(400, 300);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return area->size() == QSize(400, 300) && shows(start, 1); }));
+    const QString directory = qEnvironmentVariable("TAMERISK_SCREENSHOT_DIR");
+    if (!directory.isEmpty() && QDir().mkpath(directory)) {
+        EXPECT_TRUE(window->grab().save(QDir(directory).filePath("large-preview.png")));
+    }
+
+    Bar(kIdDiffuse)->triggerAction(QAbstractSlider::SliderPageStepAdd);
+    Click(kIdShapeNext);
+    EXPECT_TRUE(shows(Record(), 2));
+    Keys(QKeySequence::Undo);
+    EXPECT_TRUE(shows(start, 2));
+    dialog->close();  // puts the large preview away with it
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(ReadLargePreviewSize(SettingsFilePath()), QSize(400, 300));
+}
+
+} // namespace
