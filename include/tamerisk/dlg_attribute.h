@@ -135,6 +135,7 @@ private:
     void UpdateEnabling();
     // The material changed: shade and render once, then show it.
     void ReDraw();
+    void OnScreenChanged();
     void ShowSampleShape(int shape);
     void DrawColorPallete();
     void DrawHighlightColorPallete();

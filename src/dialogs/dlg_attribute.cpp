@@ -24,6 +24,8 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QShortcut>
+#include <QScreen>
+#include <QWindow>
 
 #include <tamerisk/fz_truncate.h>
 
@@ -288,8 +290,23 @@ bool CDlgAttribute::OnInitDialog()
     sampleShape = 1;
     ReDraw();
     LoadParameter();
+    // Placing the window made its native window, which follows the screens.
+    if (QWindow* window = windowHandle())
+        connect(window, &QWindow::screenChanged, this, &CDlgAttribute::OnScreenChanged);
     randomFamily = 0;
     return true;
+}
+
+void CDlgAttribute::OnScreenChanged()
+{
+    // A screen of another density wants a frame of another pixel size; the
+    // preview is made again for it rather than shown stretched.
+    if (preview->FitsControl(controls->preview))
+        return;
+    static_cast<void>(preview->SetUp(controls->preview));
+    if (sampleShape != 1)
+        static_cast<void>(preview->BuildSampleShape(sampleShape));
+    ReDraw();
 }
 
 void CDlgAttribute::MakePreviewSquare()

@@ -2,6 +2,8 @@
 
 #include <QPushButton>
 #include <QScrollBar>
+#include <QScreen>
+#include <QWindow>
 
 #include "dialogs/templates.h"
 #include "engine/display/canvas.h"
@@ -78,6 +80,13 @@ void CParameterDialog::showEvent(QShowEvent* event)
     if (!initialised) {
         initialised = true;
         OnInitDialog();
+        // Moved to a screen of another density, the preview is made again
+        // at the new resolution.
+        if (QWindow* window = windowHandle())
+            connect(window, &QWindow::screenChanged, this, [this] {
+                if (!preview.FitsControl(previewControl))
+                    SetUpPreview();
+            });
     }
     QDialog::showEvent(event);
 }

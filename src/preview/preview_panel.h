@@ -40,6 +40,8 @@ public:
     // Gives the sample layer the material (white when bind is 1), shades it
     // and renders.
     FZResult ApplyMaterial(const FZAttributeEx& material, std::int32_t bind);
+    // Whether the scene's frame has the control's size in device pixels.
+    bool FitsControl(const QWidget* control) const;
     // Draws the last rendered frame into the control; nothing without a scene.
     void Present(QWidget* control);
 

@@ -16,6 +16,14 @@ FZResult CPreviewPanel::SetUp(QWidget* control)
     return SetUpFrame(qRound(control->width() * ratio), qRound(control->height() * ratio));
 }
 
+bool CPreviewPanel::FitsControl(const QWidget* control) const
+{
+    const FZScene* frame = Scene();
+    const qreal ratio = control->devicePixelRatioF();
+    return frame != nullptr && frame->width == qRound(control->width() * ratio)
+           && frame->height == qRound(control->height() * ratio);
+}
+
 void CPreviewPanel::Present(QWidget* control)
 {
     if (scene == nullptr)
