@@ -38,8 +38,8 @@ public:
         for (std::int32_t* i : {&m.anisotropic, &m.anisotropy.type, &m.anisotropy.waveCount,
                                 &m.colorTransparency, &m.smoothHighlight, &m.rainbow, &m.thinGlass})
             *i = Int();
-        m.color.SetBytes(Byte(), Byte(), Byte());
-        m.highlightColor.SetBytes(Byte(), Byte(), Byte());
+        SetColor(m.color);
+        SetColor(m.highlightColor);
         m.anisotropy.axis.x = static_cast<std::int16_t>(rng_());
         m.anisotropy.axis.y = static_cast<std::int16_t>(rng_());
         m.anisotropy.axis.z = static_cast<std::int16_t>(rng_());
@@ -71,6 +71,16 @@ private:
         return static_cast<std::int32_t>(rng_());
     }
     std::uint8_t Byte() { return static_cast<std::uint8_t>(rng_()); }
+    // Blue is drawn first, then green, then red: the order in which the
+    // table's compiler happened to evaluate SetBytes(Byte(), Byte(), Byte()).
+    // Spelt out, every compiler makes the same records.
+    void SetColor(FZColor& c)
+    {
+        const std::uint8_t b = Byte();
+        const std::uint8_t g = Byte();
+        const std::uint8_t r = Byte();
+        c.SetBytes(r, g, b);
+    }
 
     std::mt19937 rng_;
 };
