@@ -5,10 +5,10 @@
 #define TAMERISK_ENGINE_ENVIRONMENT_H
 
 #include <cstdint>
+#include <vector>
 
 #include "engine/value_types.h"
 
-#include "material/result_codes.h"
 
 struct FZRampSegment {
     float color[3] = {0.0f, 0.0f, 0.0f};
@@ -33,17 +33,9 @@ class FZColorRamp {
 public:
     float tMin = 0.0f;
     float tMax = 0.0f;
-    std::int32_t segmentCount = 0;
-    FZRampSegment* segments = nullptr;
+    std::vector<FZRampSegment> segments;
     float warp = 0.0f;
 
-    FZColorRamp() = default;
-    ~FZColorRamp() { delete[] segments; }
-    FZColorRamp(const FZColorRamp&) = delete;
-    FZColorRamp& operator=(const FZColorRamp&) = delete;
-
-    // Replaces the segments by count default segments; -2 if out of memory.
-    FZResult Allocate(std::int32_t count);
     void Evaluate(double t, float out[3]) const;
 };
 
@@ -63,24 +55,16 @@ public:
     float horizon = 0.0f;             // p, in [-1, 1]
     float blend = 0.1f;               // q, width share of the horizon band
     std::int32_t rampBuilt = 0;
-    FZColorRamp* ramp = nullptr;
-
-    FZEnvironment() = default;
-    ~FZEnvironment() { Release(); }
-    FZEnvironment(const FZEnvironment&) = delete;
-    FZEnvironment& operator=(const FZEnvironment&) = delete;
+    FZColorRamp ramp;
 
     bool IsOn() const { return mode != 0; }
-    // Frees the ramp and clears the built flag.
-    void Release();
 };
 
-// Builds the two-segment sky ramp from the horizon and blend; -2 when the
-// ramp cannot be allocated.
-FZResult BuildSkyRamp(FZEnvironment& env);
+// Builds the two-segment sky ramp from the horizon and blend.
+void BuildSkyRamp(FZEnvironment& env);
 
 // The sky colour along the ray's direction times its weight. Builds the ramp
-// on first use (-2 if that fails). Mode 0 gives black.
-FZResult LookupEnvironment(FZEnvironment& env, const FZRay& ray, float colour[3]);
+// on first use. Mode 0 gives black.
+void LookupEnvironment(FZEnvironment& env, const FZRay& ray, float colour[3]);
 
 #endif

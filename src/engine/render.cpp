@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <new>
 #include <vector>
 
 #include "engine/emission_lattice.h"
@@ -46,26 +45,21 @@ bool ClipToImage(const FZScene& scene, const FZImage& image, FZRect& rect)
 {
     const std::int32_t w = FZMin(scene.width, image.width);
     const std::int32_t h = FZMin(scene.height, image.height);
-    return image.data != nullptr && rect.ClipTo(0, 0, w - 1, h - 1);
+    return !image.data.empty() && rect.ClipTo(0, 0, w - 1, h - 1);
 }
 
 // Makes sure the scene owns an image of its frame size (24-bit, no
 // palette); an image of another size or without pixels is made again.
-FZResult EnsureFrameSizedImage(const FZScene& scene, FZImage*& image)
+FZResult EnsureFrameSizedImage(const FZScene& scene, std::unique_ptr<FZImage>& image)
 {
-    if (image != nullptr && image->data != nullptr && image->width == scene.width
+    if (image != nullptr && !image->data.empty() && image->width == scene.width
         && image->height == scene.height)
         return FZResult::Ok;
-    if (image == nullptr) {
-        image = new (std::nothrow) FZImage;
-        if (image == nullptr)
-            return FZResult::OutOfMemory;
-    }
-    const FZResult result = image->Create(scene.width, scene.height, 3, 0);
-    if (result != FZResult::Ok) {
-        delete image;
-        image = nullptr;
-    }
+    if (image == nullptr)
+        image = std::make_unique<FZImage>();
+    const FZResult result = image->Create(scene.width, scene.height, 3);
+    if (result != FZResult::Ok)
+        image.reset();
     return result;
 }
 
@@ -143,7 +137,6 @@ struct LayerPass {
 struct NormalMemo {
     FZPackedVector skyNormal;
     bool hasSky = false;
-    bool skyFound = false;
     float sky[3] = {0.0f, 0.0f, 0.0f};
     FZPackedVector refractNormal;
     bool hasRefraction = false;
@@ -229,14 +222,14 @@ void RefractedColour(const LayerPass& pass, std::int32_t x, std::int32_t y, std:
 }
 
 // The sky reflected at pixel (x, y) along its normal n, weighted by how
-// squarely n faces the viewer; false when the sky cannot be built.
-bool ReflectedSky(const LayerPass& pass, std::int32_t x, std::int32_t y, float d, const FZPackedVector& n,
+// squarely n faces the viewer.
+void ReflectedSky(const LayerPass& pass, std::int32_t x, std::int32_t y, float d, const FZPackedVector& n,
                   NormalMemo* memo, float sky[3])
 {
     if (memo != nullptr && memo->hasSky && SameVector(memo->skyNormal, n)) {
         for (int c = 0; c < 3; ++c)
             sky[c] = memo->sky[c];
-        return memo->skyFound;
+        return;
     }
     const double facing = -FZPackedVector::Dot(ViewDirection(), n);
     FZRay ray;
@@ -245,15 +238,13 @@ bool ReflectedSky(const LayerPass& pass, std::int32_t x, std::int32_t y, float d
     ray.origin[2] = static_cast<float>(static_cast<double>(d) + pass.bias);
     ray.direction = n;
     ray.weight = static_cast<float>(pass.material.reflection * FZMax(0.0, facing));
-    const bool found = LookupEnvironment(pass.scene.environment, ray, sky) == FZResult::Ok;
+    LookupEnvironment(pass.scene.environment, ray, sky);
     if (memo != nullptr) {
         memo->skyNormal = n;
         memo->hasSky = true;
-        memo->skyFound = found;
         for (int c = 0; c < 3; ++c)
             memo->sky[c] = sky[c];
     }
-    return found;
 }
 
 // One channel of a composited pixel: shade x a, plus what shows through and
@@ -278,7 +269,7 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
     const float d = pass.layer.depth[ly][lx];
     FZPackedVector n;  // an unprepared layer is taken as facing the viewer
     n.z = 30000;
-    if (pass.layer.normals != nullptr)
+    if (!pass.layer.normals.empty())
         n = pass.layer.normals[ly][lx];
 
     float shade[3];
@@ -290,9 +281,8 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
 
     if (pass.reflects) {
         float sky[3] = {0.0f, 0.0f, 0.0f};
-        // A sky that cannot be built reflects nothing.
-        if (ReflectedSky(pass, x, y, d, n, memo, sky))
-            for (int c = 0; c < 3; ++c)
+        ReflectedSky(pass, x, y, d, n, memo, sky);
+        for (int c = 0; c < 3; ++c)
                 shade[c] = static_cast<float>(static_cast<double>(shade[c]) + sky[c]);
     }
 
@@ -370,8 +360,8 @@ void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, st
 void SetUpShortcuts(const LayerPass& pass, ComposeShortcuts& shortcuts)
 {
     const FZLayer& layer = pass.layer;
-    const FZImage* shaded = layer.shaded;
-    shortcuts.opaqueTable = !pass.reflects && !pass.refracts && shaded != nullptr && shaded->data != nullptr
+    const FZImage* shaded = layer.shaded.get();
+    shortcuts.opaqueTable = !pass.reflects && !pass.refracts && shaded != nullptr && !shaded->data.empty()
                             && shaded->bytesPerPixel == 3 && shaded->width >= layer.width
                             && shaded->height >= layer.height;
     struct Tables {
@@ -406,16 +396,12 @@ bool CoversAny(const FZLayer& layer, std::int32_t y0, std::int32_t y1, const FZR
 
 // The sky builds its ramp at its first lookup. The rows of a reflecting
 // layer look it up from several threads at once, so when the layer will
-// look it up, the first lookup happens here; false when the ramp cannot be
-// built (then nothing is reflected, as when every lookup fails).
-bool PrepareSky(const LayerPass& pass, std::int32_t y0, std::int32_t y1, const FZRect& rect)
+// look it up, the first lookup happens here.
+void PrepareSky(const LayerPass& pass, std::int32_t y0, std::int32_t y1, const FZRect& rect)
 {
     FZEnvironment& env = pass.scene.environment;
-    if (env.mode != 1 || env.rampBuilt || !CoversAny(pass.layer, y0, y1, rect))
-        return true;
-    FZRay ray;
-    float sky[3];
-    return LookupEnvironment(env, ray, sky) == FZResult::Ok;
+    if (env.mode == 1 && !env.rampBuilt && CoversAny(pass.layer, y0, y1, rect))
+        BuildSkyRamp(env);
 }
 
 // Composites the layer over the frame inside rect, which lies in the frame.
@@ -432,7 +418,7 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
                          m.transparency > 0.0f,
                          eta};
     CopyRect(frame, *scene.behind, rect);
-    if (layer.coverage == nullptr || layer.depth == nullptr)
+    if (layer.coverage.empty() || layer.depth.empty())
         return;
     const std::int64_t top = std::int64_t{layer.y} + layer.height - 1;
     const std::int32_t y0 = ClampToInt32(FZMax<std::int64_t>(rect.y0, layer.y));
@@ -441,8 +427,8 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
         return;
     ComposeShortcuts shortcuts;
     if (ParallelRendering()) {
-        if (pass.reflects && !PrepareSky(pass, y0, y1, rect))
-            pass.reflects = false;
+        if (pass.reflects)
+            PrepareSky(pass, y0, y1, rect);
         SetUpShortcuts(pass, shortcuts);
         pass.shortcuts = &shortcuts;
     }
@@ -493,7 +479,7 @@ FZLightGrid LightGridOf(const Grid& grid)
 // each cell keeps 1 - a + a x transparency of its light.
 void DimEmissionRow(const FZLayer* front, const FZRect& renderRect, const FZRect& rect, std::int32_t y, float* row)
 {
-    if (front == nullptr || front->IsVisible() == 0 || front->coverage == nullptr)
+    if (front == nullptr || front->IsVisible() == 0 || front->coverage.empty())
         return;
     FZRect frontRect = LayerFrameRect(*front);
     if (!frontRect.Intersect(renderRect) || !frontRect.Intersect(rect) || y < frontRect.y0 || y > frontRect.y1)
@@ -587,7 +573,7 @@ FZResult AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& rende
 {
     const FZLayer& layer = *scene.LayerAt(index);
     FZRect rect = LayerFrameRect(layer);
-    if (layer.coverage == nullptr || !rect.Intersect(renderRect))
+    if (layer.coverage.empty() || !rect.Intersect(renderRect))
         return FZResult::Ok;
     // An emitter too small for its emission to reach a whole pixel has
     // radius 0: it lights nothing.
@@ -668,10 +654,10 @@ namespace {
 void SampleBox(const FZScene& scene, double sx, double sy, float out[3], const float* values)
 {
     CopyBackground(scene, out);
-    const FZImage* image = scene.behind;
+    const FZImage* image = scene.behind.get();
     // A ray that lands nowhere (a material's NaN or infinity) sees the
     // background, as a point far outside the frame does.
-    if (image == nullptr || image->data == nullptr || !std::isfinite(sx) || !std::isfinite(sy))
+    if (image == nullptr || image->data.empty() || !std::isfinite(sx) || !std::isfinite(sy))
         return;
     const float left = static_cast<float>(sx - 0.5);
     const float right = static_cast<float>(sx + 0.5);
@@ -765,5 +751,5 @@ FZResult ShadeLayerAt(FZScene& scene, int index)
     FZLayer* layer = scene.LayerAt(index);
     if (layer == nullptr)
         return FZResult::NoData;
-    return ShadeLayer(*layer, scene.camera.viewDirection, scene.lights);
+    return ShadeLayer(*layer, scene.camera.viewDirection, &scene.lights);
 }

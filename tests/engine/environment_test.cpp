@@ -23,7 +23,7 @@ struct Rgb {
 Rgb Lookup(FZEnvironment& env, const FZRay& ray)
 {
     Rgb out;
-    EXPECT_EQ(LookupEnvironment(env, ray, out.c), FZResult::Ok);
+    LookupEnvironment(env, ray, out.c);
     return out;
 }
 
@@ -76,7 +76,7 @@ TEST(Environment, ModeZeroAndWeightZeroGiveBlack)
     off.mode = 0;
     EXPECT_FALSE(off.IsOn());
     ExpectRgb(Lookup(off, RayAlong(0, 1, 0)), 0.0, 0.0, 0.0, 0.0);
-    EXPECT_EQ(off.ramp, nullptr);
+    EXPECT_EQ(off.rampBuilt, 0);
 
     FZEnvironment on;
     ExpectRgb(Lookup(on, RayAlong(0, 1, 0, 0.0f)), 0.0, 0.0, 0.0, 0.0);
@@ -92,12 +92,11 @@ TEST(Environment, TheRampFollowsHorizonAndBlend)
     FZEnvironment env;
     env.horizon = 0.5f;
     env.blend = 0.2f;
-    ASSERT_EQ(BuildSkyRamp(env), FZResult::Ok);
-    ASSERT_NE(env.ramp, nullptr);
-    const FZColorRamp& ramp = *env.ramp;
+    BuildSkyRamp(env);
+    const FZColorRamp& ramp = env.ramp;
     EXPECT_EQ(ramp.tMin, -1.0f);
     EXPECT_EQ(ramp.tMax, 1.0f);
-    ASSERT_EQ(ramp.segmentCount, 2);
+    ASSERT_EQ(ramp.segments.size(), 2u);
 
     // a = p - (p + 1) q = 0.2, b = p + (1 - p) q = 0.6, w = 0.4.
     const FZRampSegment& ground = ramp.segments[0];
@@ -118,10 +117,6 @@ TEST(Environment, TheRampFollowsHorizonAndBlend)
     float below[3];
     ramp.Evaluate(-2.0, below);
     EXPECT_EQ(below[0], 1.0f);
-
-    env.Release();
-    EXPECT_EQ(env.ramp, nullptr);
-    EXPECT_EQ(env.rampBuilt, 0);
 }
 
 TEST(Environment, SegmentsWithNoSpanStoreNothingAndChannelsStopAtOne)
@@ -133,7 +128,7 @@ TEST(Environment, SegmentsWithNoSpanStoreNothingAndChannelsStopAtOne)
     EXPECT_EQ(empty.end, 0.0f);
 
     FZColorRamp ramp;
-    ASSERT_EQ(ramp.Allocate(1), FZResult::Ok);
+    ramp.segments.resize(1);
     ramp.tMin = -1.0f;
     ramp.tMax = 1.0f;
     ramp.segments[0].Setup(bright, -1.0f, 1.0f, 0.0f, 0.0f);

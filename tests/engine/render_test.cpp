@@ -31,7 +31,7 @@ void SetPixel(FZImage& image, int x, int y, Rgb rgb)
 
 std::vector<std::uint8_t> Bytes(const FZImage& image)
 {
-    return std::vector<std::uint8_t>(image.data, image.data + image.dataSize);
+    return image.data;
 }
 
 // A material lit by its ambient term alone: it shades to ambient x colour.

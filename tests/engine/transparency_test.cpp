@@ -28,7 +28,7 @@ void MakeSlab(FZLayer& layer)
     layer.material.diffuse = 0.0f;
     layer.material.ambient = 0.2f;
     layer.material.highlightStrength = 0.0f;
-    FZPtrArray<FZLight> lights;
+    FZLightList lights;
     AddLight(lights, 0.0f, 0.0f, -1.0f);
     ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     for (int x = 0; x < 3; ++x)

@@ -71,7 +71,7 @@ std::uint64_t Render(CPreviewPanel& panel, const Frame& f)
     EXPECT_EQ(panel.BuildSampleShape(f.shape), FZResult::Ok);
     EXPECT_EQ(panel.ApplyMaterial(f.material, f.bind), FZResult::Ok);
     const FZImage& frame = *panel.Scene()->frame;
-    return Fnv1a(frame.data, static_cast<std::size_t>(frame.dataSize));
+    return Fnv1a(frame.data.data(), frame.data.size());
 }
 
 std::map<std::string, std::string> ReadTable()

@@ -59,7 +59,7 @@ TEST(PreviewPanel, SetUpFrameBuildsTheGroundAndShapeOne)
     EXPECT_EQ(scene.width, 120);
     EXPECT_EQ(scene.height, 120);
     EXPECT_EQ(scene.LayerCount(), 2);
-    EXPECT_EQ(scene.LightCount(), 1);
+    EXPECT_EQ(scene.lights.size(), 1u);
     EXPECT_EQ(panel.ShapeNumber(), 1);
     EXPECT_EQ(scene.environment.sphereSize, 0.0f);
     ASSERT_NE(scene.frame, nullptr);
@@ -271,7 +271,7 @@ TEST(PreviewPanel, FeatureMaterialsRenderTheSameTwice)
 {
     const auto picture = [](const CPreviewPanel& panel) {
         const FZImage& frame = *panel.Scene()->frame;
-        return std::vector<std::uint8_t>(frame.data, frame.data + frame.dataSize);
+        return frame.data;
     };
     CPreviewPanel panel;
     ASSERT_EQ(panel.SetUpFrame(64, 64), FZResult::Ok);

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <mutex>
-#include <new>
 #include <vector>
 
 #include "engine/fz_math.h"
@@ -18,12 +17,11 @@ struct LightSample {
 };
 
 // Evaluates light i at p; false when the list holds no light there.
-bool EvaluateLight(const FZPtrArray<FZLight>* lights, std::int32_t i, const float p[3], LightSample& out)
+bool EvaluateLight(const FZLightList* lights, std::int32_t i, const float p[3], LightSample& out)
 {
-    const FZLight* light = lights == nullptr ? nullptr : lights->At(i);
-    if (light == nullptr)
+    if (lights == nullptr || i < 0 || static_cast<std::size_t>(i) >= lights->size())
         return false;
-    light->Evaluate(p[0], p[1], p[2], out.color, out.direction);
+    (*lights)[static_cast<std::size_t>(i)].Evaluate(p[0], p[1], p[2], out.color, out.direction);
     return true;
 }
 
@@ -37,7 +35,7 @@ void WorldPoint(const FZLayer& layer, std::int32_t x, std::int32_t y, float p[3]
 
 bool HasSurface(const FZLayer& layer)
 {
-    return layer.coverage != nullptr && layer.depth != nullptr && layer.normals != nullptr;
+    return !layer.coverage.empty() && !layer.depth.empty() && !layer.normals.empty();
 }
 
 float ByteToFloat(std::uint8_t b)
@@ -79,7 +77,7 @@ void ClampToOne(float rgb[3])
 // without own colour rows, take the material's colour.
 void BaseColor(const FZLayer& layer, std::int32_t x, std::int32_t y, float rgb[3])
 {
-    if (layer.colorSource == 1 && layer.colors != nullptr)
+    if (layer.colorSource == 1 && !layer.colors.empty())
         layer.colors[y][x].GetFloats(rgb);
     else
         layer.material.color.GetFloats(rgb);
@@ -87,19 +85,14 @@ void BaseColor(const FZLayer& layer, std::int32_t x, std::int32_t y, float rgb[3
 
 FZResult EnsureShadedImage(FZLayer& layer)
 {
-    FZImage* image = layer.shaded;
+    const FZImage* image = layer.shaded.get();
     if (image != nullptr && image->width == layer.width && image->height == layer.height
-        && image->bytesPerPixel == 3 && image->data != nullptr)
+        && image->bytesPerPixel == 3 && !image->data.empty())
         return FZResult::Ok;
-    delete image;
-    layer.shaded = new (std::nothrow) FZImage;
-    if (layer.shaded == nullptr)
-        return FZResult::OutOfMemory;
-    const FZResult result = layer.shaded->Create(layer.width, layer.height, 3, 0);
-    if (result != FZResult::Ok) {
-        delete layer.shaded;
-        layer.shaded = nullptr;
-    }
+    layer.shaded = std::make_unique<FZImage>();
+    const FZResult result = layer.shaded->Create(layer.width, layer.height, 3);
+    if (result != FZResult::Ok)
+        layer.shaded.reset();
     return result;
 }
 
@@ -244,12 +237,12 @@ float SmoothHighlightAt(const FZLayer& layer, const HighlightSetup& h, int x, in
 // once for the layer (the lights of Tamerisk are directional: the same at
 // every point) and sets up each light's highlight once.
 struct ShadingPass {
-    ShadingPass(FZLayer& l, const FZPackedVector& v, const FZPtrArray<FZLight>* list)
+    ShadingPass(FZLayer& l, const FZPackedVector& v, const FZLightList* list)
         : layer(l), view(v), lights(list) {}
 
     FZLayer& layer;
     const FZPackedVector& view;
-    const FZPtrArray<FZLight>* lights;
+    const FZLightList* lights;
     bool hoisted = false;
     std::vector<LightSample> fixed;
     std::vector<HighlightSetup> highlights;
@@ -380,7 +373,7 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
     RowMemo memo;
     // With the material's colour everywhere, the stored bytes too depend
     // on the normal alone, and the colour is read once for the row.
-    const bool uniform = !(layer.colorSource == 1 && layer.colors != nullptr);
+    const bool uniform = !(layer.colorSource == 1 && !layer.colors.empty());
     std::uint8_t bytes[3] = {0, 0, 0};
     float material[3];
     layer.material.color.GetFloats(material);
@@ -559,7 +552,7 @@ bool AnyCovered(const FZLayer& layer)
 
 } // namespace
 
-FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLight>* lights)
+FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZLightList* lights)
 {
     // A layer without its rows (a copy not yet prepared) has nothing to shade.
     if (layer.width < 1 || layer.height < 1 || !HasSurface(layer))
@@ -569,12 +562,8 @@ FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray
         return imageResult;
     // A NaN strength counts as no highlight, in every pass.
     const bool highlight = layer.material.highlightStrength > 0.0f;
-    // All rows or none: after a failure the next shading starts afresh.
-    if (highlight && layer.highlight == nullptr) {
-        layer.highlight = FZNewRows<float>(layer.width, layer.height);
-        if (layer.highlight == nullptr)
-            return FZResult::OutOfMemory;
-    }
+    if (highlight && layer.highlight.empty())
+        layer.highlight = FZRaster<float>(layer.width, layer.height);
 
     ShadingPass pass{layer, view, lights};
     const bool parallel = ParallelRendering();

@@ -10,7 +10,7 @@
 // depth or normal rows, has nothing to shade. OutOfMemory (before any pixel
 // is written) when the image or the map cannot be had; a failed map leaves
 // none behind.
-FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLight>* lights);
+FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZLightList* lights);
 
 void DiffuseTerm(const FZAttributeEx& material, const FZPackedVector& normal,
                  const FZPackedVector& lightDir, const float lightColor[3], float out[3]);
