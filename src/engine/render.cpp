@@ -109,7 +109,7 @@ void CopyRect(const FZImage& from, FZImage& to, const FZRect& rect)
                  [&](std::int32_t y) { std::memcpy(to.PixelAddress(rect.x0, y), from.PixelAddress(rect.x0, y), bytes); });
 }
 
-// What the parallel path works out once for a layer: a fully covered pixel
+// What is worked out once for a layer: a fully covered pixel
 // that neither reflects nor refracts shows its shaded bytes through a table,
 // and the attenuation factor of the transparency.
 struct ComposeShortcuts {
@@ -128,10 +128,10 @@ struct LayerPass {
     bool reflects;
     bool refracts;
     float eta;
-    const ComposeShortcuts* shortcuts = nullptr;  // the parallel path's
+    ComposeShortcuts shortcuts;
 };
 
-// The parallel path's memory along a row: neighbouring pixels often share
+// The memory along a row: neighbouring pixels often share
 // their normal, and the sky a normal reflects and the direction it
 // refracts the view into depend on the normal alone.
 struct NormalMemo {
@@ -150,23 +150,21 @@ bool SameVector(const FZPackedVector& a, const FZPackedVector& b)
 }
 
 // The view refracted at normal n; false on total internal reflection.
-bool RefractedDirection(const LayerPass& pass, const FZPackedVector& n, NormalMemo* memo, FZPackedVector& r)
+bool RefractedDirection(const LayerPass& pass, const FZPackedVector& n, NormalMemo& memo, FZPackedVector& r)
 {
-    if (memo == nullptr)
-        return FZPackedVector::Refract(r, ViewDirection(), n, pass.eta);
-    if (!memo->hasRefraction || !SameVector(memo->refractNormal, n)) {
-        memo->refracted = FZPackedVector::Refract(memo->refractedDirection, ViewDirection(), n, pass.eta);
-        memo->refractNormal = n;
-        memo->hasRefraction = true;
+    if (!memo.hasRefraction || !SameVector(memo.refractNormal, n)) {
+        memo.refracted = FZPackedVector::Refract(memo.refractedDirection, ViewDirection(), n, pass.eta);
+        memo.refractNormal = n;
+        memo.hasRefraction = true;
     }
-    r = memo->refractedDirection;
-    return memo->refracted;
+    r = memo.refractedDirection;
+    return memo.refracted;
 }
 
 // Where the refracted ray meets the plane z = 0; false when it never does
 // (total internal reflection, a ray parallel to the plane).
 bool RefractedPoint(const LayerPass& pass, std::int32_t x, std::int32_t y, std::int32_t lx,
-                    std::int32_t ly, float d, const FZPackedVector& n, NormalMemo* memo, float& sx, float& sy)
+                    std::int32_t ly, float d, const FZPackedVector& n, NormalMemo& memo, float& sx, float& sy)
 {
     const FZPackedVector view = ViewDirection();
     FZPackedVector r;
@@ -211,12 +209,12 @@ bool RefractedPoint(const LayerPass& pass, std::int32_t x, std::int32_t y, std::
 // the refracted ray meets the plane z = 0; the background where refraction
 // fails.
 void RefractedColour(const LayerPass& pass, std::int32_t x, std::int32_t y, std::int32_t lx,
-                     std::int32_t ly, float d, const FZPackedVector& n, NormalMemo* memo, float out[3])
+                     std::int32_t ly, float d, const FZPackedVector& n, NormalMemo& memo, float out[3])
 {
     float sx = 0.0f;
     float sy = 0.0f;
     if (RefractedPoint(pass, x, y, lx, ly, d, n, memo, sx, sy))
-        SampleBox(pass.scene, sx, sy, out, pass.shortcuts != nullptr ? pass.shortcuts->byteValues : nullptr);
+        SampleBox(pass.scene, sx, sy, out, pass.shortcuts.byteValues);
     else
         CopyBackground(pass.scene, out);
 }
@@ -224,11 +222,11 @@ void RefractedColour(const LayerPass& pass, std::int32_t x, std::int32_t y, std:
 // The sky reflected at pixel (x, y) along its normal n, weighted by how
 // squarely n faces the viewer.
 void ReflectedSky(const LayerPass& pass, std::int32_t x, std::int32_t y, float d, const FZPackedVector& n,
-                  NormalMemo* memo, float sky[3])
+                  NormalMemo& memo, float sky[3])
 {
-    if (memo != nullptr && memo->hasSky && SameVector(memo->skyNormal, n)) {
+    if (memo.hasSky && SameVector(memo.skyNormal, n)) {
         for (int c = 0; c < 3; ++c)
-            sky[c] = memo->sky[c];
+            sky[c] = memo.sky[c];
         return;
     }
     const double facing = -FZPackedVector::Dot(ViewDirection(), n);
@@ -239,12 +237,10 @@ void ReflectedSky(const LayerPass& pass, std::int32_t x, std::int32_t y, float d
     ray.direction = n;
     ray.weight = static_cast<float>(pass.material.reflection * FZMax(0.0, facing));
     LookupEnvironment(pass.scene.environment, ray, sky);
-    if (memo != nullptr) {
-        memo->skyNormal = n;
-        memo->hasSky = true;
-        for (int c = 0; c < 3; ++c)
-            memo->sky[c] = sky[c];
-    }
+    memo.skyNormal = n;
+    memo.hasSky = true;
+    for (int c = 0; c < 3; ++c)
+        memo.sky[c] = sky[c];
 }
 
 // One channel of a composited pixel: shade x a, plus what shows through and
@@ -261,7 +257,7 @@ std::uint8_t CompositeByte(float shade, float a, float through, float under)
 
 // Composites one covered layer pixel (lx, ly) over frame pixel (x, y).
 void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t x,
-                  std::int32_t y, std::int32_t lx, std::int32_t ly, NormalMemo* memo = nullptr)
+                  std::int32_t y, std::int32_t lx, std::int32_t ly, NormalMemo& memo)
 {
     const float a = static_cast<float>(pass.layer.coverage[ly][lx] / 255.0);
     if (!(a > 0.0f))
@@ -274,16 +270,13 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
 
     float shade[3];
     float t = 0.0f;
-    if (pass.shortcuts != nullptr)
-        LookupShade(pass.layer, lx, ly, shade, t, pass.shortcuts->attenuation);
-    else
-        LookupShade(pass.layer, lx, ly, shade, t);
+    LookupShade(pass.layer, lx, ly, shade, t, pass.shortcuts.attenuation);
 
     if (pass.reflects) {
         float sky[3] = {0.0f, 0.0f, 0.0f};
         ReflectedSky(pass, x, y, d, n, memo, sky);
         for (int c = 0; c < 3; ++c)
-                shade[c] = static_cast<float>(static_cast<double>(shade[c]) + sky[c]);
+            shade[c] = static_cast<float>(static_cast<double>(shade[c]) + sky[c]);
     }
 
     float through[3] = {0.0f, 0.0f, 0.0f};
@@ -296,7 +289,7 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
     float under[3] = {0.0f, 0.0f, 0.0f};
     const float uncovered = static_cast<float>(1.0 - a);
     if (uncovered != 0.0f) {
-        ReadPixel(behind, x, y, under, pass.shortcuts != nullptr ? pass.shortcuts->byteValues : nullptr);
+        ReadPixel(behind, x, y, under, pass.shortcuts.byteValues);
         for (int c = 0; c < 3; ++c)
             under[c] = static_cast<float>(static_cast<double>(under[c]) * uncovered);
     }
@@ -307,15 +300,20 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
         p[2 - c] = CompositeByte(shade[c], a, through[c], under[c]);
 }
 
-// The parallel path's row: a fully covered pixel that neither reflects nor
-// refracts takes its bytes from the table (what the pixel steps give for a
-// = 1 and nothing through or around); every other pixel goes through the
-// pixel steps with the row's memory of normals.
-void ComposeRowWithShortcuts(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t y,
-                             std::int32_t first, std::int32_t last, std::int32_t ly)
+// Composites one frame row of the layer, columns x0 to x1. Rows are
+// independent of each other: each reads the behind image and writes only its
+// own frame row. A fully covered pixel that neither reflects nor refracts
+// takes its bytes from the table (what the pixel steps give for a = 1 and
+// nothing through or around); every other pixel goes through the pixel
+// steps with the row's memory of normals.
+void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t y,
+                std::int32_t x0, std::int32_t x1)
 {
+    const std::int32_t ly = ClampToInt32(std::int64_t{y} - pass.layer.y);
+    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, pass.layer.x));
+    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{pass.layer.x} + pass.layer.width - 1));
     NormalMemo memo;
-    const ComposeShortcuts& shortcuts = *pass.shortcuts;
+    const ComposeShortcuts& shortcuts = pass.shortcuts;
     const std::uint8_t* coverage = pass.layer.coverage[ly];
     const std::uint8_t* shaded = shortcuts.opaqueTable ? pass.layer.shaded->PixelAddress(0, ly) : nullptr;
     std::uint8_t* out = frame.PixelAddress(0, y);
@@ -332,28 +330,11 @@ void ComposeRowWithShortcuts(const LayerPass& pass, const FZImage& behind, FZIma
             to[2] = shortcuts.table[from[2]];
             continue;
         }
-        ComposePixel(pass, behind, frame, x, y, lx, ly, &memo);
+        ComposePixel(pass, behind, frame, x, y, lx, ly, memo);
     }
 }
 
-// Composites one frame row of the layer, columns x0 to x1. Rows are
-// independent of each other: each reads the behind image and writes only its
-// own frame row.
-void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t y,
-                std::int32_t x0, std::int32_t x1)
-{
-    const std::int32_t ly = ClampToInt32(std::int64_t{y} - pass.layer.y);
-    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, pass.layer.x));
-    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{pass.layer.x} + pass.layer.width - 1));
-    if (pass.shortcuts != nullptr) {
-        ComposeRowWithShortcuts(pass, behind, frame, y, first, last, ly);
-        return;
-    }
-    for (std::int32_t x = first; x <= last; ++x)
-        ComposePixel(pass, behind, frame, x, y, x - pass.layer.x, ly);
-}
-
-// The parallel path's shortcuts for the layer. The table holds the pixel
+// The shortcuts for the layer. The table holds the pixel
 // steps' bytes for a full coverage, a shade byte b (read as LookupShade
 // reads it) and nothing through or around; it serves only where the layer
 // neither reflects nor refracts and its shaded image covers the layer.
@@ -416,7 +397,8 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
                          index == 0 ? scene.groundDepth : scene.layerDepth,
                          m.reflection > 0.0f && scene.environment.IsOn(),
                          m.transparency > 0.0f,
-                         eta};
+                         eta,
+                         {}};
     CopyRect(frame, *scene.behind, rect);
     if (layer.coverage.empty() || layer.depth.empty())
         return;
@@ -425,13 +407,9 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
     const std::int32_t y1 = ClampToInt32(FZMin<std::int64_t>(rect.y1, top));
     if (y0 > y1)
         return;
-    ComposeShortcuts shortcuts;
-    if (ParallelRendering()) {
-        if (pass.reflects)
-            PrepareSky(pass, y0, y1, rect);
-        SetUpShortcuts(pass, shortcuts);
-        pass.shortcuts = &shortcuts;
-    }
+    if (pass.reflects)
+        PrepareSky(pass, y0, y1, rect);
+    SetUpShortcuts(pass, pass.shortcuts);
     ParallelRows(y0, y1 + 1, [&](std::int32_t y) { ComposeRow(pass, *scene.behind, frame, y, rect.x0, rect.x1); });
 }
 
@@ -585,9 +563,8 @@ FZResult AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& rende
         return FZResult::OutOfMemory;
     GatherEmission(scene, index, renderRect, rect, m);
     g.Clear();
-    // The parallel splat needs scratch memory; without it the plain one runs.
-    if (!ParallelRendering()
-        || !SplatEmissionByGroundRows(LightGridOf(m), rect, LightGridOf(g), groundRect, radius))
+    // The splat by ground rows needs scratch memory; without it the plain one runs.
+    if (!SplatEmissionByGroundRows(LightGridOf(m), rect, LightGridOf(g), groundRect, radius))
         SplatEmission(m, rect, g, groundRect, radius);
     FZFloatGrid view(g.width, g.height, g.rows.data());
     const FZResult result = FilterSeparable(view, 10);

@@ -25,14 +25,6 @@ bool EvaluateLight(const FZLightList* lights, std::int32_t i, const float p[3], 
     return true;
 }
 
-// World point of the centre of pixel (x, y).
-void WorldPoint(const FZLayer& layer, std::int32_t x, std::int32_t y, float p[3])
-{
-    p[0] = static_cast<float>(static_cast<double>(layer.x) + x + 0.5);
-    p[1] = static_cast<float>(static_cast<double>(layer.y) + y + 0.5);
-    p[2] = static_cast<float>(static_cast<double>(layer.depth[y][x]) + layer.baseDepth);
-}
-
 bool HasSurface(const FZLayer& layer)
 {
     return !layer.coverage.empty() && !layer.depth.empty() && !layer.normals.empty();
@@ -232,10 +224,9 @@ float SmoothHighlightAt(const FZLayer& layer, const HighlightSetup& h, int x, in
     return static_cast<float>(static_cast<double>(sum) * (1.0 / (static_cast<double>(n) * n)));
 }
 
-// What the three passes share. The straightforward path evaluates every
-// light at every pixel's world point. The parallel path evaluates each light
-// once for the layer (the lights of Tamerisk are directional: the same at
-// every point) and sets up each light's highlight once.
+// What the three passes share. Each light is evaluated once for the layer
+// (the lights of Tamerisk are directional: the same at every point) and
+// each light's highlight is set up once.
 struct ShadingPass {
     ShadingPass(FZLayer& l, const FZPackedVector& v, const FZLightList* list)
         : layer(l), view(v), lights(list) {}
@@ -243,7 +234,6 @@ struct ShadingPass {
     FZLayer& layer;
     const FZPackedVector& view;
     const FZLightList* lights;
-    bool hoisted = false;
     std::vector<LightSample> fixed;
     std::vector<HighlightSetup> highlights;
     // A white pixel stays white under any highlight: the highlight colour
@@ -253,8 +243,8 @@ struct ShadingPass {
     FZFacetFrameEntry* frames = nullptr;
 };
 
-// The facet rotations of the pixels of the last grooved layer shaded on the
-// parallel path, for layers of at most 256 x 256 pixels (the previews the
+// The facet rotations of the pixels of the last grooved layer shaded, for
+// layers of at most 256 x 256 pixels (the previews the
 // dialogs show, which are shaded again at every change of the material).
 class FacetFrameTable {
 public:
@@ -295,58 +285,22 @@ bool TintIsFinite(const FZAttributeEx& m)
     return std::isfinite(static_cast<float>(2.0 * n * m.stripeSpacing * 1.001));
 }
 
-// Sets up the parallel path's shortcuts; on failure (no memory) the
-// straightforward evaluation stays in place.
+// Evaluates the lights once for the layer and sets up their highlights.
 void HoistLights(ShadingPass& pass, bool highlight)
 {
-    try {
-        LightSample light;
-        const float anywhere[3] = {0.0f, 0.0f, 0.0f};
-        for (std::int32_t i = 0; EvaluateLight(pass.lights, i, anywhere, light); ++i) {
-            pass.fixed.push_back(light);
-            if (highlight)
-                pass.highlights.push_back(SetUpHighlight(pass.layer, light.direction, pass.view, true));
-        }
-    } catch (const std::bad_alloc&) {
-        return;
+    LightSample light;
+    const float anywhere[3] = {0.0f, 0.0f, 0.0f};
+    for (std::int32_t i = 0; EvaluateLight(pass.lights, i, anywhere, light); ++i) {
+        pass.fixed.push_back(light);
+        if (highlight)
+            pass.highlights.push_back(SetUpHighlight(pass.layer, light.direction, pass.view, true));
     }
     const FZAttributeEx& m = pass.layer.material;
     pass.whiteStaysWhite = m.rainbow == 0 || TintIsFinite(m);
-    pass.hoisted = true;
-}
-
-// Calls visit(i, light) for every light i in list order at pixel (x, y).
-template <typename Visit>
-void ForEachLight(const ShadingPass& pass, std::int32_t x, std::int32_t y, Visit visit)
-{
-    if (pass.hoisted) {
-        for (std::size_t i = 0; i < pass.fixed.size(); ++i)
-            visit(i, pass.fixed[i]);
-        return;
-    }
-    float p[3];
-    WorldPoint(pass.layer, x, y, p);
-    LightSample light;
-    for (std::int32_t i = 0; EvaluateLight(pass.lights, i, p, light); ++i)
-        visit(static_cast<std::size_t>(i), light);
-}
-
-// The first light of the list at pixel (x, y); false when there is none.
-bool FirstLight(const ShadingPass& pass, std::int32_t x, std::int32_t y, LightSample& first)
-{
-    if (pass.hoisted) {
-        if (pass.fixed.empty())
-            return false;
-        first = pass.fixed.front();
-        return true;
-    }
-    float p[3];
-    WorldPoint(pass.layer, x, y, p);
-    return EvaluateLight(pass.lights, 0, p, first);
 }
 
 // Pass 1: ambient and diffuse under every light, times the surface colour.
-// The parallel path's memory along a row: with the lights the same at
+// The memory along a row: with the lights the same at
 // every point, what the lights give depends on the normal alone, and
 // neighbouring pixels often share it.
 struct RowMemo {
@@ -354,9 +308,9 @@ struct RowMemo {
     bool valid = false;
     float value[3] = {0.0f, 0.0f, 0.0f};
 
-    bool Has(const ShadingPass& pass, const FZPackedVector& n) const
+    bool Has(const FZPackedVector& n) const
     {
-        return pass.hoisted && valid && n.x == normal.x && n.y == normal.y && n.z == normal.z;
+        return valid && n.x == normal.x && n.y == normal.y && n.z == normal.z;
     }
     void Keep(const FZPackedVector& n, const float v[3])
     {
@@ -381,7 +335,7 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
         if (layer.coverage[y][x] == 0)
             continue;
         const FZPackedVector& normal = layer.normals[y][x];
-        const bool known = memo.Has(pass, normal);
+        const bool known = memo.Has(normal);
         if (known && uniform) {
             std::uint8_t* p = layer.shaded->PixelAddress(x, y);
             p[0] = bytes[0];
@@ -394,18 +348,18 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
             for (int c = 0; c < 3; ++c)
                 acc[c] = memo.value[c];
         } else {
-            ForEachLight(pass, x, y, [&](std::size_t, const LightSample& light) {
+            for (const LightSample& light : pass.fixed) {
                 float term[3];
                 DiffuseTerm(layer.material, normal, light.direction, light.color, term);
                 for (int c = 0; c < 3; ++c)
                     acc[c] = static_cast<float>(static_cast<double>(acc[c]) + term[c]);
-            });
+            }
             memo.Keep(normal, acc);
         }
         float own[3];
-        if (!(pass.hoisted && uniform))
+        if (!uniform)
             BaseColor(layer, x, y, own);
-        const float* base = pass.hoisted && uniform ? material : own;
+        const float* base = uniform ? material : own;
         for (int c = 0; c < 3; ++c)
             acc[c] = static_cast<float>(static_cast<double>(acc[c]) * base[c]);
         ClampToOne(acc);
@@ -435,19 +389,17 @@ void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
         const float py = static_cast<float>(y + 0.5);
         const float depth = layer.depth[y][x];
         const FZPackedVector& normal = layer.normals[y][x];
-        if (!grooves && memo.Has(pass, normal)) {
+        if (!grooves && memo.Has(normal)) {
             layer.highlight[y][x] = memo.value[0];
             continue;
         }
         float sum = 0.0f;
         if (pass.frames != nullptr)
             frame.UseEntry(&pass.frames[static_cast<std::size_t>(y) * layer.width + x]);
-        ForEachLight(pass, x, y, [&](std::size_t i, const LightSample& light) {
-            const float term = pass.hoisted
-                                   ? HighlightAt(layer, pass.highlights[i], px, py, depth, normal, &frame)
-                                   : HighlightTerm(layer, px, py, depth, normal, light.direction, pass.view);
+        for (const HighlightSetup& h : pass.highlights) {
+            const float term = HighlightAt(layer, h, px, py, depth, normal, &frame);
             sum = static_cast<float>(sum + static_cast<double>(term));
-        });
+        }
         layer.highlight[y][x] = sum;
         const float kept[3] = {sum, 0.0f, 0.0f};
         memo.Keep(normal, kept);
@@ -484,12 +436,11 @@ float PixelHighlight(const ShadingPass& pass, std::int32_t x, std::int32_t y)
         return layer.highlight[y][x];
     const float width = layer.material.smoothWidth;
     float sum = 0.0f;
-    ForEachLight(pass, x, y, [&](std::size_t i, const LightSample& light) {
+    for (const HighlightSetup& h : pass.highlights) {
         FZFacetFrame frame;
-        const float term = pass.hoisted ? SmoothHighlightAt(layer, pass.highlights[i], x, y, 3, width, &frame)
-                                        : SmoothHighlightTerm(layer, x, y, 3, width, light.direction, pass.view);
+        const float term = SmoothHighlightAt(layer, h, x, y, 3, width, &frame);
         sum = static_cast<float>(sum + static_cast<double>(term));
-    });
+    }
     return sum;
 }
 
@@ -501,11 +452,10 @@ void HighlightColor(const ShadingPass& pass, std::int32_t x, std::int32_t y, flo
     m.highlightColor.GetFloats(hc);
     if (m.rainbow == 0)
         return;
-    LightSample first;
-    if (!FirstLight(pass, x, y, first))
+    if (pass.fixed.empty())
         return;
     float tint[3];
-    RainbowGloss(m.stripeSpacing, m.refractiveIndex, first.direction, layer.normals[y][x], tint);
+    RainbowGloss(m.stripeSpacing, m.refractiveIndex, pass.fixed.front().direction, layer.normals[y][x], tint);
     for (int c = 0; c < 3; ++c)
         hc[c] = static_cast<float>(static_cast<double>(hc[c]) * tint[c]);
 }
@@ -523,7 +473,7 @@ void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
     for (std::int32_t x = 0; x < layer.width; ++x) {
         if (layer.coverage[y][x] == 0)
             continue;
-        if (pass.hoisted && pass.whiteStaysWhite && IsWhite(*layer.shaded, x, y))
+        if (pass.whiteStaysWhite && IsWhite(*layer.shaded, x, y))
             continue;
         float h = PixelHighlight(pass, x, y);
         if (h > 1.0f)
@@ -566,21 +516,17 @@ FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZLightLis
         layer.highlight = FZRaster<float>(layer.width, layer.height);
 
     ShadingPass pass{layer, view, lights};
-    const bool parallel = ParallelRendering();
-    if (parallel)
-        HoistLights(pass, highlight);
+    HoistLights(pass, highlight);
     ParallelRows(0, layer.height, [&pass](std::int32_t y) { ShadeDiffuseRow(pass, y); });
     if (!highlight)
         return FZResult::Ok;
     // The groove noise table is filled by the first anisotropic highlight of
     // the module's life; it happens here, on this thread, when the rows below
     // would be the first.
-    LightSample light;
-    const float anywhere[3] = {0.0f, 0.0f, 0.0f};
-    const bool grooves = parallel && layer.material.anisotropic != 0;
-    if (grooves && EvaluateLight(lights, 0, anywhere, light) && AnyCovered(layer))
+    const bool grooves = layer.material.anisotropic != 0;
+    if (grooves && !pass.fixed.empty() && AnyCovered(layer))
         GrooveNoiseTable();
-    if (grooves && pass.hoisted)
+    if (grooves)
         pass.frames = FacetFrames().Lend(layer.width, layer.height);
     ParallelRows(0, layer.height, [&pass](std::int32_t y) { FillHighlightRow(pass, y); });
     if (pass.frames != nullptr)
