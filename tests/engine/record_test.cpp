@@ -84,17 +84,6 @@ TEST(Record, CopyingTakesEveryByteIncludingPaddingAndHostileValues)
     }
 }
 
-TEST(Record, SelfAssignmentLeavesTheRecordUntouched)
-{
-    FZAttributeEx r = Scribbled();
-    const FZAttributeEx before = r;
-    const FZAttributeEx& alias = r;
-    r = alias;
-    EXPECT_TRUE(SameBytes(&r, &before));
-    static_cast<FZAttribute&>(r) = static_cast<const FZAttribute&>(alias);
-    EXPECT_TRUE(SameBytes(&r, &before));
-}
-
 TEST(Record, AssigningTheBasePartCopiesOnlyItsThirtySixBytes)
 {
     const FZAttributeEx source = Scribbled();
