@@ -34,7 +34,6 @@ public:
     float tMin = 0.0f;
     float tMax = 0.0f;
     std::vector<FZRampSegment> segments;
-    float warp = 0.0f;
 
     void Evaluate(double t, float out[3]) const;
 };
@@ -48,10 +47,8 @@ struct FZRay {
 class FZEnvironment {
 public:
     std::int32_t mode = 1;            // 0 off, 1 sky gradient
-    float sphereSize = 2.0f;          // the preview sets 0: infinitely distant
     float lower[3] = {1.0f, 1.0f, 1.0f};
     float upper[3] = {0.2f, 0.6f, 1.0f};
-    std::int32_t axis = 1;            // the gradient runs along y
     float horizon = 0.0f;             // p, in [-1, 1]
     float blend = 0.1f;               // q, width share of the horizon band
     std::int32_t rampBuilt = 0;

@@ -14,7 +14,6 @@ void FZLight::SetDirectional(float i, const float dir[3], const float rgb[3])
     direction.SetFloats(dir, true);
     for (int c = 0; c < 3; ++c)
         color[c] = rgb[c];
-    on = 1;
 }
 
 void FZLight::Evaluate(float, float, float, float outColor[3], FZPackedVector& outDir) const

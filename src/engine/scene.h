@@ -24,10 +24,8 @@ class FZLight {
 public:
     std::int32_t type = 0;
     float intensity = 0.0f;
-    float position[3] = {0.0f, 0.0f, 0.0f};  // not set for a directional light
-    FZPackedVector direction;                 // normalised direction of travel
+    FZPackedVector direction;  // normalised direction of travel
     float color[3] = {0.0f, 0.0f, 0.0f};
-    std::int32_t on = 0;
 
     // type 1; intensity held within [0, 1]; direction normalised.
     void SetDirectional(float i, const float dir[3], const float rgb[3]);
@@ -47,7 +45,6 @@ public:
     FZCamera() { viewDirection.SetFloats(0.0f, 0.0f, -1.0f, true); }
     void SetEye(float x, float y, float z);
     void SetTarget(float x, float y, float z);
-    void ViewDirection(FZPackedVector& out) const { out = viewDirection; }
 
 private:
     void Update();

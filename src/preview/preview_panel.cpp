@@ -67,8 +67,6 @@ FZResult CPreviewPanel::SetUpFrame(std::int32_t w, std::int32_t h)
         return built;
     if (FZLayer* sample = scene->LayerAt(sampleIndex))
         sample->SetColorSource(0);
-    // The preview's sky is infinitely distant.
-    scene->environment.sphereSize = 0.0f;
     return RenderScene(*scene);
 }
 
