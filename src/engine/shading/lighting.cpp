@@ -139,8 +139,7 @@ double PackedLength(const FZPackedVector& v)
                      + static_cast<double>(v.z) * v.z) / FZPackedVector::kScale;
 }
 
-HighlightSetup SetUpHighlight(const FZLayer& layer, const FZPackedVector& lightDir, const FZPackedVector& view,
-                              bool shortcuts)
+HighlightSetup SetUpHighlight(const FZLayer& layer, const FZPackedVector& lightDir, const FZPackedVector& view)
 {
     const FZAttributeEx& m = layer.material;
     HighlightSetup h;
@@ -158,12 +157,10 @@ HighlightSetup SetUpHighlight(const FZLayer& layer, const FZPackedVector& lightD
     const double s = m.highlightSharpness;
     h.exponent = s * s * s * 1000.0;
     h.scale = static_cast<double>(m.highlightStrength) * 4.0;
-    if (shortcuts) {
-        h.cutoff = UnderflowCutoff(h.exponent, h.scale);
-        h.halfLength = PackedLength(h.half);
-        if (m.anisotropic != 0)
-            h.facetLimit = FacetLimit(h.halfLength, h.cutoff, MaxFacetTilt(m.anisotropy));
-    }
+    h.cutoff = UnderflowCutoff(h.exponent, h.scale);
+    h.halfLength = PackedLength(h.half);
+    if (m.anisotropic != 0)
+        h.facetLimit = FacetLimit(h.halfLength, h.cutoff, MaxFacetTilt(m.anisotropy));
     return h;
 }
 
@@ -177,9 +174,9 @@ bool FacetsOutOfReach(const HighlightSetup& h, const FZPackedVector& normal)
 }
 
 // The highlight term of one light at (px, py) with the given normal.
-// frame: the parallel path's rotation memory for the facets, else null.
+// frame: the rotation memory for the facets.
 float HighlightAt(const FZLayer& layer, const HighlightSetup& h, float px, float py, float depth,
-                  const FZPackedVector& normal, FZFacetFrame* frame = nullptr)
+                  const FZPackedVector& normal, FZFacetFrame& frame)
 {
     const FZAttributeEx& m = layer.material;
     float b;
@@ -188,10 +185,7 @@ float HighlightAt(const FZLayer& layer, const HighlightSetup& h, float px, float
             return 0.0f;
         const float point[3] = {px, py, depth};
         FZPackedVector t1, t2;
-        if (frame != nullptr)
-            AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2, *frame);
-        else
-            AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2);
+        AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2, frame);
         const float b1 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t1)));
         const float b2 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t2)));
         b = b2 > b1 ? b2 : b1;
@@ -206,7 +200,7 @@ float HighlightAt(const FZLayer& layer, const HighlightSetup& h, float px, float
 // The supersampled highlight of one light over pixel (x, y): n x n points,
 // each with the normal filtered over a box, each held at most 1.
 float SmoothHighlightAt(const FZLayer& layer, const HighlightSetup& h, int x, int y, int n, float boxWidth,
-                        FZFacetFrame* frame = nullptr)
+                        FZFacetFrame& frame)
 {
     const float depth = layer.depth[y][x];
     float sum = 0.0f;
@@ -293,7 +287,7 @@ void HoistLights(ShadingPass& pass, bool highlight)
     for (std::int32_t i = 0; EvaluateLight(pass.lights, i, anywhere, light); ++i) {
         pass.fixed.push_back(light);
         if (highlight)
-            pass.highlights.push_back(SetUpHighlight(pass.layer, light.direction, pass.view, true));
+            pass.highlights.push_back(SetUpHighlight(pass.layer, light.direction, pass.view));
     }
     const FZAttributeEx& m = pass.layer.material;
     pass.whiteStaysWhite = m.rainbow == 0 || TintIsFinite(m);
@@ -397,7 +391,7 @@ void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
         if (pass.frames != nullptr)
             frame.UseEntry(&pass.frames[static_cast<std::size_t>(y) * layer.width + x]);
         for (const HighlightSetup& h : pass.highlights) {
-            const float term = HighlightAt(layer, h, px, py, depth, normal, &frame);
+            const float term = HighlightAt(layer, h, px, py, depth, normal, frame);
             sum = static_cast<float>(sum + static_cast<double>(term));
         }
         layer.highlight[y][x] = sum;
@@ -438,7 +432,7 @@ float PixelHighlight(const ShadingPass& pass, std::int32_t x, std::int32_t y)
     float sum = 0.0f;
     for (const HighlightSetup& h : pass.highlights) {
         FZFacetFrame frame;
-        const float term = SmoothHighlightAt(layer, h, x, y, 3, width, &frame);
+        const float term = SmoothHighlightAt(layer, h, x, y, 3, width, frame);
         sum = static_cast<float>(sum + static_cast<double>(term));
     }
     return sum;
@@ -547,25 +541,6 @@ void DiffuseTerm(const FZAttributeEx& material, const FZPackedVector& normal, co
     }
     for (int c = 0; c < 3; ++c)
         out[c] = static_cast<float>(static_cast<double>(out[c]) + material.ambient);
-}
-
-float HighlightTerm(const FZLayer& layer, float px, float py, float depth, const FZPackedVector& normal,
-                    const FZPackedVector& lightDir, const FZPackedVector& view)
-{
-    if (!(layer.material.highlightStrength > 0.0f))
-        return 0.0f;
-    return HighlightAt(layer, SetUpHighlight(layer, lightDir, view, false), px, py, depth, normal);
-}
-
-float SmoothHighlightTerm(const FZLayer& layer, int x, int y, int n, float boxWidth, const FZPackedVector& lightDir,
-                          const FZPackedVector& view)
-{
-    if (n < 1 || !HasSurface(layer) || x < 0 || y < 0 || x >= layer.width || y >= layer.height)
-        return 0.0f;
-    // Without a highlight every point gives 0.
-    if (!(layer.material.highlightStrength > 0.0f))
-        return 0.0f;
-    return SmoothHighlightAt(layer, SetUpHighlight(layer, lightDir, view, false), x, y, n, boxWidth);
 }
 
 FZPackedVector FilteredNormal(const FZLayer& layer, float sx, float sy, float boxWidth)
