@@ -9,6 +9,7 @@
 #include "engine/emission_lattice.h"
 #include "engine/fz_math.h"
 #include "engine/parallel.h"
+#include "engine/pixel.h"
 #include "engine/scratch.h"
 #include "engine/shading/lighting.h"
 #include "engine/shading/surface.h"
@@ -63,12 +64,6 @@ FZResult EnsureFrameSizedImage(const FZScene& scene, std::unique_ptr<FZImage>& i
     return result;
 }
 
-// A byte as a colour float, b / 255.
-float ByteValue(std::uint8_t b)
-{
-    return static_cast<float>(b / 255.0);
-}
-
 // Colour (R, G, B floats) of an image pixel, stored blue, green, red; from
 // a table of the 256 byte values when one is given.
 inline void ReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, float rgb[3],
@@ -76,7 +71,7 @@ inline void ReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, floa
 {
     const std::uint8_t* p = image.PixelAddress(x, y);
     for (int c = 0; c < 3; ++c)
-        rgb[c] = values != nullptr ? values[p[2 - c]] : ByteValue(p[2 - c]);
+        rgb[c] = values != nullptr ? values[p[2 - c]] : FZByteToFloat(p[2 - c]);
 }
 
 void SampleBox(const FZScene& scene, double sx, double sy, float out[3], const float* values);
@@ -252,7 +247,7 @@ std::uint8_t CompositeByte(float shade, float a, float through, float under)
     float out = static_cast<float>(static_cast<double>(s) + through + under);
     if (out > 1.0f)
         out = 1.0f;
-    return static_cast<std::uint8_t>(FZTruncateClamped(static_cast<double>(out) * 255.0, 0, 255));
+    return FZFloatToByte(out);
 }
 
 // Composites one covered layer pixel (lx, ly) over frame pixel (x, y).
@@ -352,8 +347,8 @@ void SetUpShortcuts(const LayerPass& pass, ComposeShortcuts& shortcuts)
     static const Tables tables = [] {
         Tables t;
         for (int b = 0; b < 256; ++b) {
-            t.opaque[b] = CompositeByte(static_cast<float>(b * 1.0 / 255.0), 1.0f, 0.0f, 0.0f);
-            t.values[b] = ByteValue(static_cast<std::uint8_t>(b));
+            t.opaque[b] = CompositeByte(FZByteToFloat(static_cast<std::uint8_t>(b)), 1.0f, 0.0f, 0.0f);
+            t.values[b] = FZByteToFloat(static_cast<std::uint8_t>(b));
         }
         return t;
     }();

@@ -6,6 +6,7 @@
 
 #include "engine/fz_math.h"
 #include "engine/parallel.h"
+#include "engine/pixel.h"
 #include "engine/shading/anisotropy.h"
 
 namespace {
@@ -28,34 +29,6 @@ bool EvaluateLight(const FZLightList* lights, std::int32_t i, const float p[3], 
 bool HasSurface(const FZLayer& layer)
 {
     return !layer.coverage.empty() && !layer.depth.empty() && !layer.normals.empty();
-}
-
-float ByteToFloat(std::uint8_t b)
-{
-    return static_cast<float>(b * 1.0 / 255.0);
-}
-
-// Colours are held at most 1 before they become bytes. Bytes are also held
-// at least 0: a negative or NaN colour from a wild record shows black.
-std::uint8_t FloatToByte(float v)
-{
-    return static_cast<std::uint8_t>(FZTruncateClamped(static_cast<double>(v) * 255.0, 0, 255));
-}
-
-void ReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, float rgb[3])
-{
-    const std::uint8_t* p = image.PixelAddress(x, y);
-    rgb[0] = ByteToFloat(p[2]);
-    rgb[1] = ByteToFloat(p[1]);
-    rgb[2] = ByteToFloat(p[0]);
-}
-
-void StorePixel(FZImage& image, std::int32_t x, std::int32_t y, const float rgb[3])
-{
-    std::uint8_t* p = image.PixelAddress(x, y);
-    p[2] = FloatToByte(rgb[0]);
-    p[1] = FloatToByte(rgb[1]);
-    p[0] = FloatToByte(rgb[2]);
 }
 
 void ClampToOne(float rgb[3])
@@ -357,7 +330,7 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
         for (int c = 0; c < 3; ++c)
             acc[c] = static_cast<float>(static_cast<double>(acc[c]) * base[c]);
         ClampToOne(acc);
-        StorePixel(*layer.shaded, x, y, acc);
+        FZStorePixel(*layer.shaded, x, y, acc);
         const std::uint8_t* p = layer.shaded->PixelAddress(x, y);
         bytes[0] = p[0];
         bytes[1] = p[1];
@@ -477,11 +450,11 @@ void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
         float hc[3];
         HighlightColor(pass, x, y, hc);
         float colour[3];
-        ReadPixel(*layer.shaded, x, y, colour);
+        FZReadPixel(*layer.shaded, x, y, colour);
         for (int c = 0; c < 3; ++c)
             colour[c] = static_cast<float>(colour[c] + static_cast<double>(h) * hc[c]);
         ClampToOne(colour);
-        StorePixel(*layer.shaded, x, y, colour);
+        FZStorePixel(*layer.shaded, x, y, colour);
     }
 }
 

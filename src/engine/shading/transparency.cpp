@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "engine/fz_math.h"
+#include "engine/pixel.h"
 
 namespace {
 
@@ -63,10 +64,7 @@ void Lookup(const FZLayer& layer, int x, int y, float colour[3], float& t, const
     if (image == nullptr || image->data.empty() || x < 0 || y < 0 || x >= image->width || y >= image->height
         || x >= layer.width || y >= layer.height)
         return;
-    const std::uint8_t* p = image->PixelAddress(x, y);
-    colour[0] = static_cast<float>(p[2] * 1.0 / 255.0);
-    colour[1] = static_cast<float>(p[1] * 1.0 / 255.0);
-    colour[2] = static_cast<float>(p[0] * 1.0 / 255.0);
+    FZReadPixel(*image, x, y, colour);
 
     const FZAttributeEx& m = layer.material;
     if (!(m.transparency > 0.0f))
