@@ -79,7 +79,6 @@ TEST(Lighting, EmptyAndUnpreparedLayersHaveNothingToShade)
     FZLayer copy;
     copy.Assign(prepared);  // no normals until prepared again
     EXPECT_EQ(ShadeLayer(copy, HeadOnView(), &lights), FZResult::Ok);  // nothing to shade
-
 }
 
 namespace {
