@@ -63,8 +63,8 @@ FZResult EnsureShadedImage(FZLayer& layer)
 
 // What a highlight term needs that stays the same over a layer for one
 // light: the half vector (turned to point away from the surface), the power
-// and the strength, and the centre of the groove pattern. The parallel path
-// also knows below which value of b a term certainly rounds to 0.
+// and the strength, the centre of the groove pattern, and below which value
+// of b a term certainly rounds to 0.
 struct HighlightSetup {
     FZPackedVector half;
     double exponent = 0.0;
