@@ -19,6 +19,7 @@
 #include <cstdint>
 #include <csignal>
 #include <cstdio>
+#include <new>
 #include <optional>
 
 #include <tamerisk/attribute.h>
@@ -233,7 +234,7 @@ bool Render(const Options& options, const FZAttributeEx& material, QImage& image
         return false;
     }
     const FZScene* scene = panel.Scene();
-    if (scene == nullptr || scene->frame == nullptr || scene->frame->data == nullptr) {
+    if (scene == nullptr || scene->frame == nullptr || scene->frame->data.empty()) {
         error = QStringLiteral("the preview rendered no frame");
         return false;
     }
@@ -281,7 +282,13 @@ int main(int argc, char** argv)
     SetRenderThreads(options.threads);
 
     QImage image;
-    if (!Render(options, material, image, error) || !WriteImage(image, options, error)) {
+    bool rendered = false;
+    try {
+        rendered = Render(options, material, image, error);
+    } catch (const std::bad_alloc&) {
+        error = QString::fromUtf8(ResultMessage(FZResult::OutOfMemory));
+    }
+    if (!rendered || !WriteImage(image, options, error)) {
         PrintError(error);
         return kRunError;
     }

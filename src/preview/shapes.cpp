@@ -22,7 +22,7 @@ float Product(float p, float q) { return static_cast<float>(static_cast<double>(
 template <typename Visit>
 void ForEachCoveredDepth(FZLayer& layer, Visit visit)
 {
-    if (layer.coverage == nullptr || layer.depth == nullptr)
+    if (layer.coverage.empty() || layer.depth.empty())
         return;
     for (std::int32_t y = 0; y < layer.height; ++y)
         for (std::int32_t x = 0; x < layer.width; ++x)
@@ -125,7 +125,7 @@ bool FZTorus::HeightAt(float x, float y, float& z) const
 
 void AddDimple(FZLayer& layer, float cx, float cy, float radius, float depth)
 {
-    if (layer.coverage == nullptr || layer.depth == nullptr)
+    if (layer.coverage.empty() || layer.depth.empty())
         return;
     FZSmoothStep bowl;
     bowl.Setup(0.0f, -depth, radius, 0.0f);

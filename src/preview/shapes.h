@@ -91,7 +91,7 @@ inline constexpr FZColor kFZShapeSampleColor{};
 template <typename Shape>
 void RasterizeShape(FZLayer& layer, const Shape& shape)
 {
-    if (layer.coverage == nullptr || layer.depth == nullptr)
+    if (layer.coverage.empty() || layer.depth.empty())
         return;
     float bx0, by0, bx1, by1;
     shape.Bounds(bx0, by0, bx1, by1);

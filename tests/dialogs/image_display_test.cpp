@@ -11,7 +11,7 @@ namespace {
 // A 5 x 3 image (stride 16, padded): red bottom-left, blue top-right.
 void MakeMarked(FZImage& image)
 {
-    ASSERT_EQ(image.Create(5, 3, 3, 0), FZResult::Ok);
+    ASSERT_EQ(image.Create(5, 3, 3), FZResult::Ok);
     image.PixelAddress(0, 0)[2] = 255;
     image.PixelAddress(4, 2)[0] = 255;
     std::uint8_t* p = image.PixelAddress(2, 1);
@@ -27,7 +27,7 @@ TEST(Display, BitmapsAreUprightAndRectanglesLandInPlace)
     EXPECT_EQ(bitmap.pixel(0, 2), qRgb(255, 0, 0));  // data row 0 on the bottom line
     EXPECT_EQ(bitmap.pixel(2, 1), qRgb(10, 20, 30));
     FZImage grey;
-    ASSERT_EQ(grey.Create(2, 2, 1, 0), FZResult::Ok);
+    ASSERT_EQ(grey.Create(2, 2, 1), FZResult::Ok);
     EXPECT_TRUE(MakeBitmap(grey).isNull());
     EXPECT_TRUE(MakeBitmap(FZImage()).isNull());
 

@@ -80,7 +80,7 @@ TEST_F(SampleShapes, PlateWithDimple)
     EXPECT_FLOAT_EQ(layer.depth[60][98], 13.043478f);
     EXPECT_EQ(layer.coverage[60][98], 255);
     FZLayer before;
-    ASSERT_EQ(before.Assign(layer), FZResult::Ok);
+    before.Assign(layer);
 
     AddDimple(layer, kCenter, kCenter, r - r * 0.25f, r * 0.25f);
     EXPECT_NEAR(layer.depth[60][60], 0.0165f, 1e-4);
@@ -244,5 +244,5 @@ TEST(ShapeRaster, WildParametersStayInsideTheLayer)
     FZLayer bare;
     DrawSampleShape(bare, 1, 0.0f, 0.0f, 10.0f);
     FlattenTop(bare, 0.5f);
-    EXPECT_EQ(bare.coverage, nullptr);
+    EXPECT_TRUE(bare.coverage.empty());
 }
