@@ -36,22 +36,6 @@ void ExpectRgb(const Rgb& rgb, double r, double g, double b, double tolerance)
 
 } // namespace
 
-TEST(Environment, UpIsSkyDownIsGroundAndTheHorizonTheEvenMix)
-{
-    FZEnvironment env;
-    EXPECT_TRUE(env.IsOn());
-
-    const Rgb up = Lookup(env, RayAlong(0, 1, 0));
-    EXPECT_EQ(up.c[0], 0.2f);
-    EXPECT_EQ(up.c[1], 0.6f);
-    EXPECT_EQ(up.c[2], 1.0f);
-    EXPECT_EQ(env.rampBuilt, 1);
-
-    ExpectRgb(Lookup(env, RayAlong(0, -1, 0)), 1.0, 1.0, 1.0, 0.0);
-    ExpectRgb(Lookup(env, RayAlong(1, 0, 0)), 0.6, 0.8, 1.0, 1e-7);
-    ExpectRgb(Lookup(env, RayAlong(0, 1, 0, 0.5f)), 0.1, 0.3, 0.5, 1e-7);
-}
-
 TEST(Environment, ModeZeroAndWeightZeroGiveBlack)
 {
     FZEnvironment off;

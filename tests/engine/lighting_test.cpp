@@ -19,53 +19,6 @@ constexpr float kInf = std::numeric_limits<float>::infinity();
 
 } // namespace
 
-TEST(Lighting, DiffuseTermAddsTheAmbientForEveryLight)
-{
-    FZAttributeEx m;  // kd 0.8, ka 0.3
-    const float white[3] = {1.0f, 1.0f, 1.0f};
-    float out[3];
-    DiffuseTerm(m, Packed(0, 0, 1), Packed(0, 0, -1), white, out);
-    EXPECT_FLOAT_EQ(out[0], 1.1f);
-    EXPECT_FLOAT_EQ(out[2], 1.1f);
-
-    const float tinted[3] = {0.5f, 0.0f, 1.0f};
-    DiffuseTerm(m, Packed(0, 0, 1), Packed(0, -0.6f, -0.8f), tinted, out);
-    EXPECT_FLOAT_EQ(out[0], 0.8f * 0.8f * 0.5f + 0.3f);
-    EXPECT_FLOAT_EQ(out[1], 0.3f);
-
-    // A light from behind, or no diffuse reflectance: the ambient alone.
-    DiffuseTerm(m, Packed(0, 0, 1), Packed(0, 0, 1), white, out);
-    EXPECT_FLOAT_EQ(out[0], 0.3f);
-    m.diffuse = 0.0f;
-    DiffuseTerm(m, Packed(0, 0, 1), Packed(0, 0, -1), white, out);
-    EXPECT_FLOAT_EQ(out[1], 0.3f);
-}
-
-TEST(Lighting, HighlightStrengthZeroSkipsTheHighlightPasses)
-{
-    FZLayer layer;
-    MakeShadingLayer(layer, 3, 3);
-    layer.coverage[0][0] = 0;
-    layer.material.diffuse = 0.5f;
-    layer.material.ambient = 0.0f;
-    layer.material.highlightStrength = 0.0f;
-    FZLightList lights;
-    AddLight(lights, 0.0f, 0.0f, -1.0f);
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
-    EXPECT_TRUE(layer.highlight.empty());
-    EXPECT_EQ(ShadedPixel(layer, 1, 1).r, 127);
-
-    layer.material.highlightStrength = 0.5f;
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
-    EXPECT_EQ(ShadedPixel(layer, 1, 1).r, 255);
-    EXPECT_EQ(layer.highlight[0][0], -1.0f);
-    // A later shading without highlight keeps the map as it was.
-    layer.material.highlightStrength = 0.0f;
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
-    EXPECT_EQ(ShadedPixel(layer, 1, 1).r, 127);
-    EXPECT_EQ(layer.highlight[1][1], 2.0f);
-}
-
 TEST(Lighting, EmptyAndUnpreparedLayersHaveNothingToShade)
 {
     FZLightList lights;

@@ -126,20 +126,6 @@ TEST(Layer, CompositeSampleCodes)
     EXPECT_EQ(layer.CompositeSample(0, 0, 6.0f, 255, green), 2);
     EXPECT_TRUE(SameColor(layer.colors[0][0], green));
 
-    // Half over half at the same depth: the shared part goes to the sample.
-    EXPECT_EQ(layer.CompositeSample(1, 0, 2.0f, 128, red), 2);
-    EXPECT_EQ(layer.CompositeSample(1, 0, 2.0f, 128, green), 3);
-    EXPECT_EQ(layer.coverage[0][1], 191);
-    EXPECT_FLOAT_EQ(layer.depth[0][1], 2.0f);
-    EXPECT_EQ(layer.colors[0][1].g, 170);  // 0.50196 / 0.75196 of green
-    EXPECT_EQ(layer.colors[0][1].r, 84);   // 0.24999 / 0.75196 of red
-
-    // A thin sample behind a half-covered pixel only fills the uncovered part.
-    EXPECT_EQ(layer.CompositeSample(2, 0, 8.0f, 128, red), 2);
-    EXPECT_EQ(layer.CompositeSample(2, 0, 0.0f, 255, green), 3);
-    EXPECT_EQ(layer.coverage[0][2], 255);
-    EXPECT_NEAR(layer.depth[0][2], 8.0f * 128 / 255, 1e-5);
-
     // Outside the layer nothing is touched.
     EXPECT_EQ(layer.CompositeSample(4, 0, 1.0f, 255, red), 0);
     EXPECT_EQ(layer.CompositeSample(0, -1, 1.0f, 255, red), 0);

@@ -39,51 +39,6 @@ void MakeSlab(FZLayer& layer)
 
 } // namespace
 
-TEST(Transparency, OpaqueAndUnshadedLayers)
-{
-    FZLayer layer;
-    MakeSlab(layer);
-    layer.material.incidenceDependence = 1.0f;
-    layer.material.attenuation = 1.0f;
-    Shade s = Lookup(layer, 2, 0);
-    EXPECT_EQ(s.t, 0.0f);
-    EXPECT_FLOAT_EQ(s.colour[0], 51.0f / 255.0f);  // the shaded colour as it is
-
-    FZLayer bare;
-    MakeShadingLayer(bare, 2, 2);
-    bare.material.transparency = 1.0f;
-    s = Lookup(bare, 1, 1);
-    EXPECT_EQ(s.t, 0.0f);
-    EXPECT_EQ(s.colour[0] + s.colour[1] + s.colour[2], 0.0f);
-}
-
-TEST(Transparency, AttenuationThroughTheDepth)
-{
-    FZLayer layer;
-    MakeSlab(layer);
-    layer.material.transparency = 1.0f;
-    layer.material.attenuation = 0.5f;
-    layer.material.color.SetBytes(255, 0, 0);
-    EXPECT_EQ(Lookup(layer, 0, 0).t, 1.0f);  // the lowest pixel is untouched
-    Shade half = Lookup(layer, 1, 0);
-    EXPECT_NEAR(half.t, 0.70711, 1e-4);
-    // The absorbed light comes back as the surface colour.
-    EXPECT_NEAR(half.colour[0], 0.2 + (1.0 - 0.70711), 1e-4);
-    EXPECT_FLOAT_EQ(half.colour[1], 51.0f / 255.0f);
-    EXPECT_NEAR(Lookup(layer, 2, 0).t, 0.5, 1e-4);
-
-    // Full attenuation: the floor of 0.0001 per unit, all but opaque; the
-    // added colour saturates at 1.
-    layer.material.attenuation = 1.0f;
-    Shade full = Lookup(layer, 1, 0);
-    EXPECT_LT(full.t, 1e-30f);
-    EXPECT_EQ(full.colour[0], 1.0f);
-
-    // A flat layer is never attenuated.
-    layer.depthMax = layer.depthMin;
-    EXPECT_EQ(Lookup(layer, 2, 0).t, 1.0f);
-}
-
 TEST(Transparency, WildValuesGiveFractions)
 {
     FZLayer layer;
