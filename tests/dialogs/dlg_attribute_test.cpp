@@ -164,8 +164,7 @@ TEST_F(MaterialDialog, SpaceBarAndUpdateNotifyTheHost)
         QTest::keyClick(Item(kIdLoad), Qt::Key_Space);
         QTest::keyClick(Bar(kIdDiffuse), Qt::Key_Space);
         Click(kIdUpdate);
-        QTest::qWait(30);
-        EXPECT_EQ(host.notifications, 3);
+        EXPECT_TRUE(QTest::qWaitFor([this] { return host.notifications == 3; }));
         EXPECT_FALSE(fileDialog.Seen());  // "開く" was not pressed
     }
 
@@ -284,8 +283,7 @@ TEST_F(MaterialDialog, ColourPickerRandomColoursAndTheFamilyMenu)
     const QPoint corner = random->mapToGlobal(QPoint(random->width(), random->height()));
     for (QPoint at : {corner, corner + QPoint(1, 0)}) {
         const ModalAnswer<> menu([](QWidget* w) { w->close(); });
-        Access::OnContextMenu(*dialog, at);
-        QTest::qWait(20);
+        Access::OnContextMenu(*dialog, at);  // returns once the menu is closed
         EXPECT_EQ(menu.Seen(), at == corner);
     }
 }
