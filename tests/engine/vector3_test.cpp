@@ -4,10 +4,6 @@
 
 #include "engine/shading/vector3.h"
 
-namespace {
-
-} // namespace
-
 TEST(Vector3, DirectionSettersNormaliseAndKeepZero)
 {
     FZDirection3 d;
