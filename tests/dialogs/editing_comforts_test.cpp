@@ -27,7 +27,6 @@
 #include "engine/display/canvas.h"
 #include "engine/display/image_display.h"
 #include "host/settings.h"
-#include "host/settings.h"
 #include "json/material_json.h"
 #include "material/attribute_file.h"
 #include "support/dlg_attribute_access.h"
