@@ -85,7 +85,6 @@ protected:
     void reject() override;
 
 private:
-    friend class CDlgAttributeTestAccess;
     struct Controls;  // the template's controls, typed, resolved once
 
     // Whether an edit also moves the controls to the new record: not when

@@ -1,10 +1,12 @@
 // The material dialog driven as a user and a host drive it, offscreen.
 #include <limits>
 #include <memory>
+#include <optional>
 
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QFile>
+#include <QFileDialog>
 #include <QMenu>
 #include <QMessageBox>
 #include <QScrollBar>
@@ -18,8 +20,6 @@
 #include "support/dlg_attribute_access.h"
 
 namespace {
-
-using Access = CDlgAttributeTestAccess;
 
 constexpr unsigned int kNotifyMessage = QEvent::User + 42;
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
@@ -44,7 +44,13 @@ protected:
     QScrollBar* Bar(int id) { return DlgItem<QScrollBar>(dialog.get(), id); }
     QWidget* Item(int id) { return GetDlgItem(dialog.get(), id); }
     void Click(int id) { DlgItem<QAbstractButton>(dialog.get(), id)->click(); }
-    const FZAttributeEx& Record() { return Access::Record(*dialog); }
+    FZAttributeEx Record() const { FZAttributeEx a; dialog->GetAttribute(a); return a; }
+    // Answers the file dialog of "開く" or "保存" with the path.
+    void ChooseFile(int button, const QString& path)
+    {
+        const ModalAnswer<QFileDialog> answer([&](QFileDialog* d) { d->selectFile(path), static_cast<QDialog*>(d)->accept(); });
+        Click(button);
+    }
     void Show(const FZAttributeEx& a)
     {
         dialog->SetAttribute(a);
@@ -143,11 +149,11 @@ TEST_F(MaterialDialog, TabReachesEveryEnabledControlInTableOrder)
 
 TEST_F(MaterialDialog, ShapeButtonsWrapAndPaintingOnlyShowsTheFrame)
 {
-    Click(kIdShapePrevious);
-    EXPECT_EQ(Access::Preview(*dialog).ShapeNumber(), 4);
-    Click(kIdShapeNext);
-    Click(kIdShapeNext);
-    EXPECT_EQ(Access::Preview(*dialog).ShapeNumber(), 2);
+    const QImage first = Frame();
+    Click(kIdShapePrevious);  // from the first shape to the last
+    EXPECT_NE(Frame(), first);
+    Click(kIdShapeNext);  // and on from the last to the first
+    EXPECT_EQ(Frame(), first);
     dialog->show();
     const qint64 frame = Frame().cacheKey();
     dialog->repaint();
@@ -211,7 +217,7 @@ TEST_F(MaterialDialog, ChecksWriteTheRecordAndEnableTheirParameterButtons)
         Click(check);
     for (int button : {kIdTransparencyParameter, kIdAnisotropicParameter, kIdRainbowParameter})
         EXPECT_TRUE(Item(button)->isEnabled()) << button;
-    const FZAttributeEx& r = Record();
+    FZAttributeEx r = Record();
     EXPECT_EQ(r.anisotropic + r.rainbow + r.smoothHighlight + r.colorTransparency, 4);
     EXPECT_FLOAT_EQ(r.smoothWidth, 2.0f);  // checking resets the width
 
@@ -224,6 +230,7 @@ TEST_F(MaterialDialog, ChecksWriteTheRecordAndEnableTheirParameterButtons)
     EXPECT_TRUE(DlgItem<QCheckBox>(dialog.get(), kIdRainbow)->isChecked());
     EXPECT_FALSE(DlgItem<QCheckBox>(dialog.get(), kIdAnisotropic)->isChecked());
     Click(kIdSmooth);
+    r = Record();
     EXPECT_EQ(r.smoothHighlight, 0);
     EXPECT_FLOAT_EQ(r.smoothWidth, 5.0f);  // clearing leaves the width
 }
@@ -235,24 +242,24 @@ TEST_F(MaterialDialog, FilesSaveLoadAndReportFailures)
     a.reflection = 0.5f;
     a.thickness = 9.0f;  // never stored
     Show(a);
-    ASSERT_EQ(Access::SaveFile(*dialog, dir.filePath("m.qva")), FZResult::Ok);
+    ChooseFile(kIdSave, dir.filePath("m"));  // the suffix comes with it
     Show(FZAttributeEx());
-    ASSERT_EQ(Access::LoadFile(*dialog, dir.filePath("m.qva")), FZResult::Ok);
+    ChooseFile(kIdLoad, dir.filePath("m.qva"));
+    EXPECT_EQ(Record().reflection, 0.5f);
     EXPECT_FLOAT_EQ(Record().thickness, 4.0f);
     EXPECT_EQ(Bar(kIdReflection)->value(), 32);  // the controls follow
 
     QFile bad(dir.filePath("bad.qva"));
     ASSERT_TRUE(bad.open(QIODevice::WriteOnly) && bad.write("<Not an attribute file>") > 0);
     bad.close();
-    EXPECT_EQ(Access::LoadFile(*dialog, bad.fileName()), FZResult::BadFormat);
-    EXPECT_EQ(Record().reflection, 0.5f);  // kept
     QString shown;
-    const ModalAnswer<QMessageBox> box([&](QMessageBox* b) {
-        shown = b->windowTitle() + ": " + b->text();
-        b->accept();
+    std::optional<ModalAnswer<QMessageBox>> box;
+    const ModalAnswer<QFileDialog> answer([&](QFileDialog* d) {
+        d->selectFile(bad.fileName()), static_cast<QDialog*>(d)->accept();
+        box.emplace([&](QMessageBox* b) { shown = b->windowTitle() + ": " + b->text(), b->accept(); });
     });
-    Access::ShowResult(*dialog, FZResult::Ok);  // shows nothing
-    Access::ShowResult(*dialog, FZResult::BadFormat);
+    Click(kIdLoad);
+    EXPECT_EQ(Record().reflection, 0.5f);  // kept
     EXPECT_EQ(shown, QCoreApplication::applicationName() + QString::fromUtf8(": 未対応のﾃﾞｰﾀ形式です。"));
 }
 
@@ -283,7 +290,8 @@ TEST_F(MaterialDialog, ColourPickerRandomColoursAndTheFamilyMenu)
     const QPoint corner = random->mapToGlobal(QPoint(random->width(), random->height()));
     for (QPoint at : {corner, corner + QPoint(1, 0)}) {
         const ModalAnswer<> menu([](QWidget* w) { w->close(); });
-        Access::OnContextMenu(*dialog, at);  // returns once the menu is closed
+        QContextMenuEvent click(QContextMenuEvent::Mouse, dialog->mapFromGlobal(at), at);
+        QApplication::sendEvent(dialog.get(), &click);  // returns once the menu is closed
         EXPECT_EQ(menu.Seen(), at == corner);
     }
 }

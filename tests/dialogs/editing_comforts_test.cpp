@@ -29,6 +29,7 @@
 #include "host/settings.h"
 #include "json/material_json.h"
 #include "material/attribute_file.h"
+#include "preview/preview_panel.h"
 #include "support/dlg_attribute_access.h"
 
 namespace {
@@ -168,7 +169,8 @@ TEST_F(Comforts, ANewEditDropsTheRedoSteps)
     Click(kIdShapeNext);
     Keys(QKeySequence::Redo);
     EXPECT_TRUE(SameRecord(Record(), stepped));
-    EXPECT_EQ(CDlgAttributeTestAccess::Preview(*dialog).ShapeNumber(), 2);
+    const auto* preview = DlgItem<FZCanvas>(dialog.get(), kIdPreview);
+    EXPECT_EQ(preview->Surface().convertToFormat(QImage::Format_RGB32), Rendered(stepped, 2, preview->PixelSize()));
     Keys(QKeySequence::Undo);
     Click(kIdSmooth);
     const FZAttributeEx smooth = Record();

@@ -306,8 +306,7 @@ TEST(ParameterButtons, OkBringsTheRecordBackAndCancelOnlyTheShape)
     a.smoothWidth = 7.0f;  // no dialog edits it; it must come back as it was
     editor.SetAttribute(a);
     editor.UpdatePanelView();
-    const FZAttributeEx& record = CDlgAttributeTestAccess::Record(editor);
-    const CPreviewPanel& preview = CDlgAttributeTestAccess::Preview(editor);
+    const auto record = [&editor] { FZAttributeEx r; editor.GetAttribute(r); return r; };
 
     DlgItem<QPushButton>(&editor, kIdShapeNext)->click();  // to shape 2
     OpenFrom<CDlgRainbowHighlight>(editor, kIdRainbowParameter, [](CDlgRainbowHighlight* d) {
@@ -317,18 +316,22 @@ TEST(ParameterButtons, OkBringsTheRecordBackAndCancelOnlyTheShape)
         DlgItem<QPushButton>(d, rainbow_id::kNextShape)->click();
         DlgItem<QPushButton>(d, kIdOk)->click();
     });
-    EXPECT_EQ(record.stripeSpacing, 1325.0f);
-    EXPECT_EQ(record.smoothWidth, 7.0f);
-    EXPECT_EQ(preview.ShapeNumber(), 3);  // shown with it
+    EXPECT_EQ(record().stripeSpacing, 1325.0f);
+    EXPECT_EQ(record().smoothWidth, 7.0f);
 
-    const FZAttributeEx before = record;
+    const FZAttributeEx before = record();
     OpenFrom<CDlgAnisotropic>(editor, kIdAnisotropicParameter, [](CDlgAnisotropic* d) {
+        EXPECT_EQ(d->SampleShape(), 3);  // the editor took the shape with the record
         DlgItem<QRadioButton>(d, anisotropic_id::kSpiral)->click();
         DlgItem<QPushButton>(d, anisotropic_id::kNextShape)->click();
         DlgItem<QPushButton>(d, kIdCancel)->click();
     });
-    EXPECT_EQ(std::memcmp(&before, &record, sizeof(FZAttributeEx)), 0);
-    EXPECT_EQ(preview.ShapeNumber(), 4);
+    const FZAttributeEx after = record();
+    EXPECT_EQ(std::memcmp(&before, &after, sizeof after), 0);
+    OpenFrom<CDlgTransparency>(editor, kIdTransparencyParameter, [](CDlgTransparency* d) {
+        EXPECT_EQ(d->SampleShape(), 4);  // cancelled, yet the shape came back
+        DlgItem<QPushButton>(d, kIdCancel)->click();
+    });
 }
 
 } // namespace

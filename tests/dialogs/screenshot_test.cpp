@@ -16,6 +16,7 @@
 #include "dialogs/templates.h"
 #include "engine/display/canvas.h"
 #include "engine/display/image_display.h"
+#include "preview/preview_panel.h"
 #include "support/dlg_attribute_access.h"
 #include "support/parameter_dialogs.h"
 

@@ -1,5 +1,4 @@
-// Test access to the material dialog's internals, and a helper that answers
-// the modal windows a handler opens.
+// Answers the modal windows a handler opens.
 #ifndef TAMERISK_TESTS_DIALOGS_DLG_ATTRIBUTE_ACCESS_H
 #define TAMERISK_TESTS_DIALOGS_DLG_ATTRIBUTE_ACCESS_H
 
@@ -11,17 +10,6 @@
 #include <tamerisk/dlg_attribute.h>
 
 #include "dialogs/dialog_template.h"
-#include "preview/preview_panel.h"
-
-class CDlgAttributeTestAccess {
-public:
-    static const FZAttributeEx& Record(CDlgAttribute& d) { return d.attribute; }
-    static CPreviewPanel& Preview(CDlgAttribute& d) { return *d.preview; }
-    static FZResult LoadFile(CDlgAttribute& d, const QString& path) { return d.LoadFile(path); }
-    static FZResult SaveFile(CDlgAttribute& d, const QString& path) { return d.SaveFile(path); }
-    static void ShowResult(CDlgAttribute& d, FZResult code) { d.ShowResult(code); }
-    static void OnContextMenu(CDlgAttribute& d, const QPoint& p) { d.OnContextMenu(p); }
-};
 
 // Runs `answer` on the next modal window or pop-up menu of type T that opens
 // while it lives (polling every few milliseconds), so that a test can drive
