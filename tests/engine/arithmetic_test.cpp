@@ -32,32 +32,19 @@ T Opaque(T v)
 
 TEST(Truncate, GoesTowardZeroAndGivesFixedAnswersForTheUnrepresentable)
 {
-    EXPECT_EQ(FZTruncate(2.9999), 2);
-    EXPECT_EQ(FZTruncate(-2.9999), -2);
-    EXPECT_EQ(FZTruncate(-0.5), 0);
-    EXPECT_EQ(FZTruncate(2147483647.9), INT32_MAX);
-    EXPECT_EQ(FZTruncate(-2147483648.9), INT32_MIN);
-
-    EXPECT_EQ(FZTruncate(kNaN), 0);
-    EXPECT_EQ(FZTruncate(-kNaN), 0);
-    EXPECT_EQ(FZTruncate(kInf), INT32_MAX);
-    EXPECT_EQ(FZTruncate(-kInf), INT32_MIN);
-    EXPECT_EQ(FZTruncate(3.0e9), INT32_MAX);
-    EXPECT_EQ(FZTruncate(-3.0e9), INT32_MIN);
-    EXPECT_EQ(FZTruncate(1.0e300), INT32_MAX);
-}
-
-TEST(Truncate, LowByteAndClampedVariants)
-{
-    EXPECT_EQ(FZTruncateLow8(255.9), 255);
-    EXPECT_EQ(FZTruncateLow8(256.9), 0);
-    EXPECT_EQ(FZTruncateLow8(-1.9), 255);  // -1 & 0xFF
-    EXPECT_EQ(FZTruncateLow8(kNaN), 0);
-
-    EXPECT_EQ(FZTruncateClamped(1.0e10, -5, 5), 5);
-    EXPECT_EQ(FZTruncateClamped(-7.9, -5, 5), -5);
-    EXPECT_EQ(FZTruncateClamped(-4.9, -5, 5), -4);
-    EXPECT_EQ(FZTruncateClamped(kNaN, 1, 5), 1);
+    const struct {
+        double in;
+        std::int32_t whole, low8, clamped;  // clamped to -5 .. 5
+    } cases[] = {{2.9999, 2, 2, 2},          {-2.9999, -2, 254, -2},        {-0.5, 0, 0, 0},
+                 {255.9, 255, 255, 5},       {256.9, 256, 0, 5},            {-7.9, -7, 249, -5},
+                 {2147483647.9, INT32_MAX, 255, 5}, {-2147483648.9, INT32_MIN, 0, -5},
+                 {kNaN, 0, 0, 0},            {-kNaN, 0, 0, 0},             {kInf, INT32_MAX, 255, 5},
+                 {-kInf, INT32_MIN, 0, -5},  {3.0e9, INT32_MAX, 255, 5},    {1.0e300, INT32_MAX, 255, 5}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(FZTruncate(c.in), c.whole) << c.in;
+        EXPECT_EQ(FZTruncateLow8(c.in), c.low8) << c.in;
+        EXPECT_EQ(FZTruncateClamped(c.in, -5, 5), c.clamped) << c.in;
+    }
 }
 
 // 0.0011f is 0.00109999999...; times 30000 in double that is 32.9999998,
