@@ -14,6 +14,8 @@ using ByteVector = std::vector<std::uint8_t>;
 
 // A material in which every field, stored in files or not, differs from its
 // default.
+inline bool SameBytes(const FZAttributeEx& a, const FZAttributeEx& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
 inline FZAttributeEx DistinctiveMaterial(std::int32_t grooveType)
 {
     FZAttributeEx r;

@@ -7,14 +7,13 @@
 #include <cstring>
 #include <string>
 
+#include "attribute_bytes.h"
 #include "json/material_json.h"
 #include "material/attribute_file.h"
 #include "material/result_codes.h"
 #include "tool_run.h"
 
 namespace {
-
-bool SameBytes(const FZAttributeEx& a, const FZAttributeEx& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 // The record read from text, which must give code, and the error text.
 FZAttributeEx Read(const std::string& text, FZResult code, std::string& error)

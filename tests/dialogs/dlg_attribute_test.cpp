@@ -24,19 +24,6 @@ namespace {
 constexpr unsigned int kNotifyMessage = QEvent::User + 42;
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
-// Counts the notify messages a host window receives.
-class HostWindow : public QWidget {
-public:
-    int notifications = 0;
-
-protected:
-    bool event(QEvent* e) override
-    {
-        notifications += e->type() == static_cast<QEvent::Type>(kNotifyMessage) ? 1 : 0;
-        return QWidget::event(e);
-    }
-};
-
 class MaterialDialog : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(dialog->Create()); }
@@ -76,7 +63,7 @@ protected:
         return checked;
     }
 
-    HostWindow host;
+    NotifyCounter host{static_cast<QEvent::Type>(kNotifyMessage)};
     std::unique_ptr<CDlgAttribute> dialog = std::make_unique<CDlgAttribute>(&host, kNotifyMessage);
 };
 

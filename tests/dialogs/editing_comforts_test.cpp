@@ -36,11 +36,6 @@ namespace {
 
 constexpr auto kNotify = static_cast<QEvent::Type>(QEvent::User + 43);
 
-struct Host : QWidget {
-    int notifications = 0;
-    bool event(QEvent* e) override { notifications += e->type() == kNotify; return QWidget::event(e); }
-};
-
 // The picture tamerisk-render draws of the material at that size.
 QImage Rendered(const FZAttributeEx& m, int shape, QSize size)
 {
@@ -86,7 +81,7 @@ public:
         return {values, DlgItem<FZCanvas>(dialog.get(), kIdPreview)->Surface()};
     }
 
-    Host host;
+    NotifyCounter host{kNotify};
     FZAttributeEx start;
     std::unique_ptr<CDlgAttribute> dialog;
 };

@@ -11,12 +11,11 @@
 #include <QTimer>
 #include <gtest/gtest.h>
 
+#include "attribute_bytes.h"
 #include "host/support/host_support.h"
 #include "tamerisk-host/host_window.h"
 
 namespace {
-
-bool SameBytes(const FZAttributeEx& a, const FZAttributeEx& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 // Diffuse 0.5 shows as slider position 32.
 const FZAttributeEx kSample = [] { FZAttributeEx m; m.diffuse = 0.5f; m.thickness = 7.0f; return m; }();

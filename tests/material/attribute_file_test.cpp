@@ -22,8 +22,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool SameBytes(const FZAttributeEx& a, const FZAttributeEx& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
-
 FZResult Load(const ByteVector& bytes, FZAttributeEx& record, int* version = nullptr)
 {
     return LoadAttributeBytes(bytes.data(), bytes.size(), record, version);

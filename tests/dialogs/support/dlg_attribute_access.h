@@ -11,6 +11,14 @@
 
 #include "dialogs/dialog_template.h"
 
+// A host window that counts the editor's notify events.
+struct NotifyCounter : QWidget {
+    explicit NotifyCounter(QEvent::Type type) : message(type) {}
+    bool event(QEvent* e) override { notifications += e->type() == message; return QWidget::event(e); }
+    QEvent::Type message;
+    int notifications = 0;
+};
+
 // Runs `answer` on the next modal window or pop-up menu of type T that opens
 // while it lives (polling every few milliseconds), so that a test can drive
 // a handler that blocks in exec(). Seen() tells whether one came.
