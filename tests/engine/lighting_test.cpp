@@ -3,10 +3,7 @@
 #include <climits>
 #include <cmath>
 #include <limits>
-#include <random>
 #include <vector>
-
-#include "engine/random.h"
 
 #include "engine/shading/lighting.h"
 #include "engine/shading/transparency.h"

@@ -39,9 +39,3 @@ FZPackedVector HeadOnView()
 {
     return Packed(0.0f, 0.0f, -1.0f);
 }
-
-FZColor ShadedPixel(const FZLayer& layer, int x, int y)
-{
-    const std::uint8_t* p = layer.shaded->PixelAddress(x, y);
-    return FZColor{p[2], p[1], p[0]};
-}

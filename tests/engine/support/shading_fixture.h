@@ -21,7 +21,4 @@ FZPackedVector Packed(float x, float y, float z);
 // The view straight down the z axis, (0, 0, -1).
 FZPackedVector HeadOnView();
 
-// Pixel (x, y) of the shaded image as red, green, blue bytes.
-FZColor ShadedPixel(const FZLayer& layer, int x, int y);
-
 #endif
