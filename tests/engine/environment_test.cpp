@@ -52,23 +52,3 @@ TEST(Environment, ModeZeroAndWeightZeroGiveBlack)
     unknown.mode = 7;
     ExpectRgb(Lookup(unknown, RayAlong(0, 1, 0)), 0.0, 0.0, 0.0, 0.0);
 }
-
-TEST(Environment, SegmentsWithNoSpanStoreNothingAndChannelsStopAtOne)
-{
-    const float bright[3] = {3.0f, 0.5f, 1.5f};
-    FZRampSegment empty;
-    empty.Setup(bright, 0.5f, 0.5f, 0.1f, 0.1f);
-    EXPECT_EQ(empty.color[0], 0.0f);
-    EXPECT_EQ(empty.end, 0.0f);
-
-    FZColorRamp ramp;
-    ramp.segments.resize(1);
-    ramp.tMin = -1.0f;
-    ramp.tMax = 1.0f;
-    ramp.segments[0].Setup(bright, -1.0f, 1.0f, 0.0f, 0.0f);
-    float out[3];
-    ramp.Evaluate(0.0, out);
-    EXPECT_TRUE(out[0] == 1.0f && out[1] == 0.5f && out[2] == 1.0f);
-    ramp.Evaluate(5.0, out);
-    EXPECT_EQ(out[0], 1.0f);
-}
