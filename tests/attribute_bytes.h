@@ -12,9 +12,10 @@
 
 using ByteVector = std::vector<std::uint8_t>;
 
+inline bool SameBytes(const FZAttributeEx& a, const FZAttributeEx& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
 // A material in which every field, stored in files or not, differs from its
 // default.
-inline bool SameBytes(const FZAttributeEx& a, const FZAttributeEx& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 inline FZAttributeEx DistinctiveMaterial(std::int32_t grooveType)
 {
@@ -129,16 +130,8 @@ inline ByteVector HandBuiltFile(const FZAttributeEx& r, int version, std::uint8_
             b.insert(b.end(), s.size, padding);
             continue;
         }
-        std::uint32_t v = 0;
-        const auto* p = reinterpret_cast<const char*>(&r) + s.offset;
-        if (s.size == 1)
-            v = static_cast<std::uint8_t>(*p);
-        else if (s.size == 2) {
-            std::uint16_t h;
-            std::memcpy(&h, p, 2);
-            v = h;
-        } else
-            std::memcpy(&v, p, 4);
+        std::uint32_t v = 0;  // the field's value, on this little-endian machine
+        std::memcpy(&v, reinterpret_cast<const char*>(&r) + s.offset, s.size);
         for (std::size_t i = 0; i < s.size; ++i)
             b.push_back(static_cast<std::uint8_t>(v >> (8 * i)));
     }

@@ -4,7 +4,6 @@
 
 #include <QTemporaryDir>
 
-#include <cstring>
 #include <string>
 
 #include "attribute_bytes.h"

@@ -10,6 +10,8 @@
 #include <QProcess>
 #include <gtest/gtest.h>
 
+#include <tamerisk/dlg_attribute.h>
+
 #include "dialogs/dlg_anisotropic.h"
 #include "dialogs/dlg_rainbow_highlight.h"
 #include "dialogs/dlg_transparency.h"
@@ -17,7 +19,6 @@
 #include "engine/display/canvas.h"
 #include "engine/display/image_display.h"
 #include "preview/preview_panel.h"
-#include "support/dlg_attribute_access.h"
 #include "support/parameter_dialogs.h"
 
 namespace {
@@ -95,16 +96,14 @@ TEST(Screenshot, ParameterDialogs)
     rainbow.reflection = 0.5f;
     rainbow.rainbow = 1;
     rainbow.color.SetBytes(70, 70, 90);
-    Save(OpenParameterDialog<CDlgRainbowHighlight>(rainbow, 2)->grab().toImage(),
-         "rainbow-gloss-dialog.png");
+    Save(OpenParameterDialog<CDlgRainbowHighlight>(rainbow, 2)->grab().toImage(), "rainbow-gloss-dialog.png");
     FZAttributeEx glass;
     glass.transparency = 0.7f;
     glass.refractiveIndex = 1.5f;
     glass.incidenceDependence = 0.5f;
     glass.attenuation = 0.25f;
     glass.color.SetBytes(120, 190, 230);
-    Save(OpenParameterDialog<CDlgTransparency>(glass, 3)->grab().toImage(),
-         "transparency-dialog.png");
+    Save(OpenParameterDialog<CDlgTransparency>(glass, 3)->grab().toImage(), "transparency-dialog.png");
 }
 
 } // namespace
