@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "engine/render.h"
-#include "engine/shading/transparency.h"
 
 namespace {
 
@@ -67,26 +66,6 @@ void SetUpCheckerScene(FZScene& scene, int w, int h)
     ground.SetColorSource(1);
     ASSERT_EQ(PrepareLayer(scene, 0), FZResult::Ok);
     ASSERT_EQ(ShadeLayerAt(scene, 0), FZResult::Ok);
-}
-
-// Adds a layer over the whole frame with depth(x, y) and the material,
-// prepared and shaded; returns it.
-template <typename DepthFn>
-FZLayer& AddSurface(FZScene& scene, const FZAttributeEx& material, DepthFn depth)
-{
-    EXPECT_EQ(scene.AddFullFrameLayer(), FZResult::Ok);
-    const int index = scene.LayerCount() - 1;
-    FZLayer& layer = *scene.LayerAt(index);
-    for (int y = 0; y < layer.height; ++y)
-        for (int x = 0; x < layer.width; ++x) {
-            layer.coverage[y][x] = 255;
-            layer.depth[y][x] = depth(x, y);
-        }
-    layer.SetColorSource(0);
-    layer.SetMaterial(material);
-    EXPECT_EQ(PrepareLayer(scene, index), FZResult::Ok);
-    EXPECT_EQ(ShadeLayerAt(scene, index), FZResult::Ok);
-    return layer;
 }
 
 } // namespace
