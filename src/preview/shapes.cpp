@@ -203,6 +203,21 @@ void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py, cons
 
 // ---------------------------------------------------------------- finishing
 
+namespace {
+
+// The squared distances of the points (sx[k], sy) from the dimple's centre
+// (the coordinates already relative to it), rounded to float, and their
+// square roots.
+TAMERISK_ROW_KERNEL void DimpleDistances(const double* sx, double sy, std::int32_t n, float* s2, double* distance)
+{
+    for (std::int32_t k = 0; k < n; ++k) {
+        s2[k] = static_cast<float>(sx[k] * sx[k] + sy * sy);
+        distance[k] = std::sqrt(static_cast<double>(s2[k]));
+    }
+}
+
+}  // namespace
+
 void AddDimple(FZLayer& layer, float cx, float cy, float radius, float depth)
 {
     if (layer.coverage == nullptr || layer.depth == nullptr)
@@ -214,26 +229,32 @@ void AddDimple(FZLayer& layer, float cx, float cy, float radius, float depth)
     const std::int32_t columnLast = FZTruncateClamped(static_cast<double>(cx) + radius, INT32_MIN, layer.width - 1);
     const std::int32_t rowFirst = FZTruncateClamped(static_cast<double>(cy) - radius, 0, INT32_MAX);
     const std::int32_t rowLast = FZTruncateClamped(static_cast<double>(cy) + radius, INT32_MIN, layer.height - 1);
+    constexpr std::int32_t kPoints = 4 * kFZSamplePixels;
 
     ParallelRows(rowFirst, rowLast + 1, [&](std::int32_t py) {
-        for (std::int32_t px = columnFirst; px <= columnLast; ++px) {
-            if (layer.coverage[py][px] == 0)
-                continue;
-            const float zp = layer.depth[py][px];
-            // Summed in double: sixteen equal heights give the height back
-            // exactly, so pixels outside the bowl keep their depth.
-            double sum = 0.0;
-            for (int j = 0; j < 4; ++j) {
-                const double sy = py + (j + 0.5) * 0.25 - cy;
-                for (int i = 0; i < 4; ++i) {
-                    const double sx = px + (i + 0.5) * 0.25 - cx;
-                    const float s2 = static_cast<float>(sx * sx + sy * sy);
-                    sum += s2 < radiusSquared
-                               ? static_cast<float>(zp + bowl.Evaluate(std::sqrt(static_cast<double>(s2))))
-                               : zp;
-                }
+        for (std::int32_t start = columnFirst; start <= columnLast; start += kFZSamplePixels) {
+            const std::int32_t pixels = FZMin(kFZSamplePixels, columnLast - start + 1);
+            double sx[kPoints];
+            for (std::int32_t k = 0; k < pixels; ++k)
+                for (int i = 0; i < 4; ++i)
+                    sx[4 * k + i] = start + k + (i + 0.5) * 0.25 - cx;
+            float s2[4][kPoints];
+            double distance[4][kPoints];
+            for (int j = 0; j < 4; ++j)
+                DimpleDistances(sx, py + (j + 0.5) * 0.25 - cy, 4 * pixels, s2[j], distance[j]);
+            for (std::int32_t k = 0; k < pixels; ++k) {
+                const std::int32_t px = start + k;
+                if (layer.coverage[py][px] == 0)
+                    continue;
+                const float zp = layer.depth[py][px];
+                // Summed in double: sixteen equal heights give the height back
+                // exactly, so pixels outside the bowl keep their depth.
+                double sum = 0.0;
+                for (int j = 0; j < 4; ++j)
+                    for (int i = 4 * k; i < 4 * k + 4; ++i)
+                        sum += s2[j][i] < radiusSquared ? static_cast<float>(zp + bowl.Evaluate(distance[j][i])) : zp;
+                layer.depth[py][px] = static_cast<float>(sum * (1.0 / 16.0));
             }
-            layer.depth[py][px] = static_cast<float>(sum * (1.0 / 16.0));
         }
     });
 }
