@@ -2,6 +2,9 @@
 
 #include <QFile>
 
+#include <locale.h>
+#include <stdlib.h>
+
 #include <charconv>
 #include <cinttypes>
 #include <cmath>
@@ -186,11 +189,7 @@ private:
             return NonFinite(v.text, out) || Fail("must be a number, \"inf\", \"-inf\", \"nan\" or \"nan:0x\" and 8 hex digits");
         if (v.kind != JsonValue::Kind::Number)
             return Fail("must be a number");
-        const char* end = v.text.data() + v.text.size();
-        const auto result = std::from_chars(v.text.data(), end, out);
-        if (result.ec != std::errc() || result.ptr != end)
-            return Fail("is out of the range of a 32-bit float");
-        return true;
+        return FloatFromText(v.text, out) || Fail("is out of the range of a 32-bit float");
     }
     bool Value(const JsonValue& v, std::int32_t& out)
     {
@@ -234,6 +233,31 @@ private:
         if (!Members(v, read, kAnisotropyFields, std::size(kAnisotropyFields), key_ + "."))
             return false;
         out = read;
+        return true;
+    }
+
+    // The float nearest to the decimal text, as a cast of the exact value
+    // would give it: a number too small for a float becomes a subnormal or
+    // zero of its sign. False only beyond the largest float.
+    static bool FloatFromText(const std::string& text, float& out)
+    {
+        const char* end = text.data() + text.size();
+        const auto result = std::from_chars(text.data(), end, out);
+        if (result.ec == std::errc() && result.ptr == end)
+            return true;
+        if (result.ec != std::errc::result_out_of_range)
+            return false;
+        // from_chars leaves both overflow and underflow to the caller;
+        // strtof tells them apart, read in the "C" locale whatever the
+        // program's own.
+        static const locale_t c = ::newlocale(LC_ALL_MASK, "C", nullptr);
+        if (c == nullptr)
+            return false;
+        char* parsedEnd = nullptr;
+        const float value = ::strtof_l(text.c_str(), &parsedEnd, c);
+        if (parsedEnd != text.c_str() + text.size() || std::isinf(value))
+            return false;
+        out = value;
         return true;
     }
 
@@ -314,13 +338,58 @@ private:
 
 constexpr qint64 kMaxJsonBytes = 1 << 20;
 
+constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
+
+// Editors on some systems start UTF-8 text with a byte-order mark; JSON
+// readers skip it.
+QByteArray WithoutByteOrderMark(const QByteArray& bytes)
+{
+    return bytes.startsWith(kByteOrderMark) ? bytes.mid(3) : bytes;
+}
+
+// Attribute files start with '<'; text whose first character (past white
+// space and a byte-order mark) could start a JSON value is read as JSON, so
+// that a wrong top level is reported as such rather than as a short file.
 bool LooksLikeJson(const QByteArray& bytes)
 {
-    for (const char c : bytes) {
+    for (const char c : WithoutByteOrderMark(bytes)) {
         if (c != ' ' && c != '\t' && c != '\n' && c != '\r')
-            return c == '{';
+            return std::strchr("{[\"-0123456789tfn", c) != nullptr && c != '\0';
     }
     return false;
+}
+
+// "line L, column C" of the first character that is not white space.
+std::string PlaceOfFirstValue(const QByteArray& text)
+{
+    int line = 1;
+    int column = 1;
+    for (const char c : text) {
+        if (c != ' ' && c != '\t' && c != '\n' && c != '\r')
+            break;
+        column = c == '\n' ? 1 : column + 1;
+        line += c == '\n' ? 1 : 0;
+    }
+    return "line " + std::to_string(line) + ", column " + std::to_string(column);
+}
+
+const char* KindName(JsonValue::Kind kind)
+{
+    switch (kind) {
+    case JsonValue::Kind::Null:
+        return "null";
+    case JsonValue::Kind::Bool:
+        return "a boolean";
+    case JsonValue::Kind::Number:
+        return "a number";
+    case JsonValue::Kind::String:
+        return "a string";
+    case JsonValue::Kind::Array:
+        return "an array";
+    case JsonValue::Kind::Object:
+        break;
+    }
+    return "an object";
 }
 
 }  // namespace
@@ -336,12 +405,14 @@ int MaterialFromJson(const QByteArray& text, FZAttributeEx& record, QString& err
 {
     JsonValue document;
     std::string syntaxError;
-    if (!ParseJson(text.toStdString(), document, syntaxError)) {
+    if (!ParseJson(WithoutByteOrderMark(text).toStdString(), document, syntaxError)) {
         error = QString::fromStdString("JSON " + syntaxError);
         return kResultBadFormat;
     }
     if (document.kind != JsonValue::Kind::Object) {
-        error = "the JSON text is not an object";
+        error = QStringLiteral("JSON %1: the top level must be an object, not %2")
+                    .arg(QString::fromStdString(PlaceOfFirstValue(WithoutByteOrderMark(text))),
+                         QLatin1String(KindName(document.kind)));
         return kResultBadFormat;
     }
     FZAttributeEx read;

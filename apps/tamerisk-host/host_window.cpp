@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QEvent>
 #include <QGridLayout>
 #include <QHeaderView>
@@ -143,6 +144,16 @@ HostWindow::HostWindow(const TameriskFunctions& api, const FZAttributeEx& materi
 HostWindow::~HostWindow()
 {
     api.Close();
+}
+
+void HostWindow::closeEvent(QCloseEvent* event)
+{
+    // The editor's close box only hides it, so it would keep the program
+    // running with no window of the host left. Closing it here saves its
+    // placement, as closing a host does.
+    api.Close();
+    QWidget::closeEvent(event);
+    QCoreApplication::quit();
 }
 
 QWidget* HostWindow::EditorWindow()

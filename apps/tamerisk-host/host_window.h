@@ -27,6 +27,8 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+    // Closing the host closes the editor with it and ends the program.
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     void OnEditorNotify();

@@ -7,7 +7,9 @@
 #include <QFile>
 #include <QTextStream>
 
+#include <csignal>
 #include <cstdio>
+#include <string>
 
 #include "common/material_json.h"
 #include "material/attribute_file.h"
@@ -78,9 +80,10 @@ int Write(const QString& path, const QString& source)
     const int parsed = ReadSource(source, record, message);
     if (parsed != kResultOk)
         return Fail(parsed, message);
-    const int rc = SaveAttributeFile(QFile::encodeName(path).constData(), record);
+    std::string reason;
+    const int rc = SaveAttributeFile(QFile::encodeName(path).constData(), record, &reason);
     if (rc != kResultOk)
-        return Fail(rc, ResultText(rc, path));
+        return Fail(rc, ResultText(rc, path, QString::fromLocal8Bit(reason)));
     return 0;
 }
 
@@ -89,6 +92,9 @@ int Write(const QString& path, const QString& source)
 int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
+    // Past a file size limit a write fails with EFBIG and is reported, and
+    // the temporary file is removed, instead of the process being killed.
+    std::signal(SIGXFSZ, SIG_IGN);
     QCoreApplication::setApplicationName("tamerisk-qva");
     QCommandLineParser parser;
     parser.setApplicationDescription(kDescription);

@@ -8,14 +8,16 @@
 // BuildSampleShape, ApplyMaterial), so a thumbnail made here and the dialog's
 // preview agree pixel for pixel. Output goes to a temporary file beside the
 // target and is renamed into place only when it is complete.
+#include <QBuffer>
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFile>
 #include <QImage>
 #include <QImageWriter>
 #include <QRegularExpression>
-#include <QSaveFile>
 
 #include <cstdint>
+#include <csignal>
 #include <cstdio>
 #include <optional>
 
@@ -25,6 +27,7 @@
 #include "engine/display/image_display.h"
 #include "engine/parallel.h"
 #include "engine/random.h"
+#include "material/file_replace.h"
 #include "preview/preview_panel.h"
 
 namespace {
@@ -177,39 +180,33 @@ bool ParseOptions(QCommandLineParser& parser, const QStringList& arguments, Opti
     return ParseOutput(parser.value(output), options, error);
 }
 
-bool WritePpm(QSaveFile& file, const QImage& image)
+// The whole image file, encoded in memory.
+bool EncodeImage(const QImage& image, Format format, QByteArray& bytes)
 {
-    const QByteArray header = QStringLiteral("P6\n%1 %2\n255\n").arg(image.width()).arg(image.height()).toLatin1();
-    if (file.write(header) != header.size())
-        return false;
-    const qint64 rowBytes = qint64{image.width()} * 3;
-    for (int row = 0; row < image.height(); ++row)
-        if (file.write(reinterpret_cast<const char*>(image.constScanLine(row)), rowBytes) != rowBytes)
-            return false;
-    return true;
+    if (format == Format::Ppm) {
+        bytes = QStringLiteral("P6\n%1 %2\n255\n").arg(image.width()).arg(image.height()).toLatin1();
+        const qsizetype rowBytes = qsizetype{image.width()} * 3;
+        for (int row = 0; row < image.height(); ++row)
+            bytes.append(reinterpret_cast<const char*>(image.constScanLine(row)), rowBytes);
+        return true;
+    }
+    QBuffer buffer(&bytes);
+    return buffer.open(QIODevice::WriteOnly) && QImageWriter(&buffer, "png").write(image);
 }
 
-// Writes the whole image or nothing: a failed write leaves no file behind.
+// Writes the whole image or nothing: a failed write leaves the old file as
+// it was and no temporary file behind.
 bool WriteImage(const QImage& image, const Options& options, QString& error)
 {
-    QSaveFile file(options.output);
-    if (!file.open(QIODevice::WriteOnly)) {
-        error = QStringLiteral("cannot write '%1': %2").arg(options.output, file.errorString());
+    QByteArray bytes;
+    if (!EncodeImage(image, options.format, bytes)) {
+        error = QStringLiteral("cannot encode the image for '%1'").arg(options.output);
         return false;
     }
-    bool written = false;
-    if (options.format == Format::Ppm) {
-        written = WritePpm(file, image);
-    } else {
-        QImageWriter writer(&file, "png");
-        written = writer.write(image);
-        if (!written)
-            error = writer.errorString();
-    }
-    if (!written || !file.commit()) {
-        file.cancelWriting();
-        const QString reason = error.isEmpty() ? file.errorString() : error;
-        error = QStringLiteral("cannot write '%1': %2").arg(options.output, reason);
+    const FileWriteResult written =
+        ReplaceFile(QFile::encodeName(options.output).constData(), bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    if (!written.Ok()) {
+        error = QStringLiteral("cannot write '%1': %2").arg(options.output, QString::fromLocal8Bit(written.reason));
         return false;
     }
     return true;
@@ -252,6 +249,9 @@ bool Render(const Options& options, const FZAttributeEx& material, QImage& image
 int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
+    // Past a file size limit a write fails with EFBIG and is reported, and
+    // the temporary file is removed, instead of the process being killed.
+    std::signal(SIGXFSZ, SIG_IGN);
     QCoreApplication::setApplicationName(QStringLiteral("tamerisk-render"));
 
     QCommandLineParser parser;

@@ -115,7 +115,8 @@ private:
     bool PickColor(FZColor& color);
     void RandomButtonSubMenu(const QPoint& globalPos);
     int LoadFile(const QString& path);
-    int SaveFile(const QString& path);
+    // reason, when given, receives the system's reason for a failure.
+    int SaveFile(const QString& path, QString* reason = nullptr);
     void ShowResult(int code);
     void ShowMessage(const QString& text);
     void LoadParameter();

@@ -105,11 +105,9 @@ CDlgAnisotropic::CDlgAnisotropic(QWidget* parent)
     : CParameterDialog(AnisotropicDialogTemplate(), kIdPreviousShape, kIdNextShape, parent)
 {
     // The diagram only shows; presses, moves and releases over it belong to
-    // the dialog, which places the centre. Moves come without a button too:
-    // a drag whose release happened outside the dialog goes on.
+    // the dialog, which places the centre.
     if (QWidget* diagram = GetDlgItem(this, kIdDiagram))
         diagram->setAttribute(Qt::WA_TransparentForMouseEvents);
-    setMouseTracking(true);
     ConnectHandlers();
 }
 
@@ -349,16 +347,28 @@ void CDlgAnisotropic::mousePressEvent(QMouseEvent* event)
 
 void CDlgAnisotropic::mouseMoveEvent(QMouseEvent* event)
 {
+    // A move without the button is a drag whose release went elsewhere.
+    if (!(event->buttons() & Qt::LeftButton))
+        dragging = false;
     OnMouseMove(event->position().toPoint());
     CParameterDialog::mouseMoveEvent(event);
 }
 
 void CDlgAnisotropic::mouseReleaseEvent(QMouseEvent* event)
 {
-    // The mouse is not captured: a release outside the dialog never reaches
-    // it, so a drag goes on until the button comes up over the dialog. Qt
-    // hands the dialog the release of a press it took wherever it happens.
-    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()))
+    // The dialog took the press, so Qt hands it the release wherever the
+    // button comes up: over the dialog, or anywhere else on the screen.
+    if (event->button() == Qt::LeftButton)
         OnLButtonUp(event->position().toPoint());
     CParameterDialog::mouseReleaseEvent(event);
+}
+
+bool CDlgAnisotropic::event(QEvent* event)
+{
+    // Another window taking the mouse or the focus ends a drag: its release
+    // will never come here.
+    const QEvent::Type type = event->type();
+    if (type == QEvent::WindowDeactivate || type == QEvent::UngrabMouse || type == QEvent::Hide)
+        dragging = false;
+    return CParameterDialog::event(event);
 }

@@ -1,6 +1,7 @@
 #include <tamerisk/dlg_attribute.h>
 
 #include <array>
+#include <string>
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -576,8 +577,13 @@ void CDlgAttribute::OnButtonLoad()
 void CDlgAttribute::OnButtonSave()
 {
     const QString path = AskFilePath(QFileDialog::AcceptSave);
-    if (!path.isEmpty())
-        ShowResult(SaveFile(path));
+    if (path.isEmpty())
+        return;
+    // Below the message, which file and why: a full disk and a write-protected
+    // file call for different remedies.
+    QString reason;
+    if (const char* message = ResultMessage(SaveFile(path, &reason)))
+        ShowMessage(QString::fromUtf8(message) + u'\n' + path + QStringLiteral(": ") + reason);
 }
 
 int CDlgAttribute::LoadFile(const QString& path)
@@ -591,11 +597,15 @@ int CDlgAttribute::LoadFile(const QString& path)
     return code;
 }
 
-int CDlgAttribute::SaveFile(const QString& path)
+int CDlgAttribute::SaveFile(const QString& path, QString* reason)
 {
     FZAttributeEx record;
     GetAttribute(record);
-    return SaveAttributeFile(QFile::encodeName(path).constData(), record);
+    std::string why;
+    const int code = SaveAttributeFile(QFile::encodeName(path).constData(), record, &why);
+    if (reason != nullptr)
+        *reason = QString::fromLocal8Bit(why);
+    return code;
 }
 
 void CDlgAttribute::ShowResult(int code)

@@ -6,19 +6,23 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QGuiApplication>
 #include <QScreen>
-#include <QSettings>
 #include <QWidget>
+#include <QWindow>
+
+#include "material/file_replace.h"
 
 namespace {
 
 constexpr char kFileName[] = "Tamerisk.ini";
 constexpr char kOverrideVariable[] = "TAMERISK_SETTINGS_DIR";
 
-const QString kTopKey = QStringLiteral("Window/Top");
-const QString kLeftKey = QStringLiteral("Window/Left");
-const QString kDisplayKey = QStringLiteral("Window/Display");
+const QString kSection = QStringLiteral("Window");
+const QString kTopKey = QStringLiteral("Top");
+const QString kLeftKey = QStringLiteral("Left");
+const QString kDisplayKey = QStringLiteral("Display");
 
 std::int64_t ClampToInt(std::int64_t v)
 {
@@ -43,29 +47,118 @@ int ParseProfileInt(const QString& text)
     return static_cast<int>(ClampToInt(negative ? -value : value));
 }
 
-int ReadKey(const QSettings& file, const QString& key)
+// The file's lines without their line ends; none when it cannot be read.
+QStringList ReadLines(const QString& filePath)
 {
-    const QVariant value = file.value(key);
-    return value.isValid() ? ParseProfileInt(value.toString()) : 0;
+    QFile file(filePath);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
+    for (QString& line : lines) {
+        if (line.endsWith(u'\r'))
+            line.chop(1);
+    }
+    if (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast();
+    return lines;
 }
 
-// One axis of the placement: a negative coordinate becomes 0, and a window
-// that would reach past the screen's far edge moves back to end on it.
-int ClampAxis(int saved, int extent, int screenExtent)
+// Whether line opens a section, and whether that section is "Window". Names
+// and keys compare without regard to case, as in private-profile files.
+bool OpensSection(const QString& line, bool& isWindow)
 {
-    std::int64_t pos = std::max(saved, 0);
-    if (pos + extent > screenExtent)
-        pos = std::int64_t{screenExtent} - extent;
+    const QString t = line.trimmed();
+    if (!t.startsWith(u'[') || !t.endsWith(u']'))
+        return false;
+    isWindow = t.mid(1, t.size() - 2).trimmed().compare(kSection, Qt::CaseInsensitive) == 0;
+    return true;
+}
+
+bool IsKeyLine(const QString& line, const QString& key)
+{
+    const qsizetype equals = line.indexOf(u'=');
+    return equals >= 0 && line.left(equals).trimmed().compare(key, Qt::CaseInsensitive) == 0;
+}
+
+// The line of key in section "Window" (-1 when missing), and where a new
+// key of that section would go (-1 when the section is missing).
+struct KeyPlace {
+    qsizetype line = -1;
+    qsizetype sectionEnd = -1;
+};
+
+KeyPlace FindKey(const QStringList& lines, const QString& key)
+{
+    KeyPlace place;
+    bool inWindow = false;
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        if (OpensSection(lines[i], inWindow)) {
+            if (inWindow && place.sectionEnd < 0)
+                place.sectionEnd = i + 1;
+        } else if (inWindow && IsKeyLine(lines[i], key)) {
+            place.line = i;
+            return place;
+        } else if (inWindow && !lines[i].trimmed().isEmpty()) {
+            place.sectionEnd = i + 1;
+        }
+    }
+    return place;
+}
+
+int ReadKey(const QStringList& lines, const QString& key)
+{
+    const KeyPlace place = FindKey(lines, key);
+    if (place.line < 0)
+        return 0;
+    const QString& line = lines[place.line];
+    return ParseProfileInt(line.mid(line.indexOf(u'=') + 1));
+}
+
+// Sets key in section "Window": in place, else at the end of the section,
+// which is added at the end of the file when missing. Every other line of
+// the file stays as it was.
+void SetKey(QStringList& lines, const QString& key, int value)
+{
+    const QString entry = key + u'=' + QString::number(value);
+    KeyPlace place = FindKey(lines, key);
+    if (place.line >= 0) {
+        lines[place.line] = entry;
+        return;
+    }
+    if (place.sectionEnd < 0) {
+        lines << u'[' + kSection + u']';
+        place.sectionEnd = lines.size();
+    }
+    lines.insert(place.sectionEnd, entry);
+}
+
+// One axis of the placement: a coordinate before the screen's near edge
+// moves onto it, and a window that would reach past the far edge moves back
+// to end on it, so a window larger than the screen starts before it.
+int ClampAxis(int saved, int extent, int screenStart, int screenExtent)
+{
+    std::int64_t pos = std::max(saved, screenStart);
+    if (pos + extent > std::int64_t{screenStart} + screenExtent)
+        pos = std::int64_t{screenStart} + screenExtent - extent;
     return static_cast<int>(ClampToInt(pos));
 }
 
-// With no screen at all nothing can be reached past, so only the negative
-// coordinates are corrected.
-QSize PrimaryScreenSize()
+// The squared distance from point to the nearest pixel of r.
+std::int64_t DistanceSquared(QPoint point, const QRect& r)
 {
-    if (const QScreen* screen = QGuiApplication::primaryScreen())
-        return screen->geometry().size();
-    return {std::numeric_limits<int>::max(), std::numeric_limits<int>::max()};
+    const std::int64_t dx = std::max<std::int64_t>({std::int64_t{r.left()} - point.x(), 0,
+                                                    std::int64_t{point.x()} - r.right()});
+    const std::int64_t dy = std::max<std::int64_t>({std::int64_t{r.top()} - point.y(), 0,
+                                                    std::int64_t{point.y()} - r.bottom()});
+    return dx * dx + dy * dy;
+}
+
+std::vector<QRect> ScreenRects()
+{
+    std::vector<QRect> rects;
+    for (const QScreen* screen : QGuiApplication::screens())
+        rects.push_back(screen->geometry());
+    return rects;
 }
 
 // The top-left corner of the window frame in its normal (restored) state.
@@ -102,31 +195,39 @@ QString SettingsFilePath()
 
 WindowSettings ReadWindowSettings(const QString& filePath)
 {
-    const QSettings file(filePath, QSettings::IniFormat);
+    const QStringList lines = ReadLines(filePath);
     WindowSettings settings;
-    settings.top = ReadKey(file, kTopKey);
-    settings.left = ReadKey(file, kLeftKey);
-    settings.display = ReadKey(file, kDisplayKey);
+    settings.top = ReadKey(lines, kTopKey);
+    settings.left = ReadKey(lines, kLeftKey);
+    settings.display = ReadKey(lines, kDisplayKey);
     return settings;
 }
 
-// The values are written as decimal text, as "%d" would format them. QSettings
-// keeps the other sections and keys of the file and writes plain "Key=value"
-// lines. A file that cannot be written is not an error: the placement is then
-// simply not remembered.
-void WriteWindowSettings(const QString& filePath, const WindowSettings& settings)
+bool WriteWindowSettings(const QString& filePath, const WindowSettings& settings, QString* reason)
 {
-    QSettings file(filePath, QSettings::IniFormat);
-    file.setValue(kTopKey, QString::number(settings.top));
-    file.setValue(kLeftKey, QString::number(settings.left));
-    file.setValue(kDisplayKey, QString::number(settings.display));
-    file.sync();
+    QStringList lines = ReadLines(filePath);
+    SetKey(lines, kTopKey, settings.top);
+    SetKey(lines, kLeftKey, settings.left);
+    SetKey(lines, kDisplayKey, settings.display);
+    const QByteArray text = (lines.join(u'\n') + u'\n').toUtf8();
+    const FileWriteResult written = ReplaceFile(QFile::encodeName(filePath).constData(),
+                                                text.constData(), static_cast<std::size_t>(text.size()));
+    if (reason != nullptr)
+        *reason = QString::fromLocal8Bit(written.reason);
+    return written.Ok();
 }
 
-QPoint ClampWindowPosition(int left, int top, QSize window, QSize screen)
+QPoint PlaceWindow(QPoint saved, QSize window, const std::vector<QRect>& screens)
 {
-    return {ClampAxis(left, window.width(), screen.width()),
-            ClampAxis(top, window.height(), screen.height())};
+    // With no screen at all nothing can be reached past, so only the
+    // negative coordinates are corrected.
+    if (screens.empty())
+        return {std::max(saved.x(), 0), std::max(saved.y(), 0)};
+    const QRect screen = *std::min_element(screens.begin(), screens.end(), [saved](const QRect& a, const QRect& b) {
+        return DistanceSquared(saved, a) < DistanceSquared(saved, b);
+    });
+    return {ClampAxis(saved.x(), window.width(), screen.x(), screen.width()),
+            ClampAxis(saved.y(), window.height(), screen.y(), screen.height())};
 }
 
 void LoadWindowPlacement(QWidget* dialog)
@@ -138,7 +239,13 @@ void LoadWindowPlacement(QWidget* dialog)
     // platform reports once the native window exists.
     dialog->winId();
     const QSize size = dialog->frameGeometry().size();
-    dialog->move(ClampWindowPosition(saved.left, saved.top, size, PrimaryScreenSize()));
+    const QPoint corner = PlaceWindow({saved.left, saved.top}, size, ScreenRects());
+    dialog->move(corner);
+    // Under a window manager the frame is not known before the window is
+    // mapped, and move() then places the client area. The saved corner is
+    // the frame's, so the window manager is asked to put the frame there.
+    if (QWindow* window = dialog->windowHandle())
+        window->setFramePosition(corner);
     dialog->update();
     if (saved.display != 0) {
         dialog->show();
@@ -160,5 +267,11 @@ void SaveWindowPlacement(const QWidget* dialog)
     settings.top = topLeft.y();
     settings.left = topLeft.x();
     settings.display = dialog->isMinimized() ? 0 : 1;
-    WriteWindowSettings(SettingsFilePath(), settings);
+    const QString path = SettingsFilePath();
+    QString reason;
+    // The window is going away and nobody is left to ask; the placement is
+    // simply not remembered, but the user learns why.
+    if (!WriteWindowSettings(path, settings, &reason))
+        qWarning("Tamerisk: the window placement could not be saved to %s: %s", qPrintable(path),
+                 qPrintable(reason));
 }

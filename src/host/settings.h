@@ -14,7 +14,10 @@
 #ifndef TAMERISK_HOST_SETTINGS_H
 #define TAMERISK_HOST_SETTINGS_H
 
+#include <vector>
+
 #include <QPoint>
+#include <QRect>
 #include <QSize>
 #include <QString>
 
@@ -27,11 +30,11 @@ struct WindowSettings {
     int display = 0;  // 1 when the dialog was displayed, 0 when it was closed
 };
 
-// Places the dialog from the settings file, held on the primary screen, then
-// shows it, or leaves it minimised and hidden as closing it does.
+// Places the dialog's frame from the settings file, held on a screen
+// (PlaceWindow), then shows it, or leaves it minimised and hidden as closing it does.
 void LoadWindowPlacement(QWidget* dialog);
 // Writes the dialog's normal (restored) top-left corner and whether it is
-// displayed (not minimised). Write failures are ignored.
+// displayed (not minimised). A failed write is reported as a warning.
 void SaveWindowPlacement(const QWidget* dialog);
 
 // The file for an executable at the given path: its directory (everything
@@ -43,11 +46,18 @@ QString SettingsFilePathFor(const QString& executablePath);
 QString SettingsFilePath();
 
 WindowSettings ReadWindowSettings(const QString& filePath);
-void WriteWindowSettings(const QString& filePath, const WindowSettings& settings);
+// Sets the three keys and keeps every other line of the file. The file is
+// replaced as a whole (material/file_replace.h), so a full disk never leaves
+// it half written. False, with the system's reason, when it cannot be.
+bool WriteWindowSettings(const QString& filePath, const WindowSettings& settings, QString* reason = nullptr);
 
-// A saved corner held on a screen: negative coordinates become 0, then a
-// window reaching past the right or bottom edge moves back to end there. A
-// window larger than the screen therefore ends with a negative coordinate.
-QPoint ClampWindowPosition(int left, int top, QSize window, QSize screen);
+// Where a window whose frame has the given size goes for a saved frame
+// corner, on a desktop of the given screens (virtual desktop coordinates).
+// It stays on the screen that holds the corner, or moves to the screen
+// nearest to it when none does, and is held inside that screen: a corner
+// before its left or top edge moves onto it, a window reaching past its
+// right or bottom edge moves back to end there (so a window larger than the
+// screen starts before it). With no screen only negative coordinates change.
+QPoint PlaceWindow(QPoint saved, QSize window, const std::vector<QRect>& screens);
 
 #endif

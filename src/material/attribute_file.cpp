@@ -1,17 +1,12 @@
 #include "material/attribute_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <atomic>
-#include <cerrno>
-#include <climits>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
 
+#include "material/file_replace.h"
 #include "material/result_codes.h"
 
 namespace {
@@ -210,75 +205,23 @@ bool ParseVersion(const char text[kVersionDigits], int& version)
     return true;
 }
 
-// ---- Saving without losing the old file -------------------------------
-
-// The file a save replaces: a symbolic link is followed, so that saving
-// through it updates the file it names instead of replacing the link.
-std::string SaveTarget(const char* path)
+// The whole version 10 file, built in memory so that it reaches the disk in
+// one checked write.
+int EncodeFile(const FZAttributeEx& record, std::string& bytes)
 {
-    char resolved[PATH_MAX];
-    if (::realpath(path, resolved) != nullptr)
-        return resolved;
-    return path;
-}
-
-std::string DirectoryOf(const std::string& path)
-{
-    const std::size_t slash = path.rfind('/');
-    if (slash == std::string::npos)
-        return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
-// Creates a new file beside target, hidden from file pickers, that no other
-// file shares. Returns its descriptor (or -1) and its name.
-int CreateTempBeside(const std::string& target, std::string& name)
-{
-    const std::size_t slash = target.rfind('/');
-    const std::string dir = slash == std::string::npos ? "" : target.substr(0, slash + 1);
-    const std::string base = slash == std::string::npos ? target : target.substr(slash + 1);
-    static std::atomic<unsigned> counter{0};
-    for (int attempt = 0; attempt < 100; ++attempt) {
-        name = dir + "." + base + "." + std::to_string(::getpid()) + "-" + std::to_string(counter++)
-               + ".tmp";
-        // Mode 0666 less the umask, as any newly created file would get.
-        const int fd = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (fd >= 0 || errno != EEXIST)
-            return fd;
-    }
-    return -1;
-}
-
-// A replaced file keeps its permissions.
-void KeepPermissions(int fd, const std::string& target)
-{
-    struct stat st;
-    if (::stat(target.c_str(), &st) == 0 && S_ISREG(st.st_mode))
-        ::fchmod(fd, st.st_mode & 07777);
-}
-
-// Makes the rename itself durable. Best effort: some file systems refuse to
-// sync a directory, and the file is already safely in place by then.
-void SyncDirectory(const std::string& dir)
-{
-    const int fd = ::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
-    }
-}
-
-// Writes header and record to the temporary file and flushes them to disk;
-// closes the file in every case.
-int WriteAndSync(std::FILE* file, const FZAttributeEx& record)
-{
+    char* buffer = nullptr;
+    std::size_t size = 0;
+    std::FILE* file = ::open_memstream(&buffer, &size);
+    if (file == nullptr)
+        return kResultOutOfMemory;
     int rc = WriteFileHeader(file, kAttributeFileHeader);
     if (rc == kResultOk)
         rc = Write(file, record, kAttributeFileHeader.currentVersion);
-    if (rc == kResultOk && (std::fflush(file) != 0 || ::fsync(::fileno(file)) != 0))
-        rc = kResultWriteFailed;
     if (std::fclose(file) != 0 && rc == kResultOk)
-        rc = kResultWriteFailed;
+        rc = kResultOutOfMemory;
+    if (rc == kResultOk)
+        bytes.assign(buffer, size);
+    std::free(buffer);
     return rc;
 }
 
@@ -346,31 +289,16 @@ int Read(std::FILE* file, FZAttributeEx& record, int version)
     return kResultOk;
 }
 
-int SaveAttributeFile(const char* path, const FZAttributeEx& record)
+int SaveAttributeFile(const char* path, const FZAttributeEx& record, std::string* reason)
 {
-    if (path == nullptr || *path == '\0')
-        return kResultOpenFailed;
-    const std::string target = SaveTarget(path);
-    std::string tempName;
-    const int fd = CreateTempBeside(target, tempName);
-    if (fd < 0)
-        return kResultOpenFailed;
-    KeepPermissions(fd, target);
-    std::FILE* file = ::fdopen(fd, "wb");
-    if (file == nullptr) {
-        ::close(fd);
-        ::unlink(tempName.c_str());
-        return kResultOpenFailed;
-    }
-    int rc = WriteAndSync(file, record);
-    if (rc == kResultOk && std::rename(tempName.c_str(), target.c_str()) != 0)
-        rc = kResultWriteFailed;
-    if (rc != kResultOk) {
-        ::unlink(tempName.c_str());
-        return rc;
-    }
-    SyncDirectory(DirectoryOf(target));
-    return kResultOk;
+    std::string bytes;
+    const int encoded = EncodeFile(record, bytes);
+    if (encoded != kResultOk)
+        return encoded;
+    FileWriteResult written = ReplaceFile(path, bytes.data(), bytes.size());
+    if (reason != nullptr)
+        *reason = std::move(written.reason);
+    return written.code;
 }
 
 int LoadAttributeStream(std::FILE* file, FZAttributeEx& record, int* version)

@@ -29,6 +29,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <string>
 
 #include <tamerisk/attribute.h>
 
@@ -67,12 +68,11 @@ int Write(std::FILE* file, const FZAttributeEx& record, int version);
 // are not looked at.
 int Read(std::FILE* file, FZAttributeEx& record, int version);
 
-// Writes a whole version 10 file to path. The file it replaces is never lost:
-// the new file is written beside it under a temporary name, flushed to disk
-// and then renamed over it. -5 when the temporary file cannot be created, -7
-// when anything after that fails; the old file is then untouched and the
-// temporary file removed.
-int SaveAttributeFile(const char* path, const FZAttributeEx& record);
+// Writes a whole version 10 file to path through ReplaceFile
+// (material/file_replace.h): the file it replaces is never lost. -5 when the
+// target may not be written or nothing can be created beside it, -7 when
+// writing fails; reason (when given) then receives the system's reason.
+int SaveAttributeFile(const char* path, const FZAttributeEx& record, std::string* reason = nullptr);
 
 // Reads a whole file (header and record). On success record is replaced by
 // what the file holds, with every field it lacks at its default, and *version

@@ -2,10 +2,11 @@
 // writes the files they work on.
 #pragma once
 
+#include <sys/resource.h>
+
 #include <QByteArray>
 #include <QFile>
 #include <QProcess>
-#include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
 
@@ -19,9 +20,10 @@ struct ToolRun {
 };
 
 // tool is a program name in the build's bin directory; settingsDirectory,
-// when given, keeps the tool's settings away from the user's.
+// when given, keeps the tool's settings away from the user's. fileSizeLimit
+// (bytes, when not negative) makes every write past it fail as on a full disk.
 inline ToolRun RunTool(const char* tool, const QStringList& args, const QByteArray& input = {},
-                       const QString& settingsDirectory = {})
+                       const QString& settingsDirectory = {}, long fileSizeLimit = -1)
 {
     QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -29,6 +31,12 @@ inline ToolRun RunTool(const char* tool, const QStringList& args, const QByteArr
     if (!settingsDirectory.isEmpty())
         env.insert(QStringLiteral("TAMERISK_SETTINGS_DIR"), settingsDirectory);
     process.setProcessEnvironment(env);
+    if (fileSizeLimit >= 0) {
+        process.setChildProcessModifier([fileSizeLimit] {
+            const rlimit limit{rlim_t(fileSizeLimit), rlim_t(fileSizeLimit)};
+            ::setrlimit(RLIMIT_FSIZE, &limit);
+        });
+    }
     process.start(QStringLiteral(TAMERISK_BIN_DIR "/") + QLatin1String(tool), args);
     ToolRun run;
     if (!process.waitForStarted(10000))
