@@ -174,8 +174,9 @@ void FZSampleOffsets(std::int32_t p, float* out)
         out[i] = static_cast<float>(p) + d;
 }
 
-void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py, const bool (&inside)[3][3 * kFZSamplePixels],
-                          const float (&z)[3][3 * kFZSamplePixels], std::int32_t k)
+void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py,
+                          const bool (&inside)[3][3 * kFZSamplePixels], const float (&z)[3][3 * kFZSamplePixels],
+                          std::int32_t k)
 {
     const float a0 = layer.coverage[py][px] / 255.0f;
     const float z0p = layer.depth[py][px];

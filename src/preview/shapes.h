@@ -115,8 +115,9 @@ inline constexpr std::int32_t kFZSamplePixels = 64;
 
 // Merges the nine samples of pixel k of a piece (three sample rows of
 // three) into the layer pixel (px, py) with CompositeSample.
-void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py, const bool (&inside)[3][3 * kFZSamplePixels],
-                          const float (&z)[3][3 * kFZSamplePixels], std::int32_t k);
+void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py,
+                          const bool (&inside)[3][3 * kFZSamplePixels], const float (&z)[3][3 * kFZSamplePixels],
+                          std::int32_t k);
 
 // The three sample offsets of pixel p along one axis: p + 1/6, p + 1/2 and
 // p + 5/6, the offsets built by adding 1/3 to 1/6 in float.
