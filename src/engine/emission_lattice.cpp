@@ -206,6 +206,23 @@ struct FallTable {
         return true;
     }
     bool Ready() const { return !reach.empty(); }
+
+    // The whole terms w k x fall x fall for the light wk that most centres
+    // share (every evenly lit block has the same), so that those centres
+    // only add. Without memory for them every centre multiplies.
+    double wk = std::numeric_limits<double>::quiet_NaN();
+    std::vector<double> term;
+    void MakeTerms(double sharedWk)
+    {
+        try {
+            term.assign(fall.size(), 0.0);
+        } catch (const std::bad_alloc&) {
+            return;
+        }
+        for (std::size_t i = 0; i < fall.size(); ++i)
+            term[i] = sharedWk * fall[i] * fall[i];
+        wk = sharedWk;
+    }
 };
 
 // The lattice index of coordinate v on a lattice starting at v0 with step 5,
@@ -220,20 +237,20 @@ std::int32_t LatticeIndexOf(double v, double v0, std::int32_t n)
 }
 
 // A centre on lattice point (jc, ic) lighting lattice row i (|i - ic| = l):
-// the same terms as the plain splat, their distances from the table.
-TAMERISK_LATTICE_KERNEL void SplatAlignedCentre(double wk, const double* fall, std::int32_t jc, std::int32_t reach,
-                                                std::int32_t columns, float* cells)
+// the same terms as the plain splat, their distances from the table row
+// (or, for the shared light, the whole terms: then wk is 1 and the term
+// goes in as it is).
+template <bool kWholeTerms>
+inline __attribute__((always_inline)) void SplatAlignedCentre(double wk, const double* fall, std::int32_t jc,
+                                                              std::int32_t reach, std::int32_t columns, float* cells)
 {
+    const auto term = [wk](double f) { return kWholeTerms ? f : wk * f * f; };
     const std::int32_t first = FZMax(jc - reach, 0);
     const std::int32_t last = FZMin(jc + reach, columns - 1);
-    for (std::int32_t j = first; j < jc; ++j) {
-        const double f = fall[jc - j];
-        cells[j] = static_cast<float>(cells[j] + wk * f * f);
-    }
-    for (std::int32_t j = jc; j <= last; ++j) {
-        const double f = fall[j - jc];
-        cells[j] = static_cast<float>(cells[j] + wk * f * f);
-    }
+    for (std::int32_t j = first; j < jc; ++j)
+        cells[j] = static_cast<float>(cells[j] + term(fall[jc - j]));
+    for (std::int32_t j = jc; j <= last; ++j)
+        cells[j] = static_cast<float>(cells[j] + term(fall[j - jc]));
 }
 
 std::int32_t LatticeCount(std::int32_t size)
@@ -277,7 +294,7 @@ void GatherCentres(Lattice& l, std::int32_t blockRow)
     }
 }
 
-void SplatGroundRow(Lattice& l, SplatCentreFunction splat, std::int32_t row)
+TAMERISK_LATTICE_KERNEL void SplatGroundRow(Lattice& l, SplatCentreFunction splat, std::int32_t row)
 {
     const double r = l.r;
     const double gy = l.groundRect.y0 + (2 + 5 * row) + 0.5;
@@ -294,9 +311,11 @@ void SplatGroundRow(Lattice& l, SplatCentreFunction splat, std::int32_t row)
         if (c.row >= 0) {
             const std::int32_t rows = row > c.row ? row - c.row : c.row - row;
             const std::int32_t reach = l.falls.reach[rows];
-            if (reach >= 0)
-                SplatAlignedCentre(c.wk, &l.falls.fall[static_cast<std::size_t>(rows) * l.falls.columns], c.column,
-                                   reach, l.columns, cells);
+            const std::size_t at = static_cast<std::size_t>(rows) * l.falls.columns;
+            if (reach >= 0 && c.wk == l.falls.wk)
+                SplatAlignedCentre<true>(1.0, &l.falls.term[at], c.column, reach, l.columns, cells);
+            else if (reach >= 0)
+                SplatAlignedCentre<false>(c.wk, &l.falls.fall[at], c.column, reach, l.columns, cells);
             continue;
         }
         std::int32_t first = 0;
@@ -366,6 +385,13 @@ bool SplatEmissionByGroundRows(const FZLightGrid& m, const FZRect& emitterRect, 
             l.cells[static_cast<std::size_t>(row) * l.stride + j] = g.rows[2 + 5 * row][2 + 5 * j];
 
     ParallelRows(0, blockRows, [&l](std::int32_t row) { GatherCentres(l, row); });
+    // The middle of the emitter is the likeliest to be evenly lit.
+    const std::size_t middle = l.centres.size() / 2;
+    for (std::size_t i = middle; i < l.centres.size(); ++i)
+        if (l.centres[i].row >= 0) {
+            l.falls.MakeTerms(l.centres[i].wk);
+            break;
+        }
     ParallelRows(0, groundRows, [&l, splat](std::int32_t row) { SplatGroundRow(l, splat, row); });
     return true;
 }
