@@ -179,6 +179,7 @@ int RunBatch(const Options& options, Progress& progress)
         return kRunError;
     }
     CPreviewPanel panel;
+    progress.Start(0, QStringLiteral("(the frame and the shape)"));
     if (!SetUp(options, panel, error)) {
         progress.Say(error);
         return Progress::Interrupted() ? kInterrupted : kRunError;
