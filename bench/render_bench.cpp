@@ -128,7 +128,7 @@ bool SetUp(benchmark::State& state, CPreviewPanel& panel)
 {
     const auto size = static_cast<std::int32_t>(state.range(0));
     SetRenderThreads(static_cast<int>(state.range(1)));
-    if (panel.SetUpFrame(size, size) == 0)
+    if (panel.SetUpFrame(size, size) == FZResult::Ok)
         return true;
     state.SkipWithError("the preview could not be set up");
     return false;
@@ -147,7 +147,10 @@ void ApplyAndRender(benchmark::State& state, const FZAttributeEx& material)
     if (!SetUp(state, panel))
         return;
     for (auto _ : state) {
-        panel.ApplyMaterial(material, 0);
+        if (panel.ApplyMaterial(material, 0) != FZResult::Ok) {
+            state.SkipWithError("the material could not be rendered");
+            return;
+        }
         benchmark::DoNotOptimize(panel.Scene()->frame->data);
     }
     CountPixels(state);
@@ -162,9 +165,12 @@ void BuildShape(benchmark::State& state, std::int32_t shape)
         // The panel rebuilds only for another number; an empty sample layer
         // in between makes every timed call a real rebuild.
         state.PauseTiming();
-        panel.BuildSampleShape(0);
+        const FZResult emptied = panel.BuildSampleShape(0);
         state.ResumeTiming();
-        panel.BuildSampleShape(shape);
+        if (emptied != FZResult::Ok || panel.BuildSampleShape(shape) != FZResult::Ok) {
+            state.SkipWithError("the shape could not be built");
+            return;
+        }
         benchmark::DoNotOptimize(panel.Scene()->frame->data);
     }
     CountPixels(state);
@@ -180,12 +186,15 @@ void PeakMemory(benchmark::State& state)
         {
             CPreviewPanel panel;
             const auto size = static_cast<std::int32_t>(state.range(0));
-            if (panel.SetUpFrame(size, size) != 0) {
+            if (panel.SetUpFrame(size, size) != FZResult::Ok) {
                 state.SkipWithError("the preview could not be set up");
                 return;
             }
             for (const BenchMaterial& m : BenchMaterials())
-                panel.ApplyMaterial(m.material, 0);
+                if (panel.ApplyMaterial(m.material, 0) != FZResult::Ok) {
+                    state.SkipWithError("a material could not be rendered");
+                    return;
+                }
         }
         peak = peakBytes.load() - before;
     }

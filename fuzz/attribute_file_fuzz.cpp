@@ -24,12 +24,12 @@ void CheckRoundTrip(const FZAttributeEx& record)
     std::FILE* out = ::open_memstream(&buffer, &size);
     if (out == nullptr)
         return;
-    const bool written = WriteFileHeader(out, kAttributeFileHeader) == 0
-                         && Write(out, record, kAttributeFileHeader.currentVersion) == 0;
+    const bool written = WriteFileHeader(out, kAttributeFileHeader) == FZResult::Ok
+                         && Write(out, record, kAttributeFileHeader.currentVersion) == FZResult::Ok;
     std::fclose(out);
     FZAttributeEx again;
     int version = -1;
-    if (!written || LoadAttributeBytes(buffer, size, again, &version) != 0 || version != 10
+    if (!written || LoadAttributeBytes(buffer, size, again, &version) != FZResult::Ok || version != 10
         || !SameBytes(again, record))
         std::abort();
     std::free(buffer);
@@ -42,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     FZAttributeEx record;
     const FZAttributeEx untouched;
     int version = -1;
-    if (LoadAttributeBytes(data, size, record, &version) != 0) {
+    if (LoadAttributeBytes(data, size, record, &version) != FZResult::Ok) {
         if (!SameBytes(record, untouched) || version != -1)
             std::abort();
         return 0;

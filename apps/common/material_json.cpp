@@ -401,68 +401,68 @@ QByteArray MaterialToJson(const FZAttributeEx& record, int version)
     return QByteArray::fromStdString(writer.Text() + "\n");
 }
 
-int MaterialFromJson(const QByteArray& text, FZAttributeEx& record, QString& error)
+FZResult MaterialFromJson(const QByteArray& text, FZAttributeEx& record, QString& error)
 {
     JsonValue document;
     std::string syntaxError;
     if (!ParseJson(WithoutByteOrderMark(text).toStdString(), document, syntaxError)) {
         error = QString::fromStdString("JSON " + syntaxError);
-        return kResultBadFormat;
+        return FZResult::BadFormat;
     }
     if (document.kind != JsonValue::Kind::Object) {
         error = QStringLiteral("JSON %1: the top level must be an object, not %2")
                     .arg(QString::fromStdString(PlaceOfFirstValue(WithoutByteOrderMark(text))),
                          QLatin1String(KindName(document.kind)));
-        return kResultBadFormat;
+        return FZResult::BadFormat;
     }
     FZAttributeEx read;
     FieldReader reader;
     if (!reader.Members(document, read, kRecordFields, std::size(kRecordFields), "")) {
         error = QString::fromStdString(reader.Error());
-        return kResultBadParameter;
+        return FZResult::BadParameter;
     }
     record = read;
-    return kResultOk;
+    return FZResult::Ok;
 }
 
-int ParseMaterial(const QByteArray& bytes, FZAttributeEx& record, QString& message, int* version,
+FZResult ParseMaterial(const QByteArray& bytes, FZAttributeEx& record, QString& message, int* version,
                   const QString& source)
 {
     if (!LooksLikeJson(bytes)) {
-        const int rc = LoadAttributeBytes(bytes.constData(), static_cast<std::size_t>(bytes.size()), record, version);
-        if (rc != kResultOk)
+        const FZResult rc = LoadAttributeBytes(bytes.constData(), static_cast<std::size_t>(bytes.size()), record, version);
+        if (rc != FZResult::Ok)
             message = ResultText(rc, source);
         return rc;
     }
     QString error;
-    const int rc = MaterialFromJson(bytes, record, error);
-    if (rc != kResultOk) {
+    const FZResult rc = MaterialFromJson(bytes, record, error);
+    if (rc != FZResult::Ok) {
         message = ResultText(rc, source, error);
         return rc;
     }
     if (version != nullptr)
         *version = kAttributeFileHeader.currentVersion;
-    return kResultOk;
+    return FZResult::Ok;
 }
 
-int LoadMaterial(const QString& path, FZAttributeEx& record, QString& message, int* version)
+FZResult LoadMaterial(const QString& path, FZAttributeEx& record, QString& message, int* version)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        message = ResultText(kResultOpenFailed, path, file.errorString());
-        return kResultOpenFailed;
+        message = ResultText(FZResult::OpenFailed, path, file.errorString());
+        return FZResult::OpenFailed;
     }
     // An attribute file needs far less than this, and so does any material
     // written as JSON.
     const QByteArray bytes = file.read(kMaxJsonBytes + 1);
     if (bytes.size() > kMaxJsonBytes && LooksLikeJson(bytes)) {
-        message = ResultText(kResultTooLarge, path, "larger than 1 MiB");
-        return kResultTooLarge;
+        message = ResultText(FZResult::TooLarge, path, "larger than 1 MiB");
+        return FZResult::TooLarge;
     }
     return ParseMaterial(bytes, record, message, version, path);
 }
 
-QString ResultText(int code, const QString& source, const QString& detail)
+QString ResultText(FZResult code, const QString& source, const QString& detail)
 {
     QString text = QString::fromUtf8(ResultMessage(code));
     if (!source.isEmpty())
@@ -472,7 +472,7 @@ QString ResultText(int code, const QString& source, const QString& detail)
     return text;
 }
 
-QString ErrorLine(int code, const QString& message)
+QString ErrorLine(FZResult code, const QString& message)
 {
-    return QStringLiteral("error %1: %2").arg(code).arg(message);
+    return QStringLiteral("error %1: %2").arg(ResultCode(code)).arg(message);
 }

@@ -41,6 +41,8 @@
 
 #include <tamerisk/attribute.h>
 
+#include "material/result_codes.h"
+
 // The JSON form of record (UTF-8, ending in a newline). version is printed
 // as "version": the version of the file the record came from.
 QByteArray MaterialToJson(const FZAttributeEx& record, int version);
@@ -51,31 +53,31 @@ QByteArray MaterialToJson(const FZAttributeEx& record, int version);
 //   -8  the text is not JSON, or its top level is not an object;
 //   -4  an unknown key, a value of the wrong type, or a number out of range
 //       (the message names the key, e.g. "anisotropy.waveCount").
-int MaterialFromJson(const QByteArray& text, FZAttributeEx& record, QString& error);
+FZResult MaterialFromJson(const QByteArray& text, FZAttributeEx& record, QString& error);
 
 // Reads a material from the bytes of a file of either form: an attribute file
 // (.qva, recognised by its magic text) or the JSON form (the first character
-// that is not white space is '{'). On success returns 0, replaces record and
+// that is not white space is '{'). On success returns Ok, replaces record and
 // sets *version (when given) to the file's version, 10 for JSON. On failure
 // returns the result code (material/result_codes.h) and sets message to the
 // code's Japanese message, source and the details, e.g.
 //   不適当なﾊﾟﾗﾒｰﾀｰです。 m.json: key "anisotropy.waveCount" must be an integer ...
 // record stays as it was. source names where the bytes came from (a path,
 // "-" for standard input; may be empty).
-int ParseMaterial(const QByteArray& bytes, FZAttributeEx& record, QString& message,
+FZResult ParseMaterial(const QByteArray& bytes, FZAttributeEx& record, QString& message,
                   int* version = nullptr, const QString& source = QString());
 
 // ParseMaterial on the contents of the file at path. A file that cannot be
 // read gives -5, a JSON file over 1 MiB gives -10. Used by
 // `tamerisk-render --material PATH` and `tamerisk-qva write`.
-int LoadMaterial(const QString& path, FZAttributeEx& record, QString& message,
+FZResult LoadMaterial(const QString& path, FZAttributeEx& record, QString& message,
                  int* version = nullptr);
 
 // The code's message (material/result_codes.h), then source and detail when
 // given: "ﾌｧｲﾙを開けませんでした。 a.qva: No such file or directory".
-QString ResultText(int code, const QString& source, const QString& detail = QString());
+QString ResultText(FZResult code, const QString& source, const QString& detail = QString());
 
 // "error <code>: <message>", the first line the tools print on failure.
-QString ErrorLine(int code, const QString& message);
+QString ErrorLine(FZResult code, const QString& message);
 
 #endif

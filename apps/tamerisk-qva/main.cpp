@@ -39,7 +39,7 @@ constexpr const char* kDescription =
     "file nor JSON, -9 an attribute file newer than version 10, -10 a JSON\n"
     "file over 1 MiB.";
 
-int Fail(int code, const QString& message)
+int Fail(FZResult code, const QString& message)
 {
     QTextStream(stderr) << ErrorLine(code, message) << Qt::endl;
     return 1;
@@ -50,25 +50,25 @@ int Dump(const QString& path)
     FZAttributeEx record;
     QString message;
     int version = 0;
-    const int rc = LoadMaterial(path, record, message, &version);
-    if (rc != kResultOk)
+    const FZResult rc = LoadMaterial(path, record, message, &version);
+    if (rc != FZResult::Ok)
         return Fail(rc, message);
     const QByteArray json = MaterialToJson(record, version);
     std::fwrite(json.constData(), 1, static_cast<std::size_t>(json.size()), stdout);
     if (std::fflush(stdout) != 0)
-        return Fail(kResultWriteFailed, ResultText(kResultWriteFailed, "-"));
+        return Fail(FZResult::WriteFailed, ResultText(FZResult::WriteFailed, "-"));
     return 0;
 }
 
 // Reads the material from source ("-" for standard input).
-int ReadSource(const QString& source, FZAttributeEx& record, QString& message)
+FZResult ReadSource(const QString& source, FZAttributeEx& record, QString& message)
 {
     if (source != "-")
         return LoadMaterial(source, record, message);
     QFile in;
     if (!in.open(stdin, QIODevice::ReadOnly)) {
-        message = ResultText(kResultOpenFailed, source, in.errorString());
-        return kResultOpenFailed;
+        message = ResultText(FZResult::OpenFailed, source, in.errorString());
+        return FZResult::OpenFailed;
     }
     return ParseMaterial(in.readAll(), record, message, nullptr, source);
 }
@@ -77,12 +77,12 @@ int Write(const QString& path, const QString& source)
 {
     FZAttributeEx record;
     QString message;
-    const int parsed = ReadSource(source, record, message);
-    if (parsed != kResultOk)
+    const FZResult parsed = ReadSource(source, record, message);
+    if (parsed != FZResult::Ok)
         return Fail(parsed, message);
     std::string reason;
-    const int rc = SaveAttributeFile(QFile::encodeName(path).constData(), record, &reason);
-    if (rc != kResultOk)
+    const FZResult rc = SaveAttributeFile(QFile::encodeName(path).constData(), record, &reason);
+    if (rc != FZResult::Ok)
         return Fail(rc, ResultText(rc, path, QString::fromLocal8Bit(reason)));
     return 0;
 }
@@ -103,7 +103,7 @@ int main(int argc, char** argv)
     parser.addPositionalArgument("file", "the attribute file (.qva)");
     parser.addPositionalArgument("json", "for write: the JSON file, or - for standard input", "[json]");
     if (!parser.parse(app.arguments()))
-        return Fail(kResultBadParameter, ResultText(kResultBadParameter, QString(), parser.errorText()));
+        return Fail(FZResult::BadParameter, ResultText(FZResult::BadParameter, QString(), parser.errorText()));
     if (parser.isSet("help"))
         parser.showHelp(0);
 
@@ -113,7 +113,7 @@ int main(int argc, char** argv)
         return Dump(args[1]);
     if (command == "write" && (args.size() == 2 || args.size() == 3))
         return Write(args[1], args.value(2, "-"));
-    return Fail(kResultBadParameter,
-                ResultText(kResultBadParameter, QString(),
+    return Fail(FZResult::BadParameter,
+                ResultText(FZResult::BadParameter, QString(),
                            "usage: tamerisk-qva dump FILE.qva | tamerisk-qva write FILE.qva [JSON-FILE|-]"));
 }

@@ -89,15 +89,17 @@ bool WriteImage(const QImage& image, const QString& path, Format format, QString
 // when it cannot be built.
 bool SetUp(const Options& options, CPreviewPanel& panel, QString& error)
 {
-    const int made = panel.SetUpFrame(options.width, options.height);
-    if (made == -2) {
+    FZResult made = panel.SetUpFrame(options.width, options.height);
+    if (made == FZResult::OutOfMemory) {
         error = QStringLiteral("a frame of %1 x %2 pixels is too large to render")
                     .arg(options.width)
                     .arg(options.height);
         return false;
     }
-    if (made != 0 || panel.BuildSampleShape(options.shape) != 0) {
-        error = QStringLiteral("the preview could not be set up (result code %1)").arg(made);
+    if (made == FZResult::Ok)
+        made = panel.BuildSampleShape(options.shape);
+    if (made != FZResult::Ok) {
+        error = QStringLiteral("the preview could not be set up (result code %1)").arg(ResultCode(made));
         return false;
     }
     return true;
@@ -108,7 +110,11 @@ bool SetUp(const Options& options, CPreviewPanel& panel, QString& error)
 bool Render(const Options& options, CPreviewPanel& panel, const FZAttributeEx& material, QImage& image,
             QString& error)
 {
-    panel.ApplyMaterial(material, options.colorBind ? 1 : 0);
+    const FZResult applied = panel.ApplyMaterial(material, options.colorBind ? 1 : 0);
+    if (applied != FZResult::Ok) {
+        error = QStringLiteral("the material could not be rendered (result code %1)").arg(ResultCode(applied));
+        return false;
+    }
     const FZScene* scene = panel.Scene();
     if (scene == nullptr || scene->frame == nullptr || scene->frame->data == nullptr) {
         error = QStringLiteral("the preview rendered no frame");
@@ -129,8 +135,8 @@ int RunSingle(const Options& options, Progress& progress)
     FZAttributeEx material;
     QString error;
     if (!options.material.isEmpty()) {
-        const int loaded = LoadMaterial(options.material, material, error);
-        if (loaded != 0) {
+        const FZResult loaded = LoadMaterial(options.material, material, error);
+        if (loaded != FZResult::Ok) {
             progress.Say(ErrorLine(loaded, error));
             return kRunError;
         }
@@ -162,8 +168,8 @@ bool RenderOne(const Options& options, CPreviewPanel& panel, const QString& file
                QString& error)
 {
     FZAttributeEx material;
-    const int loaded = LoadMaterial(file, material, error);
-    if (loaded != 0) {
+    const FZResult loaded = LoadMaterial(file, material, error);
+    if (loaded != FZResult::Ok) {
         error = ErrorLine(loaded, error);
         return false;
     }

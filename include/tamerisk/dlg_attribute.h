@@ -26,6 +26,8 @@
 #include "attribute.h"
 #include "export.h"
 
+#include "material/result_codes.h"
+
 class CPreviewPanel;
 class QScrollBar;
 
@@ -114,10 +116,10 @@ private:
     void DrawHighlightColorPallete();
     bool PickColor(FZColor& color);
     void RandomButtonSubMenu(const QPoint& globalPos);
-    int LoadFile(const QString& path);
+    FZResult LoadFile(const QString& path);
     // reason, when given, receives the system's reason for a failure.
-    int SaveFile(const QString& path, QString* reason = nullptr);
-    void ShowResult(int code);
+    FZResult SaveFile(const QString& path, QString* reason = nullptr);
+    void ShowResult(FZResult code);
     void ShowMessage(const QString& text);
     void LoadParameter();
     void SaveParameter();

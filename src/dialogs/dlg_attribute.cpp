@@ -231,7 +231,7 @@ bool CDlgAttribute::OnInitDialog()
     MakePreviewSquare();
     // A failed set-up leaves the preview without a scene: the dialog still
     // works, the preview just stays blank, so the result is not shown.
-    preview->SetUp(GetDlgItem(this, kIdPreview));
+    static_cast<void>(preview->SetUp(GetDlgItem(this, kIdPreview)));
     sampleShape = 1;
     ReDraw();
     LoadParameter();
@@ -413,9 +413,10 @@ void CDlgAttribute::SetColorControlsOnOff()
 
 void CDlgAttribute::ReDraw()
 {
-    preview->BuildSampleShape(sampleShape);
-    preview->ApplyMaterial(attribute, colorBind);
-    preview->Present(GetDlgItem(this, kIdPreview));
+    // A frame that could not be rendered is not shown; the last one stays.
+    if (preview->BuildSampleShape(sampleShape) == FZResult::Ok
+        && preview->ApplyMaterial(attribute, colorBind) == FZResult::Ok)
+        preview->Present(GetDlgItem(this, kIdPreview));
     DrawColorPallete();
     DrawHighlightColorPallete();
     // The enabling follows every change at once rather than at the next
@@ -586,29 +587,29 @@ void CDlgAttribute::OnButtonSave()
         ShowMessage(QString::fromUtf8(message) + u'\n' + path + QStringLiteral(": ") + reason);
 }
 
-int CDlgAttribute::LoadFile(const QString& path)
+FZResult CDlgAttribute::LoadFile(const QString& path)
 {
     FZAttributeEx loaded = attribute;
-    const int code = LoadAttributeFile(QFile::encodeName(path).constData(), loaded);
-    if (code == 0) {
+    const FZResult code = LoadAttributeFile(QFile::encodeName(path).constData(), loaded);
+    if (code == FZResult::Ok) {
         SetAttribute(loaded);
         UpdatePanelView();
     }
     return code;
 }
 
-int CDlgAttribute::SaveFile(const QString& path, QString* reason)
+FZResult CDlgAttribute::SaveFile(const QString& path, QString* reason)
 {
     FZAttributeEx record;
     GetAttribute(record);
     std::string why;
-    const int code = SaveAttributeFile(QFile::encodeName(path).constData(), record, &why);
+    const FZResult code = SaveAttributeFile(QFile::encodeName(path).constData(), record, &why);
     if (reason != nullptr)
         *reason = QString::fromLocal8Bit(why);
     return code;
 }
 
-void CDlgAttribute::ShowResult(int code)
+void CDlgAttribute::ShowResult(FZResult code)
 {
     if (const char* message = ResultMessage(code))
         ShowMessage(QString::fromUtf8(message));

@@ -55,15 +55,16 @@ void CParameterDialog::GetAttribute(FZAttributeEx& attribute) const
 
 void CParameterDialog::Refresh()
 {
-    preview.ApplyMaterial(record, colorBind);
-    preview.BuildSampleShape(sampleShape);
-    preview.Present(GetDlgItem(this, kIdPreview));
+    // A frame that could not be rendered is not shown; the last one stays.
+    if (preview.ApplyMaterial(record, colorBind) == FZResult::Ok
+        && preview.BuildSampleShape(sampleShape) == FZResult::Ok)
+        preview.Present(GetDlgItem(this, kIdPreview));
 }
 
 void CParameterDialog::SetUpPreview()
 {
     // A failed set-up leaves the preview blank; the dialog works without it.
-    preview.SetUp(GetDlgItem(this, kIdPreview));
+    static_cast<void>(preview.SetUp(GetDlgItem(this, kIdPreview)));
 }
 
 void CParameterDialog::SetScrollBar(QScrollBar* bar, int maximum, int position)

@@ -34,18 +34,18 @@ bool FZRampSegment::Weight(double t, double& weight, double weighted[3]) const
     return true;
 }
 
-int FZColorRamp::Allocate(std::int32_t count)
+FZResult FZColorRamp::Allocate(std::int32_t count)
 {
     delete[] segments;
     segments = nullptr;
     segmentCount = 0;
     if (count <= 0)
-        return 0;
+        return FZResult::Ok;
     segments = new (std::nothrow) FZRampSegment[static_cast<std::size_t>(count)];
     if (segments == nullptr)
-        return -2;
+        return FZResult::OutOfMemory;
     segmentCount = count;
-    return 0;
+    return FZResult::Ok;
 }
 
 void FZColorRamp::Evaluate(double t, float out[3]) const
@@ -91,13 +91,13 @@ void FZEnvironment::Release()
     rampBuilt = 0;
 }
 
-int BuildSkyRamp(FZEnvironment& env)
+FZResult BuildSkyRamp(FZEnvironment& env)
 {
     delete env.ramp;
     env.ramp = new (std::nothrow) FZColorRamp;
-    if (env.ramp == nullptr || env.ramp->Allocate(2) != 0) {
+    if (env.ramp == nullptr || env.ramp->Allocate(2) != FZResult::Ok) {
         env.Release();
-        return -2;
+        return FZResult::OutOfMemory;
     }
     const double p = env.horizon;
     const double q = env.blend;
@@ -108,22 +108,22 @@ int BuildSkyRamp(FZEnvironment& env)
     env.ramp->segments[1].Setup(env.upper, a, 1.0f, w, 0.0f);
     env.ramp->tMin = -1.0f;
     env.ramp->tMax = 1.0f;
-    return 0;
+    return FZResult::Ok;
 }
 
-int LookupEnvironment(FZEnvironment& env, const FZRay& ray, float colour[3])
+FZResult LookupEnvironment(FZEnvironment& env, const FZRay& ray, float colour[3])
 {
     if (env.mode == 1 && !env.rampBuilt) {
-        if (BuildSkyRamp(env) != 0)
-            return -2;
+        if (BuildSkyRamp(env) != FZResult::Ok)
+            return FZResult::OutOfMemory;
         env.rampBuilt = 1;
     }
     colour[0] = colour[1] = colour[2] = 0.0f;
     if (env.mode == 0 || env.ramp == nullptr)
-        return 0;
+        return FZResult::Ok;
     const double t = ray.direction.Elevation(1);
     env.ramp->Evaluate(t, colour);
     for (int c = 0; c < 3; ++c)
         colour[c] = static_cast<float>(static_cast<double>(colour[c]) * ray.weight);
-    return 0;
+    return FZResult::Ok;
 }

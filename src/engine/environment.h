@@ -8,6 +8,8 @@
 
 #include "engine/value_types.h"
 
+#include "material/result_codes.h"
+
 struct FZRampSegment {
     float color[3] = {0.0f, 0.0f, 0.0f};
     float start = 0.0f;
@@ -41,7 +43,7 @@ public:
     FZColorRamp& operator=(const FZColorRamp&) = delete;
 
     // Replaces the segments by count default segments; -2 if out of memory.
-    int Allocate(std::int32_t count);
+    FZResult Allocate(std::int32_t count);
     void Evaluate(double t, float out[3]) const;
 };
 
@@ -75,10 +77,10 @@ public:
 
 // Builds the two-segment sky ramp from the horizon and blend; -2 when the
 // ramp cannot be allocated.
-int BuildSkyRamp(FZEnvironment& env);
+FZResult BuildSkyRamp(FZEnvironment& env);
 
 // The sky colour along the ray's direction times its weight. Builds the ramp
 // on first use (-2 if that fails). Mode 0 gives black.
-int LookupEnvironment(FZEnvironment& env, const FZRay& ray, float colour[3]);
+FZResult LookupEnvironment(FZEnvironment& env, const FZRay& ray, float colour[3]);
 
 #endif

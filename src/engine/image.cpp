@@ -17,21 +17,21 @@ constexpr std::int32_t kMaxPaletteCount = 256;
 
 } // namespace
 
-int FZImage::Create(std::int32_t w, std::int32_t h, std::int32_t bpp, std::int32_t palCount)
+FZResult FZImage::Create(std::int32_t w, std::int32_t h, std::int32_t bpp, std::int32_t palCount)
 {
     Free();
     if (w < 0 || h < 0 || bpp < 1 || bpp > 4 || palCount < 0 || palCount > kMaxPaletteCount)
-        return -4;
+        return FZResult::BadParameter;
     const std::int64_t rowBytes = (std::int64_t{w} * bpp + 3) / 4 * 4;
     if (rowBytes > kMaxImageBytes || rowBytes * h > kMaxImageBytes)  // both below 2^31: no overflow
-        return -2;
+        return FZResult::OutOfMemory;
     const std::int64_t size = rowBytes * h;
 
     std::uint8_t* pixels = nullptr;
     if (size > 0) {
         pixels = new (std::nothrow) std::uint8_t[static_cast<std::size_t>(size)];
         if (pixels == nullptr)
-            return -2;
+            return FZResult::OutOfMemory;
         std::memset(pixels, 0, static_cast<std::size_t>(size));
     }
     std::uint8_t* pal = nullptr;
@@ -39,7 +39,7 @@ int FZImage::Create(std::int32_t w, std::int32_t h, std::int32_t bpp, std::int32
         pal = new (std::nothrow) std::uint8_t[static_cast<std::size_t>(palCount) * 3];
         if (pal == nullptr) {
             delete[] pixels;
-            return -2;
+            return FZResult::OutOfMemory;
         }
     }
     width = w;
@@ -50,7 +50,7 @@ int FZImage::Create(std::int32_t w, std::int32_t h, std::int32_t bpp, std::int32
     data = pixels;
     paletteCount = palCount;
     palette = pal;
-    return 0;
+    return FZResult::Ok;
 }
 
 void FZImage::Free()

@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "material/result_codes.h"
+
 class FZImage {
 public:
     char* name = nullptr;
@@ -29,7 +31,7 @@ public:
     // initialised). Returns 0; -2 when the memory cannot be had or the pixels
     // would exceed 2 GiB; -4 for a negative size, a bytesPerPixel outside 1
     // to 4 or more than 256 palette entries. On failure the image is empty.
-    int Create(std::int32_t w, std::int32_t h, std::int32_t bpp, std::int32_t palCount);
+    FZResult Create(std::int32_t w, std::int32_t h, std::int32_t bpp, std::int32_t palCount);
     // Releases name, palette and data; every count back to 0.
     void Free();
 

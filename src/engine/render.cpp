@@ -51,18 +51,18 @@ bool ClipToImage(const FZScene& scene, const FZImage& image, FZRect& rect)
 
 // Makes sure the scene owns an image of its frame size (24-bit, no
 // palette); an image of another size or without pixels is made again.
-int EnsureFrameSizedImage(const FZScene& scene, FZImage*& image)
+FZResult EnsureFrameSizedImage(const FZScene& scene, FZImage*& image)
 {
     if (image != nullptr && image->data != nullptr && image->width == scene.width
         && image->height == scene.height)
-        return 0;
+        return FZResult::Ok;
     if (image == nullptr) {
         image = new (std::nothrow) FZImage;
         if (image == nullptr)
-            return -2;
+            return FZResult::OutOfMemory;
     }
-    const int result = image->Create(scene.width, scene.height, 3, 0);
-    if (result != 0) {
+    const FZResult result = image->Create(scene.width, scene.height, 3, 0);
+    if (result != FZResult::Ok) {
         delete image;
         image = nullptr;
     }
@@ -245,7 +245,7 @@ bool ReflectedSky(const LayerPass& pass, std::int32_t x, std::int32_t y, float d
     ray.origin[2] = static_cast<float>(static_cast<double>(d) + pass.bias);
     ray.direction = n;
     ray.weight = static_cast<float>(pass.material.reflection * FZMax(0.0, facing));
-    const bool found = LookupEnvironment(pass.scene.environment, ray, sky) == 0;
+    const bool found = LookupEnvironment(pass.scene.environment, ray, sky) == FZResult::Ok;
     if (memo != nullptr) {
         memo->skyNormal = n;
         memo->hasSky = true;
@@ -415,7 +415,7 @@ bool PrepareSky(const LayerPass& pass, std::int32_t y0, std::int32_t y1, const F
         return true;
     FZRay ray;
     float sky[3];
-    return LookupEnvironment(env, ray, sky) == 0;
+    return LookupEnvironment(env, ray, sky) == FZResult::Ok;
 }
 
 // Composites the layer over the frame inside rect, which lies in the frame.
@@ -582,21 +582,21 @@ void AddLightToFrame(const Grid& g, const FZRect& groundRect, const FZColor& col
 }
 
 // Lights the ground around emitter i: 0, or -2 when out of memory.
-int AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& renderRect, const FZRect& groundRect,
+FZResult AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& renderRect, const FZRect& groundRect,
                     Grid& g, FZImage& frame)
 {
     const FZLayer& layer = *scene.LayerAt(index);
     FZRect rect = LayerFrameRect(layer);
     if (layer.coverage == nullptr || !rect.Intersect(renderRect))
-        return 0;
+        return FZResult::Ok;
     // An emitter too small for its emission to reach a whole pixel has
     // radius 0: it lights nothing.
     const std::int32_t radius = EmissionRadius(layer);
     if (radius <= 0)
-        return 0;
+        return FZResult::Ok;
     Grid m(FZScratchSlot::EmitterLight);
     if (!m.Allocate(rect.x1 - rect.x0 + 1, rect.y1 - rect.y0 + 1))
-        return -2;
+        return FZResult::OutOfMemory;
     GatherEmission(scene, index, renderRect, rect, m);
     g.Clear();
     // The parallel splat needs scratch memory; without it the plain one runs.
@@ -604,38 +604,38 @@ int AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& renderRect
         || !SplatEmissionByGroundRows(LightGridOf(m), rect, LightGridOf(g), groundRect, radius))
         SplatEmission(m, rect, g, groundRect, radius);
     FZFloatGrid view(g.width, g.height, g.rows.data());
-    const int result = FilterSeparable(view, 10);
-    if (result != 0)
+    const FZResult result = FilterSeparable(view, 10);
+    if (result != FZResult::Ok)
         return result;
     AddLightToFrame(g, groundRect, layer.material.color, frame);
-    return 0;
+    return FZResult::Ok;
 }
 
 } // namespace
 
-int RenderScene(FZScene& scene)
+FZResult RenderScene(FZScene& scene)
 {
     return RenderRect(scene, FZRect(0, 0, scene.width - 1, scene.height - 1));
 }
 
-int RenderRect(FZScene& scene, const FZRect& rect)
+FZResult RenderRect(FZScene& scene, const FZRect& rect)
 {
     FZRect clipped = rect;
     if (!clipped.Intersect(FZRect(0, 0, scene.width - 1, scene.height - 1)))
-        return -4;
-    const int result = EnsureFrameSizedImage(scene, scene.frame);
-    if (result != 0)
+        return FZResult::BadParameter;
+    const FZResult result = EnsureFrameSizedImage(scene, scene.frame);
+    if (result != FZResult::Ok)
         return result;
     return ComposeLayers(scene, clipped, *scene.frame);
 }
 
-int ComposeLayers(FZScene& scene, const FZRect& rect, FZImage& frame)
+FZResult ComposeLayers(FZScene& scene, const FZRect& rect, FZImage& frame)
 {
     FZRect area = rect;
     if (!ClipToImage(scene, frame, area))
-        return -4;
-    const int made = EnsureFrameSizedImage(scene, scene.behind);
-    if (made != 0)
+        return FZResult::BadParameter;
+    const FZResult made = EnsureFrameSizedImage(scene, scene.behind);
+    if (made != FZResult::Ok)
         return made;
 
     std::uint8_t bgr[3];
@@ -649,12 +649,12 @@ int ComposeLayers(FZScene& scene, const FZRect& rect, FZImage& frame)
             continue;
         ComposeLayer(scene, i, *layer, area, frame);
         if (i == 0) {
-            const int result = AddEmissionLight(scene, area, frame);
-            if (result != 0)
+            const FZResult result = AddEmissionLight(scene, area, frame);
+            if (result != FZResult::Ok)
                 return result;
         }
     }
-    return 0;
+    return FZResult::Ok;
 }
 
 void SampleBehind(const FZScene& scene, double sx, double sy, float out[3])
@@ -712,33 +712,33 @@ void SampleBox(const FZScene& scene, double sx, double sy, float out[3], const f
 
 } // namespace
 
-int AddEmissionLight(FZScene& scene, const FZRect& rect, FZImage& frame)
+FZResult AddEmissionLight(FZScene& scene, const FZRect& rect, FZImage& frame)
 {
     const FZLayer* ground = scene.LayerAt(0);
     if (ground == nullptr)
-        return 0;
+        return FZResult::Ok;
     FZRect area = rect;
     FZRect groundRect = LayerFrameRect(*ground);
     if (!ClipToImage(scene, frame, area) || !groundRect.Intersect(area))
-        return 0;
+        return FZResult::Ok;
 
     bool anyLight = false;
     for (std::int32_t i = 1; i < scene.LayerCount() && !anyLight; ++i)
         anyLight = IsEmitter(scene.LayerAt(i)) && !scene.LayerAt(i)->material.color.IsBlack();
     if (!anyLight)
-        return 0;
+        return FZResult::Ok;
 
     Grid g(FZScratchSlot::GroundLight);
     if (!g.Allocate(groundRect.x1 - groundRect.x0 + 1, groundRect.y1 - groundRect.y0 + 1))
-        return -2;
+        return FZResult::OutOfMemory;
     for (std::int32_t i = 1; i < scene.LayerCount(); ++i) {
         if (!IsEmitter(scene.LayerAt(i)))
             continue;
-        const int result = AddEmitterLight(scene, i, area, groundRect, g, frame);
-        if (result != 0)
+        const FZResult result = AddEmitterLight(scene, i, area, groundRect, g, frame);
+        if (result != FZResult::Ok)
             return result;
     }
-    return 0;
+    return FZResult::Ok;
 }
 
 int EmissionRadius(const FZLayer& layer)
@@ -752,18 +752,18 @@ int EmissionRadius(const FZLayer& layer)
     return FZTruncate(std::sqrt(static_cast<double>(layer.material.emission)) * FZMin(bw, bh));
 }
 
-int PrepareLayer(FZScene& scene, int index)
+FZResult PrepareLayer(FZScene& scene, int index)
 {
     FZLayer* layer = scene.LayerAt(index);
     if (layer == nullptr)
-        return -11;
+        return FZResult::NoData;
     return PrepareSurface(*layer);
 }
 
-int ShadeLayerAt(FZScene& scene, int index)
+FZResult ShadeLayerAt(FZScene& scene, int index)
 {
     FZLayer* layer = scene.LayerAt(index);
     if (layer == nullptr)
-        return -11;
+        return FZResult::NoData;
     return ShadeLayer(*layer, scene.camera.viewDirection, scene.lights);
 }

@@ -72,13 +72,13 @@ void FZCamera::Update()
 
 // ---------------------------------------------------------------- FZLayer
 
-int FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base)
+FZResult FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base)
 {
     Release();
     if (w < 0 || h < 0)
-        return -4;
+        return FZResult::BadParameter;
     if (std::int64_t{w} * h > kMaxPixels)
-        return -2;
+        return FZResult::OutOfMemory;
     baseDepth = base;
     x = lx;
     y = ly;
@@ -93,9 +93,9 @@ int FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32
     colors = FZNewRows<FZColor>(w, h);
     if (coverage == nullptr || depth == nullptr || normals == nullptr || colors == nullptr) {
         Release();
-        return -2;
+        return FZResult::OutOfMemory;
     }
-    return 0;
+    return FZResult::Ok;
 }
 
 void FZLayer::Release()
@@ -111,10 +111,10 @@ void FZLayer::Release()
     x = y = width = height = 0;
 }
 
-int FZLayer::Assign(const FZLayer& other)
+FZResult FZLayer::Assign(const FZLayer& other)
 {
     if (&other == this)
-        return 0;
+        return FZResult::Ok;
     Release();
     baseDepth = other.baseDepth;
     x = other.x;
@@ -127,9 +127,9 @@ int FZLayer::Assign(const FZLayer& other)
     if (!CopyRows(coverage, other.coverage, width, height) || !CopyRows(depth, other.depth, width, height)
         || !CopyRows(colors, other.colors, width, height)) {
         Release();
-        return -2;
+        return FZResult::OutOfMemory;
     }
-    return 0;
+    return FZResult::Ok;
 }
 
 void FZLayer::FillDepth(float value)
@@ -242,22 +242,22 @@ int FZLayer::CompositeSample(std::int32_t lx, std::int32_t ly, float z, std::uin
 
 // ---------------------------------------------------------------- FZScene
 
-int FZScene::Create(std::int32_t w, std::int32_t h)
+FZResult FZScene::Create(std::int32_t w, std::int32_t h)
 {
     Clear();
     if (w < 0 || h < 0)
-        return -4;
+        return FZResult::BadParameter;
     width = w;
     height = h;
     layers = new (std::nothrow) FZPtrArray<FZLayer>;
     lights = new (std::nothrow) FZPtrArray<FZLight>;
     if (layers == nullptr || lights == nullptr)
-        return -2;
+        return FZResult::OutOfMemory;
     const float cx = static_cast<float>(w * 0.5);
     const float cy = static_cast<float>(h * 0.5);
     camera.SetEye(cx, cy, static_cast<float>(static_cast<double>(w) + h));
     camera.SetTarget(cx, cy, 0.0f);
-    return 0;
+    return FZResult::Ok;
 }
 
 void FZScene::Clear()
@@ -272,63 +272,61 @@ void FZScene::Clear()
     width = height = 0;
 }
 
-int FZScene::SetUpFrame(std::int32_t w, std::int32_t h, const float backgroundColor[3])
+FZResult FZScene::SetUpFrame(std::int32_t w, std::int32_t h, const float backgroundColor[3])
 {
-    if (const int result = Create(w, h); result != 0)
+    if (const FZResult result = Create(w, h); result != FZResult::Ok)
         return result;
 
     FZLight* light = new (std::nothrow) FZLight;
     if (light == nullptr)
-        return -2;
+        return FZResult::OutOfMemory;
     const float direction[3] = {0.4f, -0.3f, -1.0f};
     const float white[3] = {1.0f, 1.0f, 1.0f};
     light->SetDirectional(1.0f, direction, white);
     if (lights->Append(light) < 0) {
         delete light;
-        return -2;
+        return FZResult::OutOfMemory;
     }
 
     FZLayer ground;
-    if (const int result = ground.Create(0, 0, w, h, groundDepth); result != 0)
+    if (const FZResult result = ground.Create(0, 0, w, h, groundDepth); result != FZResult::Ok)
         return result;
     ground.FillDepth(0.0f);
     ground.SetColorSource(0);
     FZAttributeEx groundMaterial;
     groundMaterial.color.SetFloats(backgroundColor);
     ground.SetMaterial(groundMaterial);
-    const std::int32_t index = AddLayer(ground);
-    return index < 0 ? index : 0;
+    return AddLayer(ground);
 }
 
-std::int32_t FZScene::AddLayer(const FZLayer& layer)
+FZResult FZScene::AddLayer(const FZLayer& layer)
 {
     if (layers == nullptr)
-        return -11;
+        return FZResult::NoData;
     return InsertLayer(layer, layers->count - 1);
 }
 
-std::int32_t FZScene::InsertLayer(const FZLayer& layer, std::int32_t index)
+FZResult FZScene::InsertLayer(const FZLayer& layer, std::int32_t index)
 {
     if (layers == nullptr)
-        return -11;
+        return FZResult::NoData;
     if (index < -1 || index >= layers->count)
-        return -4;
+        return FZResult::BadParameter;
     FZLayer* copy = new (std::nothrow) FZLayer;
     if (copy == nullptr)
-        return -2;
-    const int result = copy->Assign(layer);
-    if (result == 0 && layers->InsertAfter(copy, index) == 0)
-        return index + 1;
+        return FZResult::OutOfMemory;
+    if (copy->Assign(layer) == FZResult::Ok && layers->InsertAfter(copy, index) == 0)
+        return FZResult::Ok;
     delete copy;
-    return -2;
+    return FZResult::OutOfMemory;
 }
 
-std::int32_t FZScene::AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h)
+FZResult FZScene::AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h)
 {
     if (layers == nullptr)
-        return -11;
+        return FZResult::NoData;
     FZLayer layer;
-    if (const int result = layer.Create(lx, ly, w, h, layerDepth); result != 0)
+    if (const FZResult result = layer.Create(lx, ly, w, h, layerDepth); result != FZResult::Ok)
         return result;
     return InsertLayer(layer, layers->count - 1);
 }

@@ -211,7 +211,7 @@ public:
     // out or w x h exceeds kMaxPixels, -4 for a negative size; the layer is
     // then left released (empty, size 0), so no half-built layer is ever
     // rendered.
-    int Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base);
+    FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base);
     // Frees every row set (highlight and normal rows included) and the
     // shaded image; base depth, position and size back to 0.
     void Release();
@@ -219,7 +219,7 @@ public:
     // the normals, shaded image, highlight map, bounds or depth range).
     // Assigning a layer to itself does nothing. 0, or -2 when out of memory
     // (this layer is then left released).
-    int Assign(const FZLayer& other);
+    FZResult Assign(const FZLayer& other);
 
     void SetMaterial(const FZAttributeEx& m) { material = m; }
     void GetMaterial(FZAttributeEx& m) const { m = material; }
@@ -257,23 +257,24 @@ public:
 
     // Clear, then empty lists and the camera looking down -z at the frame
     // centre. 0, -2, or -4 for a negative size (the scene stays cleared).
-    int Create(std::int32_t w, std::int32_t h);
+    FZResult Create(std::int32_t w, std::int32_t h);
     // Frees the images, both lists with their items; width and height 0.
     void Clear();
     // Create, one directional light and the ground layer (layer 0).
-    int SetUpFrame(std::int32_t w, std::int32_t h, const float backgroundColor[3]);
+    FZResult SetUpFrame(std::int32_t w, std::int32_t h, const float backgroundColor[3]);
 
     std::int32_t LayerCount() const { return layers == nullptr ? 0 : layers->count; }
     FZLayer* LayerAt(std::int32_t index) const { return layers == nullptr ? nullptr : layers->At(index); }
     std::int32_t LightCount() const { return lights == nullptr ? 0 : lights->count; }
     FZLight* LightAt(std::int32_t index) const { return lights == nullptr ? nullptr : lights->At(index); }
 
-    // Index of the new layer (a deep copy of the given one) or a negative
-    // result code (-11 no layer list, -4 bad index, -2 out of memory).
-    std::int32_t AddLayer(const FZLayer& layer);
-    std::int32_t InsertLayer(const FZLayer& layer, std::int32_t index);
-    std::int32_t AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h);
-    std::int32_t AddFullFrameLayer() { return AddLayerRect(0, 0, width, height); }
+    // Adds a deep copy of the layer at the end (InsertLayer: after index,
+    // -1 for the front). NoData without a layer list, BadParameter for an
+    // index outside -1 .. count - 1, OutOfMemory.
+    FZResult AddLayer(const FZLayer& layer);
+    FZResult InsertLayer(const FZLayer& layer, std::int32_t index);
+    FZResult AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h);
+    FZResult AddFullFrameLayer() { return AddLayerRect(0, 0, width, height); }
     void RemoveLayer(std::int32_t index);
 };
 

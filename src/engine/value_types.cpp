@@ -92,10 +92,10 @@ void FilterRows(FZFloatGrid& grid, std::vector<float>& across, std::vector<char>
 
 } // namespace
 
-int FilterSeparable(FZFloatGrid& grid, int size)
+FZResult FilterSeparable(FZFloatGrid& grid, int size)
 {
     if (grid.width < 1 || grid.height < 1 || grid.rows == nullptr)
-        return 0;
+        return FZResult::Ok;
     int half = size / 2;
     if (half < 1)
         half = 1;
@@ -108,7 +108,7 @@ int FilterSeparable(FZFloatGrid& grid, int size)
     std::vector<float> column;
     std::vector<char> zero;
     if (!work.Assign(static_cast<std::size_t>(grid.width) * static_cast<std::size_t>(grid.height)))
-        return -2;
+        return FZResult::OutOfMemory;
     try {
         weight.resize(static_cast<std::size_t>(taps));
         if (parallel)
@@ -116,9 +116,9 @@ int FilterSeparable(FZFloatGrid& grid, int size)
         else
             column.resize(static_cast<std::size_t>(grid.height));
     } catch (const std::bad_alloc&) {
-        return -2;
+        return FZResult::OutOfMemory;
     } catch (const std::length_error&) {  // a size no allocator could serve
-        return -2;
+        return FZResult::OutOfMemory;
     }
 
     double sum = 0.0;
@@ -131,14 +131,14 @@ int FilterSeparable(FZFloatGrid& grid, int size)
 
     if (parallel) {
         FilterRows(grid, copy, zero, weight, half);
-        return 0;
+        return FZResult::Ok;
     }
     const std::size_t w = static_cast<std::size_t>(grid.width);
     for (int r = 0; r < grid.height; ++r)
         for (int c = 0; c < grid.width; ++c)
             copy[r * w + c] = grid.rows[r][c];
     FilterColumns(grid, copy, column, weight, half);
-    return 0;
+    return FZResult::Ok;
 }
 
 void FZSmoothStep::Setup(float ax0, float ay0, float ax1, float ay1)

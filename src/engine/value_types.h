@@ -11,6 +11,8 @@
 
 #include <tamerisk/attribute.h>
 
+#include "material/result_codes.h"
+
 // An inclusive integer rectangle; row numbering as in the image it refers to
 // (row 0 at the bottom). Empty when x0 > x1 or y0 > y1.
 struct FZRect {
@@ -63,7 +65,7 @@ struct FZFloatGrid {
 // (half = size / 2, at least 1; 2 * half + 1 taps). Taps outside the grid are
 // dropped and not renormalised, so values near the border darken.
 // Returns 0, or -2 when a work buffer cannot be allocated.
-int FilterSeparable(FZFloatGrid& grid, int size);
+FZResult FilterSeparable(FZFloatGrid& grid, int size);
 
 // A cubic ease from (x0, y0) to (x1, y1); not clamped outside that span.
 struct FZSmoothStep {

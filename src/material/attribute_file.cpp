@@ -207,19 +207,19 @@ bool ParseVersion(const char text[kVersionDigits], int& version)
 
 // The whole version 10 file, built in memory so that it reaches the disk in
 // one checked write.
-int EncodeFile(const FZAttributeEx& record, std::string& bytes)
+FZResult EncodeFile(const FZAttributeEx& record, std::string& bytes)
 {
     char* buffer = nullptr;
     std::size_t size = 0;
     std::FILE* file = ::open_memstream(&buffer, &size);
     if (file == nullptr)
-        return kResultOutOfMemory;
-    int rc = WriteFileHeader(file, kAttributeFileHeader);
-    if (rc == kResultOk)
+        return FZResult::OutOfMemory;
+    FZResult rc = WriteFileHeader(file, kAttributeFileHeader);
+    if (rc == FZResult::Ok)
         rc = Write(file, record, kAttributeFileHeader.currentVersion);
-    if (std::fclose(file) != 0 && rc == kResultOk)
-        rc = kResultOutOfMemory;
-    if (rc == kResultOk)
+    if (std::fclose(file) != 0 && rc == FZResult::Ok)
+        rc = FZResult::OutOfMemory;
+    if (rc == FZResult::Ok)
         bytes.assign(buffer, size);
     std::free(buffer);
     return rc;
@@ -227,73 +227,73 @@ int EncodeFile(const FZAttributeEx& record, std::string& bytes)
 
 }  // namespace
 
-int WriteFileHeader(std::FILE* file, const FZFileHeader& header)
+FZResult WriteFileHeader(std::FILE* file, const FZFileHeader& header)
 {
     if (header.currentVersion < 0 || header.currentVersion > 9999)
-        return kResultBadParameter;
+        return FZResult::BadParameter;
     char digits[kVersionDigits + 1];
     std::snprintf(digits, sizeof digits, "%04d", header.currentVersion);
     const std::size_t magicLength = static_cast<std::size_t>(header.magicLength);
     if (std::fwrite(header.magic, 1, magicLength, file) != magicLength
         || std::fwrite(digits, 1, kVersionDigits, file) != kVersionDigits)
-        return kResultWriteFailed;
+        return FZResult::WriteFailed;
     for (int i = header.magicLength + kVersionDigits; i < header.headerSize; ++i) {
         if (std::fputc(0, file) == EOF)
-            return kResultWriteFailed;
+            return FZResult::WriteFailed;
     }
-    return kResultOk;
+    return FZResult::Ok;
 }
 
-int ReadFileHeader(std::FILE* file, const FZFileHeader& header, int& version)
+FZResult ReadFileHeader(std::FILE* file, const FZFileHeader& header, int& version)
 {
     const std::size_t magicLength = static_cast<std::size_t>(header.magicLength);
     std::string magic(magicLength, '\0');
     if (std::fread(magic.data(), 1, magicLength, file) != magicLength)
-        return kResultReadFailed;
+        return FZResult::ReadFailed;
     if (std::memcmp(magic.data(), header.magic, magicLength) != 0)
-        return kResultBadFormat;
+        return FZResult::BadFormat;
     char digits[kVersionDigits];
     if (std::fread(digits, 1, kVersionDigits, file) != kVersionDigits)
-        return kResultReadFailed;
+        return FZResult::ReadFailed;
     int fileVersion = 0;
     if (!ParseVersion(digits, fileVersion))
-        return kResultBadFormat;
+        return FZResult::BadFormat;
     if (fileVersion > header.currentVersion)
-        return kResultBadVersion;
+        return FZResult::BadVersion;
     const int size = fileVersion < header.legacyBelowVersion ? header.legacyHeaderSize : header.headerSize;
     if (!SkipBytes(file, static_cast<long>(size) - header.magicLength - kVersionDigits))
-        return kResultReadFailed;
+        return FZResult::ReadFailed;
     version = fileVersion;
-    return kResultOk;
+    return FZResult::Ok;
 }
 
-int Write(std::FILE* file, const FZAttributeEx& record, int version)
+FZResult Write(std::FILE* file, const FZAttributeEx& record, int version)
 {
     if (!IsSupportedVersion(version))
-        return kResultBadParameter;
+        return FZResult::BadParameter;
     FieldWriter writer(file);
-    return TransferRecord(writer, record, version) ? kResultOk : kResultWriteFailed;
+    return TransferRecord(writer, record, version) ? FZResult::Ok : FZResult::WriteFailed;
 }
 
-int Read(std::FILE* file, FZAttributeEx& record, int version)
+FZResult Read(std::FILE* file, FZAttributeEx& record, int version)
 {
     if (!IsSupportedVersion(version))
-        return kResultBadParameter;
+        return FZResult::BadParameter;
     // Fields an older file lacks keep these defaults; a file that ends inside
     // the record leaves the caller's record alone.
     FZAttributeEx loaded;
     FieldReader reader(file);
     if (!TransferRecord(reader, loaded, version))
-        return kResultReadFailed;
+        return FZResult::ReadFailed;
     record = loaded;
-    return kResultOk;
+    return FZResult::Ok;
 }
 
-int SaveAttributeFile(const char* path, const FZAttributeEx& record, std::string* reason)
+FZResult SaveAttributeFile(const char* path, const FZAttributeEx& record, std::string* reason)
 {
     std::string bytes;
-    const int encoded = EncodeFile(record, bytes);
-    if (encoded != kResultOk)
+    const FZResult encoded = EncodeFile(record, bytes);
+    if (encoded != FZResult::Ok)
         return encoded;
     FileWriteResult written = ReplaceFile(path, bytes.data(), bytes.size());
     if (reason != nullptr)
@@ -301,35 +301,35 @@ int SaveAttributeFile(const char* path, const FZAttributeEx& record, std::string
     return written.code;
 }
 
-int LoadAttributeStream(std::FILE* file, FZAttributeEx& record, int* version)
+FZResult LoadAttributeStream(std::FILE* file, FZAttributeEx& record, int* version)
 {
     int fileVersion = 0;
-    int rc = ReadFileHeader(file, kAttributeFileHeader, fileVersion);
-    if (rc == kResultOk)
+    FZResult rc = ReadFileHeader(file, kAttributeFileHeader, fileVersion);
+    if (rc == FZResult::Ok)
         rc = Read(file, record, fileVersion);
-    if (rc == kResultOk && version != nullptr)
+    if (rc == FZResult::Ok && version != nullptr)
         *version = fileVersion;
     return rc;
 }
 
-int LoadAttributeFile(const char* path, FZAttributeEx& record, int* version)
+FZResult LoadAttributeFile(const char* path, FZAttributeEx& record, int* version)
 {
     std::FILE* file = path != nullptr ? std::fopen(path, "rb") : nullptr;
     if (file == nullptr)
-        return kResultOpenFailed;
-    const int rc = LoadAttributeStream(file, record, version);
+        return FZResult::OpenFailed;
+    const FZResult rc = LoadAttributeStream(file, record, version);
     std::fclose(file);
     return rc;
 }
 
-int LoadAttributeBytes(const void* data, std::size_t size, FZAttributeEx& record, int* version)
+FZResult LoadAttributeBytes(const void* data, std::size_t size, FZAttributeEx& record, int* version)
 {
     // An empty buffer is an empty file; fmemopen wants a buffer all the same.
     static char empty = '\0';
     std::FILE* file = ::fmemopen(size > 0 ? const_cast<void*>(data) : &empty, size, "rb");
     if (file == nullptr)
-        return kResultOutOfMemory;
-    const int rc = LoadAttributeStream(file, record, version);
+        return FZResult::OutOfMemory;
+    const FZResult rc = LoadAttributeStream(file, record, version);
     std::fclose(file);
     return rc;
 }

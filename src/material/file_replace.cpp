@@ -14,7 +14,7 @@
 
 namespace {
 
-FileWriteResult Failure(int code, int error)
+FileWriteResult Failure(FZResult code, int error)
 {
     return {code, std::strerror(error)};
 }
@@ -105,13 +105,13 @@ void SyncDirectory(const std::string& dir)
 FileWriteResult ReplaceFile(const char* path, const void* data, std::size_t size)
 {
     if (path == nullptr || *path == '\0')
-        return Failure(kResultOpenFailed, ENOENT);
+        return Failure(FZResult::OpenFailed, ENOENT);
     const std::string target = ResolvedTarget(path);
     struct stat old;
     const bool replacing = ::stat(target.c_str(), &old) == 0;
     if (replacing) {
         if (const int refusal = ReplaceRefusal(target, old)) {
-            FileWriteResult refused = Failure(kResultOpenFailed, refusal);
+            FileWriteResult refused = Failure(FZResult::OpenFailed, refusal);
             if (refusal == EACCES)
                 refused.reason += " (the file is write-protected)";
             return refused;
@@ -120,7 +120,7 @@ FileWriteResult ReplaceFile(const char* path, const void* data, std::size_t size
     std::string tempName;
     const int fd = CreateTempBeside(target, tempName);
     if (fd < 0)
-        return Failure(kResultOpenFailed, errno);
+        return Failure(FZResult::OpenFailed, errno);
     if (replacing)
         ::fchmod(fd, old.st_mode & 07777);
     int error = WriteAll(fd, static_cast<const unsigned char*>(data), size);
@@ -130,7 +130,7 @@ FileWriteResult ReplaceFile(const char* path, const void* data, std::size_t size
         error = errno;
     if (error != 0) {
         ::unlink(tempName.c_str());
-        return Failure(kResultWriteFailed, error);
+        return Failure(FZResult::WriteFailed, error);
     }
     SyncDirectory(DirectoryOf(target));
     return {};

@@ -13,13 +13,15 @@
 #include <cstddef>
 #include <string>
 
+#include "material/result_codes.h"
+
 // The result code (material/result_codes.h) and, on failure, the system's
 // reason in words ("No space left on device").
 struct FileWriteResult {
-    int code = 0;
+    FZResult code = FZResult::Ok;
     std::string reason;
 
-    bool Ok() const { return code == 0; }
+    bool Ok() const { return code == FZResult::Ok; }
 };
 
 // Writes size bytes as the whole content of path, following a symbolic link

@@ -16,13 +16,14 @@ constexpr const char* kMessages[] = {
     "最大値を超えています。",
     "ﾃﾞｰﾀがありません。",
 };
-static_assert(sizeof(kMessages) / sizeof(kMessages[0]) == -kResultNoData);
+static_assert(sizeof(kMessages) / sizeof(kMessages[0]) == -ResultCode(FZResult::NoData));
 
 }  // namespace
 
-const char* ResultMessage(int code)
+const char* ResultMessage(FZResult result)
 {
-    if (code < kResultNoData || code >= kResultOk)
+    const int code = ResultCode(result);
+    if (code < ResultCode(FZResult::NoData) || code >= 0)
         return nullptr;
     return kMessages[-code - 1];
 }

@@ -41,49 +41,50 @@ void PaintChecker(FZLayer& ground)
 
 } // namespace
 
-int CPreviewPanel::SetUpFrame(std::int32_t w, std::int32_t h)
+FZResult CPreviewPanel::SetUpFrame(std::int32_t w, std::int32_t h)
 {
     if (w < 1 || h < 1)
-        return -4;
+        return FZResult::BadParameter;
     if (w > kMaxFrameSide || h > kMaxFrameSide || std::int64_t{w} * h > kMaxFramePixels)
-        return -2;
+        return FZResult::OutOfMemory;
     ReleaseScene();
     scene = new (std::nothrow) FZScene;
     if (scene == nullptr)
-        return -2;
+        return FZResult::OutOfMemory;
 
     const float white[3] = {1.0f, 1.0f, 1.0f};
-    const int made = scene->SetUpFrame(w, h, white);
-    if (made != 0)
+    const FZResult made = scene->SetUpFrame(w, h, white);
+    if (made != FZResult::Ok)
         return made;
     FZLayer* ground = scene->LayerAt(groundIndex);
     if (ground == nullptr)
-        return -11;
+        return FZResult::NoData;
     MakeGroundMaterial(*ground);
     PaintChecker(*ground);
-    PrepareLayer(*scene, groundIndex);
-    ShadeLayerAt(*scene, groundIndex);
+    if (const FZResult prepared = PrepareLayer(*scene, groundIndex); prepared != FZResult::Ok)
+        return prepared;
+    if (const FZResult shaded = ShadeLayerAt(*scene, groundIndex); shaded != FZResult::Ok)
+        return shaded;
 
-    const int built = BuildSampleShape(1);
-    if (built != 0)
+    const FZResult built = BuildSampleShape(1);
+    if (built != FZResult::Ok)
         return built;
     if (FZLayer* sample = scene->LayerAt(sampleIndex))
         sample->SetColorSource(0);
     // The preview's sky is infinitely distant.
     scene->environment.sphereSize = 0.0f;
-    RenderScene(*scene);
-    return 0;
+    return RenderScene(*scene);
 }
 
-int CPreviewPanel::BuildSampleShape(std::int32_t n)
+FZResult CPreviewPanel::BuildSampleShape(std::int32_t n)
 {
     if (scene == nullptr)
-        return 0;
+        return FZResult::Ok;
     std::int16_t source = 0;
     FZAttributeEx material;
     if (scene->LayerCount() == 2) {
         if (n == shapeNumber)
-            return 0;
+            return FZResult::Ok;
         const FZLayer* old = scene->LayerAt(sampleIndex);
         source = old->GetColorSource();
         old->GetMaterial(material);
@@ -93,25 +94,21 @@ int CPreviewPanel::BuildSampleShape(std::int32_t n)
     const std::int32_t w = scene->width;
     const std::int32_t h = scene->height;
     const float r = static_cast<float>(h / 2.3);
-    const std::int32_t added = scene->AddFullFrameLayer();
-    if (added < 0)
+    if (const FZResult added = scene->AddFullFrameLayer(); added != FZResult::Ok)
         return added;
     if (FZLayer* sample = scene->LayerAt(sampleIndex)) {
         sample->SetColorSource(source);
         sample->SetMaterial(material);
         DrawSampleShape(*sample, n, static_cast<float>(w * 0.5), static_cast<float>(h * 0.5), r);
     }
-    PrepareLayer(*scene, sampleIndex);
-    ShadeLayerAt(*scene, sampleIndex);
-    RenderScene(*scene);
     shapeNumber = n;
-    return 0;
+    return ShadeAndRender(sampleIndex, true);
 }
 
-void CPreviewPanel::ApplyMaterial(const FZAttributeEx& material, std::int32_t bind)
+FZResult CPreviewPanel::ApplyMaterial(const FZAttributeEx& material, std::int32_t bind)
 {
     if (scene == nullptr)
-        return;
+        return FZResult::Ok;
     if (FZLayer* sample = scene->LayerAt(sampleIndex)) {
         sample->SetMaterial(material);
         // While the host controls the colour, the sample shows white.
@@ -121,9 +118,22 @@ void CPreviewPanel::ApplyMaterial(const FZAttributeEx& material, std::int32_t bi
             bound.color.SetBytes(255, 255, 255);
             sample->SetMaterial(bound);
         }
-        ShadeLayerAt(*scene, sampleIndex);
     }
-    RenderScene(*scene);
+    return ShadeAndRender(sampleIndex, false);
+}
+
+FZResult CPreviewPanel::ShadeAndRender(std::int32_t index, bool prepare)
+{
+    // A scene without the sample layer (its shape could not be built) still
+    // renders the ground.
+    if (scene->LayerAt(index) != nullptr) {
+        if (prepare)
+            if (const FZResult prepared = PrepareLayer(*scene, index); prepared != FZResult::Ok)
+                return prepared;
+        if (const FZResult shaded = ShadeLayerAt(*scene, index); shaded != FZResult::Ok)
+            return shaded;
+    }
+    return RenderScene(*scene);
 }
 
 void CPreviewPanel::ReleaseScene()

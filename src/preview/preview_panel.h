@@ -13,6 +13,8 @@
 
 #include <tamerisk/attribute.h>
 
+#include "material/result_codes.h"
+
 #include "engine/scene.h"
 
 class QWidget;
@@ -25,19 +27,19 @@ public:
     CPreviewPanel& operator=(const CPreviewPanel&) = delete;
 
     // Builds the scene for the control's client size and renders the first
-    // frame. A null control returns 0 and does nothing.
-    int SetUp(QWidget* control);
-    // The same for a frame of w x h pixels, with no window. 0, -2, or the
-    // result of the scene set-up or of BuildSampleShape; -4 when w or h is
-    // below 1.
-    int SetUpFrame(std::int32_t w, std::int32_t h);
+    // frame. A null control does nothing.
+    FZResult SetUp(QWidget* control);
+    // The same for a frame of w x h pixels, with no window. BadParameter
+    // when w or h is below 1, OutOfMemory for a frame beyond 8192 x 8192
+    // pixels, or what building the scene or the first shape gives.
+    FZResult SetUpFrame(std::int32_t w, std::int32_t h);
 
     // Replaces the sample layer by shape n (1 to 4; others leave it empty),
     // keeping its material and colour source, and renders.
-    int BuildSampleShape(std::int32_t n);
+    FZResult BuildSampleShape(std::int32_t n);
     // Gives the sample layer the material (white when bind is 1), shades it
     // and renders.
-    void ApplyMaterial(const FZAttributeEx& material, std::int32_t bind);
+    FZResult ApplyMaterial(const FZAttributeEx& material, std::int32_t bind);
     // Draws the last rendered frame into the control; nothing without a scene.
     void Present(QWidget* control);
 
@@ -48,6 +50,8 @@ public:
     const FZScene* Scene() const { return scene; }
 
 private:
+    FZResult ShadeAndRender(std::int32_t index, bool prepare);
+
     FZScene* scene = nullptr;
     std::int32_t groundIndex = 0;
     std::int32_t sampleIndex = 1;

@@ -6,10 +6,10 @@
 #include "engine/display/image_display.h"
 #include "preview/preview_panel.h"
 
-int CPreviewPanel::SetUp(QWidget* control)
+FZResult CPreviewPanel::SetUp(QWidget* control)
 {
     if (control == nullptr)
-        return 0;
+        return FZResult::Ok;
     return SetUpFrame(control->width(), control->height());
 }
 

@@ -31,7 +31,7 @@ TEST(HostAppReader, AgreesWithTheLibraryOrRefusesAndKeepsTheMaterial)
         for (int type : {1, 2, 3, 5}) {
             const ByteVector bytes = HandBuiltFile(DistinctiveMaterial(type), version);
             FZAttributeEx expected, got;
-            ASSERT_EQ(LoadAttributeBytes(bytes.data(), bytes.size(), expected), 0);
+            ASSERT_EQ(LoadAttributeBytes(bytes.data(), bytes.size(), expected), FZResult::Ok);
             EXPECT_EQ(ReadQvaFile(Written(dir, Bytes(bytes)), got), QString());
             got.padding[0] = got.padding[1] = expected.padding[0] = expected.padding[1] = 0;
             EXPECT_EQ(std::memcmp(&got, &expected, sizeof got), 0) << "version " << version << " type " << type;

@@ -31,7 +31,7 @@ FZAttributeEx RandomRecord(std::mt19937& rng)
 }
 
 // The record read from text, which must give code, and the error text.
-FZAttributeEx Read(const std::string& text, int code, std::string& error)
+FZAttributeEx Read(const std::string& text, FZResult code, std::string& error)
 {
     FZAttributeEx record;
     QString message;
@@ -48,7 +48,7 @@ TEST(MaterialJson, EveryFloatBitSurvivesTheRoundTripInTheRecordsOrder)
     for (int i = 0; i < 2000; ++i) {
         const FZAttributeEx r = RandomRecord(rng);
         std::string error;
-        ASSERT_TRUE(SameBytes(Read(MaterialToJson(r, 10).toStdString(), 0, error), r)) << error;
+        ASSERT_TRUE(SameBytes(Read(MaterialToJson(r, 10).toStdString(), FZResult::Ok, error), r)) << error;
     }
     const std::string text = MaterialToJson(FZAttributeEx(), 7).toStdString();
     EXPECT_EQ(text.substr(0, 38), "{\n  \"version\": 7,\n  \"diffuse\": 0.8,\n  ");
@@ -73,10 +73,10 @@ TEST(MaterialJson, ReadsWhatEditorsWrite)
     // A byte-order mark is skipped; "version" is ignored; missing keys keep
     // their defaults.
     EXPECT_TRUE(SameBytes(Read("\xEF\xBB\xBF{\"version\": 3, \"diffuse\": 0.5, \"anisotropy\": {\"waveCount\": 12}}",
-                               0, error), expected)) << error;
+                               FZResult::Ok, error), expected)) << error;
     // Numbers too small for a float round as a float cast does.
     const FZAttributeEx tiny = Read(R"({"diffuse": 1e-50, "emission": -1e-50, "ambient": 1e-45, "reflection": 8e-46})",
-                                    0, error);
+                                    FZResult::Ok, error);
     EXPECT_EQ(tiny.diffuse, 0.0f);
     EXPECT_TRUE(std::signbit(tiny.emission) && tiny.emission == 0.0f);
     EXPECT_EQ(tiny.ambient, static_cast<float>(1e-45));
@@ -88,24 +88,24 @@ TEST(MaterialJson, RefusalsNameTheKeyOrThePlace)
     const std::string integer = " must be an integer from -2147483648 to 2147483647";
     const struct {
         std::string json;
-        int code;
+        FZResult code;
         std::string error;
     } cases[] = {
-        {R"({"anisotropy": {"type": 2, "wave": 1}})", kResultBadParameter, "key \"anisotropy.wave\" is unknown"},
-        {R"({"anisotropy": {"waveCount": 4.5}})", kResultBadParameter, "key \"anisotropy.waveCount\"" + integer},
-        {R"({"anisotropic": 2147483648})", kResultBadParameter, "key \"anisotropic\"" + integer},
-        {R"({"color": [1, 2, 256]})", kResultBadParameter, "key \"color\" must be an array of 3 integers from 0 to 255"},
-        {R"({"anisotropy": {"axis": [0, 0, 32768]}})", kResultBadParameter,
+        {R"({"anisotropy": {"type": 2, "wave": 1}})", FZResult::BadParameter, "key \"anisotropy.wave\" is unknown"},
+        {R"({"anisotropy": {"waveCount": 4.5}})", FZResult::BadParameter, "key \"anisotropy.waveCount\"" + integer},
+        {R"({"anisotropic": 2147483648})", FZResult::BadParameter, "key \"anisotropic\"" + integer},
+        {R"({"color": [1, 2, 256]})", FZResult::BadParameter, "key \"color\" must be an array of 3 integers from 0 to 255"},
+        {R"({"anisotropy": {"axis": [0, 0, 32768]}})", FZResult::BadParameter,
          "key \"anisotropy.axis\" must be an array of 3 integers from -32768 to 32767"},
-        {R"({"anisotropy": {"center": [0, true, 0]}})", kResultBadParameter, "key \"anisotropy.center\" must be a number"},
-        {R"({"emission": 3.4028236e38})", kResultBadParameter, "key \"emission\" is out of the range of a 32-bit float"},
-        {R"({"emission": -1e400})", kResultBadParameter, "key \"emission\" is out of the range of a 32-bit float"},
-        {R"({"diffuse": 1, "diffuse": 2})", kResultBadParameter, "key \"diffuse\" is given more than once"},
-        {"{\"diffuse\": 0.5,\n  \"ambient\" 1}", kResultBadFormat, "JSON line 2, column 13: expected ':'"},
-        {"\n  [1, 2]", kResultBadFormat, "JSON line 2, column 3: the top level must be an object, not an array"},
-        {"{} x", kResultBadFormat, "JSON line 1, column 4: unexpected text after the value"},
-        {"{\"a\": \"\\ud800\"}", kResultBadFormat, "JSON line 1, column 14: unpaired surrogate"},
-        {std::string(100000, '['), kResultBadFormat, "JSON line 1, column 66: nested too deeply"},
+        {R"({"anisotropy": {"center": [0, true, 0]}})", FZResult::BadParameter, "key \"anisotropy.center\" must be a number"},
+        {R"({"emission": 3.4028236e38})", FZResult::BadParameter, "key \"emission\" is out of the range of a 32-bit float"},
+        {R"({"emission": -1e400})", FZResult::BadParameter, "key \"emission\" is out of the range of a 32-bit float"},
+        {R"({"diffuse": 1, "diffuse": 2})", FZResult::BadParameter, "key \"diffuse\" is given more than once"},
+        {"{\"diffuse\": 0.5,\n  \"ambient\" 1}", FZResult::BadFormat, "JSON line 2, column 13: expected ':'"},
+        {"\n  [1, 2]", FZResult::BadFormat, "JSON line 2, column 3: the top level must be an object, not an array"},
+        {"{} x", FZResult::BadFormat, "JSON line 1, column 4: unexpected text after the value"},
+        {"{\"a\": \"\\ud800\"}", FZResult::BadFormat, "JSON line 1, column 14: unpaired surrogate"},
+        {std::string(100000, '['), FZResult::BadFormat, "JSON line 1, column 66: nested too deeply"},
     };
     for (const auto& c : cases) {
         std::string error;
@@ -122,20 +122,20 @@ TEST(MaterialJson, LoadMaterialTakesEitherFormAndNamesTheFile)
     stored.thickness = 9.0f;  // not kept by attribute files, kept by JSON
     const QString qva = dir.filePath("m.qva");
     const QString json = dir.filePath("m.json");
-    ASSERT_EQ(SaveAttributeFile(QFile::encodeName(qva).constData(), stored), 0);
+    ASSERT_EQ(SaveAttributeFile(QFile::encodeName(qva).constData(), stored), FZResult::Ok);
     ASSERT_TRUE(WriteBytes(json, "\n  " + MaterialToJson(stored, 4)));
     FZAttributeEx record;
     QString message;
     int version = 0;
-    ASSERT_EQ(LoadMaterial(qva, record, message, &version), 0) << message.toStdString();
+    ASSERT_EQ(LoadMaterial(qva, record, message, &version), FZResult::Ok) << message.toStdString();
     EXPECT_EQ(record.thickness, 4.0f);
-    ASSERT_EQ(LoadMaterial(json, record, message, &version), 0) << message.toStdString();
+    ASSERT_EQ(LoadMaterial(json, record, message, &version), FZResult::Ok) << message.toStdString();
     EXPECT_EQ(version, 10);
     EXPECT_TRUE(SameBytes(record, stored));
 
     ASSERT_TRUE(WriteBytes(dir.filePath("big.json"), "{\"diffuse\": 0.5" + QByteArray(1 << 20, ' ') + "}"));
-    EXPECT_EQ(LoadMaterial(dir.filePath("big.json"), record, message), kResultTooLarge);
-    EXPECT_EQ(ParseMaterial("GIF89a" + QByteArray(40, 0), record, message, nullptr, "x.gif"), kResultBadFormat);
+    EXPECT_EQ(LoadMaterial(dir.filePath("big.json"), record, message), FZResult::TooLarge);
+    EXPECT_EQ(ParseMaterial("GIF89a" + QByteArray(40, 0), record, message, nullptr, "x.gif"), FZResult::BadFormat);
     EXPECT_EQ(message, QString::fromUtf8("未対応のﾃﾞｰﾀ形式です。 x.gif"));
     EXPECT_TRUE(SameBytes(record, stored));
 }

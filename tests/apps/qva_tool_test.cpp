@@ -52,8 +52,8 @@ TEST_F(QvaTool, WriteThenDumpKeepsEveryStoredField)
     EXPECT_TRUE(dump.out.startsWith("{\n  \"version\": 10,\n  \"diffuse\": 0.1,\n")) << dump.out.toStdString();
     FZAttributeEx written, dumped;
     QString error;
-    ASSERT_EQ(MaterialFromJson(kEveryStoredField, written, error), 0) << error.toStdString();
-    ASSERT_EQ(MaterialFromJson(dump.out, dumped, error), 0) << error.toStdString();
+    ASSERT_EQ(MaterialFromJson(kEveryStoredField, written, error), FZResult::Ok) << error.toStdString();
+    ASSERT_EQ(MaterialFromJson(dump.out, dumped, error), FZResult::Ok) << error.toStdString();
     EXPECT_EQ(std::memcmp(&written, &dumped, sizeof written), 0) << dump.out.toStdString();
 
     const ByteVector v5 = HandBuiltFile(FZAttributeEx(), 5);

@@ -25,9 +25,9 @@ QImage PanelPicture(std::int32_t w, std::int32_t h, std::int32_t shape, const FZ
                     std::int32_t bind)
 {
     CPreviewPanel panel;
-    if (panel.SetUpFrame(w, h) != 0 || panel.BuildSampleShape(shape) != 0)
+    if (panel.SetUpFrame(w, h) != FZResult::Ok || panel.BuildSampleShape(shape) != FZResult::Ok
+        || panel.ApplyMaterial(material, bind) != FZResult::Ok)
         return QImage();
-    panel.ApplyMaterial(material, bind);
     return MakeBitmap(*panel.Scene()->frame);
 }
 

@@ -314,9 +314,9 @@ TEST_F(MaterialDialog, FailedLoadKeepsTheRecordAndShowsItsMessage)
     FZAttributeEx a;
     a.diffuse = 0.25f;
     Show(a);
-    EXPECT_EQ(Access::LoadFile(*dialog, bad), -8);
+    EXPECT_EQ(Access::LoadFile(*dialog, bad), FZResult::BadFormat);
     EXPECT_FLOAT_EQ(Record().diffuse, 0.25f);
-    EXPECT_EQ(Access::LoadFile(*dialog, dir.filePath("missing.qva")), -5);
+    EXPECT_EQ(Access::LoadFile(*dialog, dir.filePath("missing.qva")), FZResult::OpenFailed);
     EXPECT_FLOAT_EQ(Record().diffuse, 0.25f);
 
     QString caption, text;
@@ -327,14 +327,14 @@ TEST_F(MaterialDialog, FailedLoadKeepsTheRecordAndShowsItsMessage)
         text = box->text();
         box->accept();
     });
-    Access::ShowResult(*dialog, -8);
+    Access::ShowResult(*dialog, FZResult::BadFormat);
     EXPECT_TRUE(seen.Seen());
     EXPECT_EQ(caption, QCoreApplication::applicationName());
     EXPECT_EQ(text, QString::fromUtf8("未対応のﾃﾞｰﾀ形式です。"));
 
     const ModalAnswer none([](QWidget* w) { w->close(); });
-    Access::ShowResult(*dialog, 0);
-    Access::ShowResult(*dialog, -12);
+    Access::ShowResult(*dialog, FZResult::Ok);
+    Access::ShowResult(*dialog, static_cast<FZResult>(-12));
     QTest::qWait(30);
     EXPECT_FALSE(none.Seen());  // 0 and unknown codes show nothing
 }
@@ -348,9 +348,9 @@ TEST_F(MaterialDialog, SavedMaterialLoadsBackIntoTheControls)
     a.reflection = 0.5f;
     a.thickness = 9.0f;  // never stored
     Show(a);
-    ASSERT_EQ(Access::SaveFile(*dialog, path), 0);
+    ASSERT_EQ(Access::SaveFile(*dialog, path), FZResult::Ok);
     Show(FZAttributeEx());
-    ASSERT_EQ(Access::LoadFile(*dialog, path), 0);
+    ASSERT_EQ(Access::LoadFile(*dialog, path), FZResult::Ok);
     EXPECT_EQ(Record().color.g, 200);
     EXPECT_FLOAT_EQ(Record().thickness, 4.0f);
     EXPECT_EQ(Bar(kIdReflection)->value(), 32);

@@ -22,7 +22,7 @@ void SetPixel(FZImage& image, int x, int y, std::uint8_t r, std::uint8_t g, std:
 // A 5 x 3 image (stride 16, padded) with a marked bottom-left and top-right.
 void MakeMarked(FZImage& image)
 {
-    ASSERT_EQ(image.Create(5, 3, 3, 0), 0);
+    ASSERT_EQ(image.Create(5, 3, 3, 0), FZResult::Ok);
     SetPixel(image, 0, 0, 255, 0, 0);   // bottom row in the data
     SetPixel(image, 4, 2, 0, 0, 255);   // top row
     SetPixel(image, 2, 1, 10, 20, 30);
@@ -42,7 +42,7 @@ TEST(MakeBitmap, ShowsTheBottomUpRowsUpright)
     FZImage empty;
     EXPECT_TRUE(MakeBitmap(empty).isNull());
     FZImage grey;
-    ASSERT_EQ(grey.Create(2, 2, 1, 0), 0);
+    ASSERT_EQ(grey.Create(2, 2, 1, 0), FZResult::Ok);
     EXPECT_TRUE(MakeBitmap(grey).isNull());
 }
 
@@ -107,10 +107,10 @@ TEST(PreviewPanelOnAControl, TakesTheControlsSizeAndDrawsIntoIt)
     canvas.resize(40, 40);
     panel.Present(&canvas);  // before the set-up: nothing, no failure
     EXPECT_TRUE(canvas.Surface().isNull());
-    EXPECT_EQ(panel.SetUp(nullptr), 0);
+    EXPECT_EQ(panel.SetUp(nullptr), FZResult::Ok);
     EXPECT_EQ(panel.Scene(), nullptr);
 
-    ASSERT_EQ(panel.SetUp(&canvas), 0);
+    ASSERT_EQ(panel.SetUp(&canvas), FZResult::Ok);
     ASSERT_NE(panel.Scene(), nullptr);
     EXPECT_EQ(panel.Scene()->width, 40);
     EXPECT_EQ(panel.Scene()->height, 40);

@@ -23,7 +23,7 @@ struct Rgb {
 Rgb Lookup(FZEnvironment& env, const FZRay& ray)
 {
     Rgb out;
-    EXPECT_EQ(LookupEnvironment(env, ray, out.c), 0);
+    EXPECT_EQ(LookupEnvironment(env, ray, out.c), FZResult::Ok);
     return out;
 }
 
@@ -92,7 +92,7 @@ TEST(Environment, TheRampFollowsHorizonAndBlend)
     FZEnvironment env;
     env.horizon = 0.5f;
     env.blend = 0.2f;
-    ASSERT_EQ(BuildSkyRamp(env), 0);
+    ASSERT_EQ(BuildSkyRamp(env), FZResult::Ok);
     ASSERT_NE(env.ramp, nullptr);
     const FZColorRamp& ramp = *env.ramp;
     EXPECT_EQ(ramp.tMin, -1.0f);
@@ -133,7 +133,7 @@ TEST(Environment, SegmentsWithNoSpanStoreNothingAndChannelsStopAtOne)
     EXPECT_EQ(empty.end, 0.0f);
 
     FZColorRamp ramp;
-    ASSERT_EQ(ramp.Allocate(1), 0);
+    ASSERT_EQ(ramp.Allocate(1), FZResult::Ok);
     ramp.tMin = -1.0f;
     ramp.tMax = 1.0f;
     ramp.segments[0].Setup(bright, -1.0f, 1.0f, 0.0f, 0.0f);

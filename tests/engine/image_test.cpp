@@ -29,7 +29,7 @@ TEST(Image, RowsArePaddedToFourBytesAndZeroed)
     FZImage image;
     ExpectEmpty(image);
 
-    ASSERT_EQ(image.Create(5, 2, 3, 0), 0);
+    ASSERT_EQ(image.Create(5, 2, 3, 0), FZResult::Ok);
     EXPECT_EQ(image.width, 5);
     EXPECT_EQ(image.height, 2);
     EXPECT_EQ(image.bytesPerPixel, 3);
@@ -39,11 +39,11 @@ TEST(Image, RowsArePaddedToFourBytesAndZeroed)
     ASSERT_NE(image.data, nullptr);
     EXPECT_TRUE(std::all_of(image.data, image.data + 32, [](std::uint8_t b) { return b == 0; }));
 
-    ASSERT_EQ(image.Create(4, 1, 3, 0), 0);
+    ASSERT_EQ(image.Create(4, 1, 3, 0), FZResult::Ok);
     EXPECT_EQ(image.stride, 12);
     EXPECT_EQ(image.dataSize, 12);
 
-    ASSERT_EQ(image.Create(3, 3, 1, 256), 0);
+    ASSERT_EQ(image.Create(3, 3, 1, 256), FZResult::Ok);
     EXPECT_EQ(image.stride, 4);
     EXPECT_EQ(image.paletteCount, 256);
     EXPECT_NE(image.palette, nullptr);
@@ -52,7 +52,7 @@ TEST(Image, RowsArePaddedToFourBytesAndZeroed)
 TEST(Image, PixelAddressCountsRowsFromTheBottom)
 {
     FZImage image;
-    ASSERT_EQ(image.Create(5, 2, 3, 0), 0);
+    ASSERT_EQ(image.Create(5, 2, 3, 0), FZResult::Ok);
     EXPECT_EQ(image.PixelAddress(0, 0), image.data);
     EXPECT_EQ(image.PixelAddress(4, 0), image.data + 12);
     EXPECT_EQ(image.PixelAddress(1, 1), image.data + 16 + 3);
@@ -69,12 +69,12 @@ TEST(Image, PixelAddressCountsRowsFromTheBottom)
 TEST(Image, CreateReplacesAndFreeEmpties)
 {
     FZImage image;
-    ASSERT_EQ(image.Create(8, 8, 3, 0), 0);
+    ASSERT_EQ(image.Create(8, 8, 3, 0), FZResult::Ok);
     image.name = new char[6];
     std::strcpy(image.name, "frame");
     image.data[0] = 99;
 
-    ASSERT_EQ(image.Create(2, 2, 3, 0), 0);  // name and old pixels released
+    ASSERT_EQ(image.Create(2, 2, 3, 0), FZResult::Ok);  // name and old pixels released
     EXPECT_EQ(image.name, nullptr);
     EXPECT_EQ(image.data[0], 0);
     EXPECT_EQ(image.dataSize, 16);
@@ -84,7 +84,7 @@ TEST(Image, CreateReplacesAndFreeEmpties)
     image.Free();
     ExpectEmpty(image);
 
-    ASSERT_EQ(image.Create(0, 5, 3, 0), 0);  // nothing to allocate
+    ASSERT_EQ(image.Create(0, 5, 3, 0), FZResult::Ok);  // nothing to allocate
     EXPECT_EQ(image.data, nullptr);
     EXPECT_EQ(image.dataSize, 0);
 }
@@ -92,22 +92,22 @@ TEST(Image, CreateReplacesAndFreeEmpties)
 TEST(Image, ImpossibleSizesAreRefusedAndLeaveTheImageEmpty)
 {
     FZImage image;
-    ASSERT_EQ(image.Create(4, 4, 3, 0), 0);
-    EXPECT_EQ(image.Create(1 << 30, 1 << 30, 3, 0), -2);
+    ASSERT_EQ(image.Create(4, 4, 3, 0), FZResult::Ok);
+    EXPECT_EQ(image.Create(1 << 30, 1 << 30, 3, 0), FZResult::OutOfMemory);
     ExpectEmpty(image);
 
-    ASSERT_EQ(image.Create(4, 4, 3, 0), 0);
-    EXPECT_EQ(image.Create(INT32_MAX, INT32_MAX, 4, 0), -2);
+    ASSERT_EQ(image.Create(4, 4, 3, 0), FZResult::Ok);
+    EXPECT_EQ(image.Create(INT32_MAX, INT32_MAX, 4, 0), FZResult::OutOfMemory);
     ExpectEmpty(image);
-    EXPECT_EQ(image.Create(INT32_MAX, 1, 3, 0), -2);
+    EXPECT_EQ(image.Create(INT32_MAX, 1, 3, 0), FZResult::OutOfMemory);
     ExpectEmpty(image);
-    EXPECT_EQ(image.Create(40000, 20000, 3, 0), -2);  // 2.4 GB
+    EXPECT_EQ(image.Create(40000, 20000, 3, 0), FZResult::OutOfMemory);  // 2.4 GB
     ExpectEmpty(image);
 
-    EXPECT_EQ(image.Create(-1, 5, 3, 0), -4);
-    EXPECT_EQ(image.Create(5, INT32_MIN, 3, 0), -4);
-    EXPECT_EQ(image.Create(5, 5, 0, 0), -4);
-    EXPECT_EQ(image.Create(5, 5, 3, -1), -4);
-    EXPECT_EQ(image.Create(5, 5, 1, 257), -4);
+    EXPECT_EQ(image.Create(-1, 5, 3, 0), FZResult::BadParameter);
+    EXPECT_EQ(image.Create(5, INT32_MIN, 3, 0), FZResult::BadParameter);
+    EXPECT_EQ(image.Create(5, 5, 0, 0), FZResult::BadParameter);
+    EXPECT_EQ(image.Create(5, 5, 3, -1), FZResult::BadParameter);
+    EXPECT_EQ(image.Create(5, 5, 1, 257), FZResult::BadParameter);
     ExpectEmpty(image);
 }

@@ -71,7 +71,7 @@ TEST(Lighting, HeadOnLightShadesWhiteWithAHighlightOfTwo)
     // A plain shading leaves the module generator alone (only the groove
     // noise reseeds it, at its first use).
     FZRandom::Seed(7u);
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     EXPECT_EQ(FZRandom::Next(), std::mt19937(7u)());
     ASSERT_NE(layer.highlight, nullptr);
     // 0.8 + 0.3 = 1.1 is held at 1: 255.
@@ -80,7 +80,7 @@ TEST(Lighting, HeadOnLightShadesWhiteWithAHighlightOfTwo)
 
     // The map keeps 2.0, the colour gets 1 x the highlight colour.
     BlackSurface(layer, 255, 0, 255);
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     EXPECT_TRUE(SameColor(ShadedPixel(layer, 0, 0), FZColor{255, 0, 255}));
 
     // With a spread of 1 (sharpness 0) any b > 0 gives 4 x ks.
@@ -98,13 +98,13 @@ TEST(Lighting, AmbientCountsPerLightAndNoLightIsBlack)
     layer.material.diffuse = 0.0f;
     layer.material.highlightStrength = 0.0f;
     FZPtrArray<FZLight> lights;
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     EXPECT_TRUE(SameColor(ShadedPixel(layer, 0, 0), FZColor{0, 0, 0}));
     AddLight(lights, 0.0f, 0.0f, -1.0f);
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     EXPECT_EQ(ShadedPixel(layer, 0, 0).g, 76);  // trunc(0.3 x 255)
     AddLight(lights, 0.3f, 0.0f, -1.0f);
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     EXPECT_EQ(ShadedPixel(layer, 0, 0).g, 153);  // trunc(0.6 x 255)
     // The uncovered pixel was never written.
     EXPECT_TRUE(SameColor(ShadedPixel(layer, 2, 1), FZColor{0, 0, 0}));
@@ -112,7 +112,7 @@ TEST(Lighting, AmbientCountsPerLightAndNoLightIsBlack)
     // No light list at all: black, no highlight.
     FZLayer other;
     MakeShadingLayer(other, 2, 2);
-    ASSERT_EQ(ShadeLayer(other, HeadOnView(), nullptr), 0);
+    ASSERT_EQ(ShadeLayer(other, HeadOnView(), nullptr), FZResult::Ok);
     EXPECT_TRUE(SameColor(ShadedPixel(other, 1, 1), FZColor{0, 0, 0}));
     EXPECT_EQ(other.highlight[1][1], 0.0f);
 }
@@ -127,17 +127,17 @@ TEST(Lighting, HighlightStrengthZeroSkipsTheHighlightPasses)
     layer.material.highlightStrength = 0.0f;
     FZPtrArray<FZLight> lights;
     AddLight(lights, 0.0f, 0.0f, -1.0f);
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     EXPECT_EQ(layer.highlight, nullptr);
     EXPECT_EQ(ShadedPixel(layer, 1, 1).r, 127);
 
     layer.material.highlightStrength = 0.5f;
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     EXPECT_EQ(ShadedPixel(layer, 1, 1).r, 255);
     EXPECT_EQ(layer.highlight[0][0], -1.0f);
     // A later shading without highlight keeps the map as it was.
     layer.material.highlightStrength = 0.0f;
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     EXPECT_EQ(ShadedPixel(layer, 1, 1).r, 127);
     EXPECT_EQ(layer.highlight[1][1], 2.0f);
 }
@@ -150,7 +150,7 @@ TEST(Lighting, HighlightOfSeveralLightsIsHeldAtOneBeforeColouring)
     FZPtrArray<FZLight> lights;
     AddLight(lights, 0.0f, 0.0f, -1.0f);
     AddLight(lights, 0.0f, 0.0f, -1.0f);
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     EXPECT_EQ(layer.highlight[0][0], 4.0f);
     EXPECT_NEAR(ShadedPixel(layer, 1, 0).r, 51, 1);  // not 4 x 51
 }
@@ -166,11 +166,11 @@ TEST(Lighting, ColourSources)
     AddLight(lights, 0.0f, 0.0f, -1.0f);
 
     layer.SetColorSource(1);
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     EXPECT_TRUE(SameColor(ShadedPixel(layer, 1, 0), FZColor{255, 0, 0}));
     for (std::int16_t source : {0, 2, -1}) {
         layer.SetColorSource(source);
-        ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+        ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
         EXPECT_TRUE(SameColor(ShadedPixel(layer, 1, 0), FZColor{0, 255, 0})) << source;
     }
 }
@@ -183,10 +183,10 @@ TEST(Lighting, SmoothHighlightResamplesOnlyWhereTheHighlightChanges)
     MakeShadingLayer(flat, 5, 4);
     BlackSurface(flat);
     flat.material.highlightSharpness = 0.9f;
-    ASSERT_EQ(ShadeLayer(flat, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(flat, HeadOnView(), &lights), FZResult::Ok);
     const std::vector<std::uint8_t> plain = ShadedBytes(flat);
     flat.material.smoothHighlight = 1;
-    ASSERT_EQ(ShadeLayer(flat, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(flat, HeadOnView(), &lights), FZResult::Ok);
     EXPECT_EQ(ShadedBytes(flat), plain);
 
     // Left half flat (highlight 2), right half tilted (about 0.013): the two
@@ -197,13 +197,13 @@ TEST(Lighting, SmoothHighlightResamplesOnlyWhereTheHighlightChanges)
         for (int x = 4; x < 8; ++x)
             SetNormal(step, x, y, 0.1f, 0.0f, 0.995f);
     BlackSurface(step);
-    ASSERT_EQ(ShadeLayer(step, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(step, HeadOnView(), &lights), FZResult::Ok);
     const FZColor left = ShadedPixel(step, 3, 1);
     const FZColor right = ShadedPixel(step, 4, 1);
     const FZColor farRight = ShadedPixel(step, 6, 1);
     EXPECT_EQ(left.r, 255);
     step.material.smoothHighlight = 1;
-    ASSERT_EQ(ShadeLayer(step, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(step, HeadOnView(), &lights), FZResult::Ok);
     EXPECT_LT(ShadedPixel(step, 3, 1).r, left.r);
     EXPECT_GT(ShadedPixel(step, 4, 1).r, right.r);
     EXPECT_EQ(ShadedPixel(step, 2, 1).r, 255);
@@ -267,7 +267,7 @@ TEST(Lighting, RainbowGlossFollowsTheFirstLightOnly)
     FZPtrArray<FZLight> headOnFirst;
     AddLight(headOnFirst, 0.0f, 0.0f, -1.0f);
     AddLight(headOnFirst, 0.8660254f, 0.0f, -0.5f);
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &headOnFirst), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &headOnFirst), FZResult::Ok);
     FZColor c = ShadedPixel(layer, 1, 1);
     EXPECT_NEAR(c.r, 0.424 * 255, 1.5);
     EXPECT_NEAR(c.g, 0.426 * 255, 1.5);
@@ -276,7 +276,7 @@ TEST(Lighting, RainbowGlossFollowsTheFirstLightOnly)
     FZPtrArray<FZLight> obliqueFirst;
     AddLight(obliqueFirst, 0.8660254f, 0.0f, -0.5f);
     AddLight(obliqueFirst, 0.0f, 0.0f, -1.0f);
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &obliqueFirst), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &obliqueFirst), FZResult::Ok);
     c = ShadedPixel(layer, 1, 1);
     EXPECT_NEAR(c.r, 0.879 * 255, 1.5);
     EXPECT_NEAR(c.g, 0.121 * 255, 1.5);
@@ -292,15 +292,15 @@ TEST(Lighting, AnisotropicHighlightWithoutGroovesIsThePlainOne)
     for (int x = 0; x < 6; ++x)
         SetNormal(layer, x, 2, 0.1f * x, 0.05f, 1.0f);
     layer.material.highlightSharpness = 0.5f;
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     const std::vector<std::uint8_t> plain = ShadedBytes(layer);
     layer.material.anisotropic = 1;
     layer.material.anisotropy.grooveDepth = 0.0f;
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     EXPECT_EQ(ShadedBytes(layer), plain);
     // Real grooves change the picture.
     layer.material.anisotropy.grooveDepth = 0.5f;
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     EXPECT_NE(ShadedBytes(layer), plain);
 }
 
@@ -309,34 +309,34 @@ TEST(Lighting, EmptyUnpreparedAndOutOfMemoryLayers)
     FZPtrArray<FZLight> lights;
     AddLight(lights, 0.0f, 0.0f, -1.0f);
     FZLayer empty;
-    EXPECT_EQ(ShadeLayer(empty, HeadOnView(), &lights), -11);
+    EXPECT_EQ(ShadeLayer(empty, HeadOnView(), &lights), FZResult::Ok);  // nothing to shade
     EXPECT_EQ(empty.shaded, nullptr);
 
     FZLayer prepared;
     MakeShadingLayer(prepared, 3, 2);
     FZLayer copy;
-    ASSERT_EQ(copy.Assign(prepared), 0);  // no normals until prepared again
-    EXPECT_EQ(ShadeLayer(copy, HeadOnView(), &lights), -11);
+    ASSERT_EQ(copy.Assign(prepared), FZResult::Ok);  // no normals until prepared again
+    EXPECT_EQ(ShadeLayer(copy, HeadOnView(), &lights), FZResult::Ok);  // nothing to shade
 
-    // Fail each allocation in turn: -2 before any pixel is written, no map
+    // Fail each allocation in turn: OutOfMemory before any pixel is written, no map
     // left behind, and the next shading starts afresh.
     for (long successes = 0;; ++successes) {
         FZLayer layer;
         MakeShadingLayer(layer, 3, 2);
-        int result;
+        FZResult result;
         {
             FailingAllocations failing(successes);
             result = ShadeLayer(layer, HeadOnView(), &lights);
         }
-        if (result == 0)
+        if (result == FZResult::Ok)
             break;
-        ASSERT_EQ(result, -2) << successes;
+        ASSERT_EQ(result, FZResult::OutOfMemory) << successes;
         EXPECT_EQ(layer.highlight, nullptr);
         if (layer.shaded != nullptr) {
             for (std::uint8_t byte : ShadedBytes(layer))
                 ASSERT_EQ(byte, 0);
         }
-        ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0);
+        ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
         EXPECT_EQ(layer.highlight[1][2], 2.0f);
     }
 }
@@ -377,7 +377,7 @@ void WildLayer(FZLayer& layer)
 // Shades the layer and reads every covered pixel back: all in range.
 void ShadeAndLookUp(FZLayer& layer, const FZPtrArray<FZLight>& lights, const char* what)
 {
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), 0) << what;
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok) << what;
     for (int y = 0; y < layer.height; ++y)
         for (int x = 0; x < layer.width; ++x) {
             if (layer.coverage[y][x] == 0)

@@ -57,15 +57,15 @@ FZAttributeEx ClearGlass(float eta)
 // A scene with its ground (white, default material) prepared and shaded.
 void SetUpPlainScene(FZScene& scene, int w, int h)
 {
-    ASSERT_EQ(scene.SetUpFrame(w, h, kWhite), 0);
-    ASSERT_EQ(PrepareLayer(scene, 0), 0);
-    ASSERT_EQ(ShadeLayerAt(scene, 0), 0);
+    ASSERT_EQ(scene.SetUpFrame(w, h, kWhite), FZResult::Ok);
+    ASSERT_EQ(PrepareLayer(scene, 0), FZResult::Ok);
+    ASSERT_EQ(ShadeLayerAt(scene, 0), FZResult::Ok);
 }
 
 // A scene whose ground shows a 5 x 5 pixel checker of two colours exactly.
 void SetUpCheckerScene(FZScene& scene, int w, int h)
 {
-    ASSERT_EQ(scene.SetUpFrame(w, h, kWhite), 0);
+    ASSERT_EQ(scene.SetUpFrame(w, h, kWhite), FZResult::Ok);
     FZLayer& ground = *scene.LayerAt(0);
     ground.SetMaterial(Matte(255, 255, 255));
     FZColor a;
@@ -74,8 +74,8 @@ void SetUpCheckerScene(FZScene& scene, int w, int h)
     b.SetBytes(20, 60, 180);
     ground.FillChecker(5, 5, a, b);
     ground.SetColorSource(1);
-    ASSERT_EQ(PrepareLayer(scene, 0), 0);
-    ASSERT_EQ(ShadeLayerAt(scene, 0), 0);
+    ASSERT_EQ(PrepareLayer(scene, 0), FZResult::Ok);
+    ASSERT_EQ(ShadeLayerAt(scene, 0), FZResult::Ok);
 }
 
 // Adds a layer over the whole frame with depth(x, y) and the material,
@@ -83,8 +83,8 @@ void SetUpCheckerScene(FZScene& scene, int w, int h)
 template <typename DepthFn>
 FZLayer& AddSurface(FZScene& scene, const FZAttributeEx& material, DepthFn depth)
 {
-    const int index = scene.AddFullFrameLayer();
-    EXPECT_GE(index, 1);
+    EXPECT_EQ(scene.AddFullFrameLayer(), FZResult::Ok);
+    const int index = scene.LayerCount() - 1;
     FZLayer& layer = *scene.LayerAt(index);
     for (int y = 0; y < layer.height; ++y)
         for (int x = 0; x < layer.width; ++x) {
@@ -93,8 +93,8 @@ FZLayer& AddSurface(FZScene& scene, const FZAttributeEx& material, DepthFn depth
         }
     layer.SetColorSource(0);
     layer.SetMaterial(material);
-    EXPECT_EQ(PrepareLayer(scene, index), 0);
-    EXPECT_EQ(ShadeLayerAt(scene, index), 0);
+    EXPECT_EQ(PrepareLayer(scene, index), FZResult::Ok);
+    EXPECT_EQ(ShadeLayerAt(scene, index), FZResult::Ok);
     return layer;
 }
 
@@ -106,12 +106,12 @@ float RisingToTheRight(int x, int) { return static_cast<float>(x); }
 TEST(RenderDriver, GroundAloneShowsItsShadedColour)
 {
     FZScene scene;
-    ASSERT_EQ(scene.SetUpFrame(8, 6, kWhite), 0);
+    ASSERT_EQ(scene.SetUpFrame(8, 6, kWhite), FZResult::Ok);
     FZLayer& ground = *scene.LayerAt(0);
     ground.SetMaterial(Matte(200, 100, 50, 0.5f));
-    ASSERT_EQ(PrepareLayer(scene, 0), 0);
-    ASSERT_EQ(ShadeLayerAt(scene, 0), 0);
-    ASSERT_EQ(RenderScene(scene), 0);
+    ASSERT_EQ(PrepareLayer(scene, 0), FZResult::Ok);
+    ASSERT_EQ(ShadeLayerAt(scene, 0), FZResult::Ok);
+    ASSERT_EQ(RenderScene(scene), FZResult::Ok);
 
     ASSERT_NE(scene.frame, nullptr);
     EXPECT_EQ(scene.frame->width, 8);
@@ -129,16 +129,16 @@ TEST(RenderDriver, GroundAloneShowsItsShadedColour)
 TEST(RenderDriver, PartlyCoveredPixelMixesWithWhatIsBehind)
 {
     FZScene scene;
-    ASSERT_EQ(scene.SetUpFrame(4, 4, kWhite), 0);
+    ASSERT_EQ(scene.SetUpFrame(4, 4, kWhite), FZResult::Ok);
     scene.LayerAt(0)->visible = 0;  // the background shows behind the layer
-    const int index = scene.AddFullFrameLayer();
-    FZLayer& layer = *scene.LayerAt(index);
+    EXPECT_EQ(scene.AddFullFrameLayer(), FZResult::Ok);
+    FZLayer& layer = *scene.LayerAt(scene.LayerCount() - 1);
     layer.coverage[1][2] = 128;
     layer.SetColorSource(0);
     layer.SetMaterial(Matte(0, 51, 255));
-    ASSERT_EQ(PrepareLayer(scene, index), 0);
-    ASSERT_EQ(ShadeLayerAt(scene, index), 0);
-    ASSERT_EQ(RenderScene(scene), 0);
+    ASSERT_EQ(PrepareLayer(scene, 1), FZResult::Ok);
+    ASSERT_EQ(ShadeLayerAt(scene, 1), FZResult::Ok);
+    ASSERT_EQ(RenderScene(scene), FZResult::Ok);
 
     // S x 0.502 + 1.0 x 0.498 per channel.
     const Rgb mixed = PixelOf(*scene.frame, 2, 1);
@@ -153,7 +153,7 @@ TEST(RenderDriver, ClearLayerOfIndexOneShowsThePixelUnderIt)
 {
     FZScene reference;
     SetUpCheckerScene(reference, 20, 20);
-    ASSERT_EQ(RenderScene(reference), 0);
+    ASSERT_EQ(RenderScene(reference), FZResult::Ok);
     const std::vector<std::uint8_t> ground = Bytes(*reference.frame);
 
     // Flat or tilted: with eta 1 the refracted ray is the view direction.
@@ -163,7 +163,7 @@ TEST(RenderDriver, ClearLayerOfIndexOneShowsThePixelUnderIt)
             FZScene scene;
             SetUpCheckerScene(scene, 20, 20);
             AddSurface(scene, ClearGlass(eta), depth);
-            ASSERT_EQ(RenderScene(scene), 0);
+            ASSERT_EQ(RenderScene(scene), FZResult::Ok);
             EXPECT_EQ(Bytes(*scene.frame), ground) << eta;
         }
 }
@@ -172,12 +172,12 @@ TEST(RenderDriver, RefractionBendsTheViewThroughATiltedSurface)
 {
     FZScene reference;
     SetUpCheckerScene(reference, 20, 20);
-    ASSERT_EQ(RenderScene(reference), 0);
+    ASSERT_EQ(RenderScene(reference), FZResult::Ok);
 
     FZScene glass;
     SetUpCheckerScene(glass, 20, 20);
     AddSurface(glass, ClearGlass(1.5f), RisingToTheRight);
-    ASSERT_EQ(RenderScene(glass), 0);
+    ASSERT_EQ(RenderScene(glass), FZResult::Ok);
     EXPECT_NE(Bytes(*glass.frame), Bytes(*reference.frame));
 
     // A thin plate of no thickness: no shift at all.
@@ -187,7 +187,7 @@ TEST(RenderDriver, RefractionBendsTheViewThroughATiltedSurface)
     thin.thinGlass = 1;
     thin.thickness = 0.0f;
     AddSurface(plate, thin, RisingToTheRight);
-    ASSERT_EQ(RenderScene(plate), 0);
+    ASSERT_EQ(RenderScene(plate), FZResult::Ok);
     EXPECT_EQ(Bytes(*plate.frame), Bytes(*reference.frame));
 }
 
@@ -200,7 +200,7 @@ TEST(RenderDriver, TotalInternalReflectionShowsTheBackgroundNotTheGround)
     scene.background[2] = 0.0f;
     // Slope 1 tilts the normal by 45 degrees; eta 0.5 cannot refract that.
     AddSurface(scene, ClearGlass(0.5f), RisingToTheRight);
-    ASSERT_EQ(RenderScene(scene), 0);
+    ASSERT_EQ(RenderScene(scene), FZResult::Ok);
     for (int y = 0; y < 12; ++y)
         for (int x = 0; x < 12; ++x)
             EXPECT_EQ(PixelOf(*scene.frame, x, y), (Rgb{255, 0, 0})) << x << "," << y;
@@ -210,7 +210,7 @@ TEST(RenderDriver, SampleBehindFillsWhatLiesOutsideWithTheBackground)
 {
     FZScene scene;
     SetUpPlainScene(scene, 10, 10);
-    ASSERT_EQ(RenderScene(scene), 0);
+    ASSERT_EQ(RenderScene(scene), FZResult::Ok);
     ASSERT_NE(scene.behind, nullptr);
     for (int y = 0; y < 10; ++y)
         for (int x = 0; x < 10; ++x)
@@ -254,7 +254,7 @@ TEST(RenderDriver, ReflectionAddsTheSkyAlongTheNormal)
     FZScene scene;
     SetUpPlainScene(scene, 6, 6);
     AddSurface(scene, mirror, Flat);
-    ASSERT_EQ(RenderScene(scene), 0);
+    ASSERT_EQ(RenderScene(scene), FZResult::Ok);
     // A normal facing the viewer looks at the horizon: (0.6, 0.8, 1.0).
     const Rgb horizon = PixelOf(*scene.frame, 2, 3);
     EXPECT_NEAR(horizon[0], 0.6 * 255, 1.0);
@@ -262,14 +262,14 @@ TEST(RenderDriver, ReflectionAddsTheSkyAlongTheNormal)
     EXPECT_NEAR(horizon[2], 255, 1.0);
 
     scene.environment.mode = 0;  // switched off: nothing to reflect
-    ASSERT_EQ(RenderScene(scene), 0);
+    ASSERT_EQ(RenderScene(scene), FZResult::Ok);
     EXPECT_EQ(PixelOf(*scene.frame, 2, 3), (Rgb{0, 0, 0}));
 }
 
 TEST(RenderDriver, EmissionRadiusFollowsTheCoverageBounds)
 {
     FZLayer layer;
-    ASSERT_EQ(layer.Create(0, 0, 30, 30, 10.0f), 0);
+    ASSERT_EQ(layer.Create(0, 0, 30, 30, 10.0f), FZResult::Ok);
     EXPECT_EQ(EmissionRadius(layer), 0);  // no emission
     layer.material.emission = 0.25f;
     EXPECT_EQ(EmissionRadius(layer), 0);  // nothing covered
@@ -290,13 +290,14 @@ namespace {
 // Adds a flat square layer of the material at (x, y), prepared and shaded.
 int AddSquare(FZScene& scene, int x, int y, int side, const FZAttributeEx& material)
 {
-    const int index = scene.AddLayerRect(x, y, side, side);
+    EXPECT_EQ(scene.AddLayerRect(x, y, side, side), FZResult::Ok);
+    const int index = scene.LayerCount() - 1;
     FZLayer& layer = *scene.LayerAt(index);
     layer.FillDepth(0.0f);
     layer.SetColorSource(0);
     layer.SetMaterial(material);
-    EXPECT_EQ(PrepareLayer(scene, index), 0);
-    EXPECT_EQ(ShadeLayerAt(scene, index), 0);
+    EXPECT_EQ(PrepareLayer(scene, index), FZResult::Ok);
+    EXPECT_EQ(ShadeLayerAt(scene, index), FZResult::Ok);
     return index;
 }
 
@@ -304,10 +305,10 @@ int AddSquare(FZScene& scene, int x, int y, int side, const FZAttributeEx& mater
 // of the material, optionally behind a black 20 x 20 square at (20, 20).
 void SetUpLampScene(FZScene& scene, const FZAttributeEx& lamp, bool covered = false)
 {
-    ASSERT_EQ(scene.SetUpFrame(60, 60, kWhite), 0);
+    ASSERT_EQ(scene.SetUpFrame(60, 60, kWhite), FZResult::Ok);
     scene.LayerAt(0)->SetMaterial(Matte(0, 0, 0));
-    ASSERT_EQ(PrepareLayer(scene, 0), 0);
-    ASSERT_EQ(ShadeLayerAt(scene, 0), 0);
+    ASSERT_EQ(PrepareLayer(scene, 0), FZResult::Ok);
+    ASSERT_EQ(ShadeLayerAt(scene, 0), FZResult::Ok);
     if (covered)
         AddSquare(scene, 20, 20, 20, Matte(0, 0, 0));
     AddSquare(scene, 25, 25, 10, lamp);
@@ -326,7 +327,7 @@ TEST(RenderDriver, EmittersLightTheGroundAroundThem)
 {
     FZScene scene;
     SetUpLampScene(scene, Lamp(0.7f, 255, 0, 0));
-    ASSERT_EQ(RenderScene(scene), 0);
+    ASSERT_EQ(RenderScene(scene), FZResult::Ok);
     const Rgb near = PixelOf(*scene.frame, 22, 30);  // 3 pixels left of the lamp
     EXPECT_GT(near[0], 0);
     EXPECT_EQ(near[1] + near[2], 0);
@@ -337,7 +338,7 @@ TEST(RenderDriver, EmittersLightTheGroundAroundThem)
     // An opaque layer between the lamp and the ground holds the light back.
     FZScene shaded;
     SetUpLampScene(shaded, Lamp(0.7f, 255, 0, 0), true);
-    ASSERT_EQ(RenderScene(shaded), 0);
+    ASSERT_EQ(RenderScene(shaded), FZResult::Ok);
     EXPECT_EQ(PixelOf(*shaded.frame, 19, 30), (Rgb{0, 0, 0}));
 }
 
@@ -348,16 +349,16 @@ TEST(RenderDriver, NoLightWithoutAVisibleColouredEmitter)
     for (const FZAttributeEx& lamp : {Lamp(0.0f, 255, 0, 0), Lamp(0.7f, 0, 0, 0), Lamp(0.005f, 255, 255, 255)}) {
         FZScene scene;
         SetUpLampScene(scene, lamp);
-        ASSERT_EQ(RenderScene(scene), 0);
+        ASSERT_EQ(RenderScene(scene), FZResult::Ok);
         const std::vector<std::uint8_t> before = Bytes(*scene.frame);
-        EXPECT_EQ(AddEmissionLight(scene, FZRect(0, 0, 59, 59), *scene.frame), 0);
+        EXPECT_EQ(AddEmissionLight(scene, FZRect(0, 0, 59, 59), *scene.frame), FZResult::Ok);
         EXPECT_EQ(Bytes(*scene.frame), before);
         EXPECT_EQ(PixelOf(*scene.frame, 22, 30), (Rgb{0, 0, 0}));
     }
     FZScene hidden;
     SetUpLampScene(hidden, Lamp(0.7f, 255, 255, 255));
     hidden.LayerAt(1)->visible = 0;
-    ASSERT_EQ(RenderScene(hidden), 0);
+    ASSERT_EQ(RenderScene(hidden), FZResult::Ok);
     EXPECT_EQ(PixelOf(*hidden.frame, 22, 30), (Rgb{0, 0, 0}));
 }
 
@@ -365,36 +366,36 @@ TEST(RenderDriver, RectanglesAreClippedToTheFrame)
 {
     FZScene scene;
     SetUpCheckerScene(scene, 10, 8);
-    ASSERT_EQ(RenderScene(scene), 0);
+    ASSERT_EQ(RenderScene(scene), FZResult::Ok);
     const std::vector<std::uint8_t> full = Bytes(*scene.frame);
 
     SetPixel(*scene.frame, 0, 0, {1, 2, 3});
-    EXPECT_EQ(RenderRect(scene, FZRect(10, 0, 20, 7)), -4);
-    EXPECT_EQ(RenderRect(scene, FZRect(-5, 8, 3, 9)), -4);
+    EXPECT_EQ(RenderRect(scene, FZRect(10, 0, 20, 7)), FZResult::BadParameter);
+    EXPECT_EQ(RenderRect(scene, FZRect(-5, 8, 3, 9)), FZResult::BadParameter);
     EXPECT_EQ(PixelOf(*scene.frame, 0, 0), (Rgb{1, 2, 3}));  // unchanged
 
     // Only the part inside is drawn again.
     SetPixel(*scene.frame, 9, 7, {1, 2, 3});
-    EXPECT_EQ(RenderRect(scene, FZRect(-100, -100, 0, 0)), 0);
+    EXPECT_EQ(RenderRect(scene, FZRect(-100, -100, 0, 0)), FZResult::Ok);
     EXPECT_NE(PixelOf(*scene.frame, 0, 0), (Rgb{1, 2, 3}));
     EXPECT_EQ(PixelOf(*scene.frame, 9, 7), (Rgb{1, 2, 3}));
-    EXPECT_EQ(RenderScene(scene), 0);
+    EXPECT_EQ(RenderScene(scene), FZResult::Ok);
     EXPECT_EQ(Bytes(*scene.frame), full);
 
     FZScene empty;
-    EXPECT_EQ(RenderScene(empty), -4);
+    EXPECT_EQ(RenderScene(empty), FZResult::BadParameter);
     EXPECT_EQ(empty.frame, nullptr);
 }
 
 TEST(RenderDriver, LayerOperationsNeedAnExistingLayer)
 {
     FZScene empty;
-    EXPECT_EQ(PrepareLayer(empty, 0), -11);
-    EXPECT_EQ(ShadeLayerAt(empty, 0), -11);
+    EXPECT_EQ(PrepareLayer(empty, 0), FZResult::NoData);
+    EXPECT_EQ(ShadeLayerAt(empty, 0), FZResult::NoData);
     FZScene scene;
     SetUpPlainScene(scene, 4, 4);
-    EXPECT_EQ(PrepareLayer(scene, 1), -11);
-    EXPECT_EQ(ShadeLayerAt(scene, -1), -11);
-    EXPECT_EQ(PrepareLayer(scene, 0), 0);
-    EXPECT_EQ(ShadeLayerAt(scene, 0), 0);
+    EXPECT_EQ(PrepareLayer(scene, 1), FZResult::NoData);
+    EXPECT_EQ(ShadeLayerAt(scene, -1), FZResult::NoData);
+    EXPECT_EQ(PrepareLayer(scene, 0), FZResult::Ok);
+    EXPECT_EQ(ShadeLayerAt(scene, 0), FZResult::Ok);
 }

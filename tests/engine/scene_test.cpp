@@ -54,7 +54,7 @@ struct Tag {
 TEST(Scene, SetUpFrameBuildsLightCameraAndGround)
 {
     FZScene scene;
-    ASSERT_EQ(scene.SetUpFrame(160, 120, kWhite), 0);
+    ASSERT_EQ(scene.SetUpFrame(160, 120, kWhite), FZResult::Ok);
     EXPECT_EQ(scene.width, 160);
     EXPECT_EQ(scene.height, 120);
     ASSERT_EQ(scene.LightCount(), 1);
@@ -90,16 +90,16 @@ TEST(Scene, GroundTakesTheBackgroundColourAsMaterial)
 {
     FZScene scene;
     const float blue[3] = {0.1f, 0.4f, 0.6f};
-    ASSERT_EQ(scene.SetUpFrame(8, 8, blue), 0);
+    ASSERT_EQ(scene.SetUpFrame(8, 8, blue), FZResult::Ok);
     EXPECT_TRUE(SameColor(scene.LayerAt(0)->material.color, Rgb(25, 102, 153)));
 }
 
 TEST(Scene, LayerListOperations)
 {
     FZScene scene;
-    ASSERT_EQ(scene.SetUpFrame(160, 120, kWhite), 0);
+    ASSERT_EQ(scene.SetUpFrame(160, 120, kWhite), FZResult::Ok);
 
-    ASSERT_EQ(scene.AddFullFrameLayer(), 1);
+    ASSERT_EQ(scene.AddFullFrameLayer(), FZResult::Ok);
     const FZLayer* added = scene.LayerAt(1);
     ASSERT_NE(added, nullptr);
     EXPECT_FLOAT_EQ(added->baseDepth, 10.0f);
@@ -108,19 +108,19 @@ TEST(Scene, LayerListOperations)
     EXPECT_EQ(added->GetColorSource(), 1);
 
     FZLayer small;
-    ASSERT_EQ(small.Create(3, 4, 5, 6, 2.5f), 0);
-    EXPECT_EQ(scene.InsertLayer(small, -1), 0);
+    ASSERT_EQ(small.Create(3, 4, 5, 6, 2.5f), FZResult::Ok);
+    EXPECT_EQ(scene.InsertLayer(small, -1), FZResult::Ok);
     ASSERT_EQ(scene.LayerCount(), 3);
     EXPECT_EQ(scene.LayerAt(0)->width, 5);
     EXPECT_EQ(scene.LayerAt(0)->x, 3);
     EXPECT_EQ(scene.LayerAt(1)->width, 160);
     EXPECT_NE(scene.LayerAt(0), &small);
 
-    EXPECT_EQ(scene.InsertLayer(small, 3), -4);
-    EXPECT_EQ(scene.InsertLayer(small, -2), -4);
+    EXPECT_EQ(scene.InsertLayer(small, 3), FZResult::BadParameter);
+    EXPECT_EQ(scene.InsertLayer(small, -2), FZResult::BadParameter);
     EXPECT_EQ(scene.LayerCount(), 3);
-    EXPECT_EQ(scene.AddLayer(small), 3);
-    EXPECT_EQ(scene.AddLayerRect(1, 2, 3, 4), 4);
+    EXPECT_EQ(scene.AddLayer(small), FZResult::Ok);
+    EXPECT_EQ(scene.AddLayerRect(1, 2, 3, 4), FZResult::Ok);
     EXPECT_EQ(scene.LayerAt(4)->y, 2);
 
     scene.RemoveLayer(0);
@@ -137,26 +137,26 @@ TEST(Scene, WithoutListsEveryListOperationRefuses)
 {
     FZScene never;
     FZLayer layer;
-    EXPECT_EQ(never.AddLayer(layer), -11);
-    EXPECT_EQ(never.InsertLayer(layer, -1), -11);
-    EXPECT_EQ(never.AddLayerRect(0, 0, 1, 1), -11);
+    EXPECT_EQ(never.AddLayer(layer), FZResult::NoData);
+    EXPECT_EQ(never.InsertLayer(layer, -1), FZResult::NoData);
+    EXPECT_EQ(never.AddLayerRect(0, 0, 1, 1), FZResult::NoData);
     EXPECT_EQ(never.LayerCount(), 0);
     EXPECT_EQ(never.LightCount(), 0);
     EXPECT_EQ(never.LayerAt(0), nullptr);
     never.RemoveLayer(0);
 
     FZScene cleared;
-    ASSERT_EQ(cleared.SetUpFrame(4, 3, kWhite), 0);
+    ASSERT_EQ(cleared.SetUpFrame(4, 3, kWhite), FZResult::Ok);
     cleared.frame = new FZImage;
     cleared.behind = new FZImage;
-    ASSERT_EQ(cleared.frame->Create(4, 3, 3, 0), 0);
+    ASSERT_EQ(cleared.frame->Create(4, 3, 3, 0), FZResult::Ok);
     cleared.background[0] = 0.5f;
     cleared.Clear();
     EXPECT_EQ(cleared.frame, nullptr);
     EXPECT_EQ(cleared.behind, nullptr);
     EXPECT_EQ(cleared.width, 0);
     EXPECT_EQ(cleared.height, 0);
-    EXPECT_EQ(cleared.AddFullFrameLayer(), -11);
+    EXPECT_EQ(cleared.AddFullFrameLayer(), FZResult::NoData);
     EXPECT_EQ(cleared.LightAt(0), nullptr);
     // What Clear leaves alone.
     EXPECT_FLOAT_EQ(cleared.background[0], 0.5f);
@@ -164,34 +164,34 @@ TEST(Scene, WithoutListsEveryListOperationRefuses)
     EXPECT_FLOAT_EQ(cleared.camera.eye[2], 7.0f);
 
     // An empty list takes its first layer at the front.
-    ASSERT_EQ(cleared.Create(2, 2), 0);
-    EXPECT_EQ(cleared.AddLayer(layer), 0);
+    ASSERT_EQ(cleared.Create(2, 2), FZResult::Ok);
+    EXPECT_EQ(cleared.AddLayer(layer), FZResult::Ok);
 }
 
 TEST(Scene, OddFrameSizes)
 {
     FZScene scene;
     const float wild[3] = {std::nanf(""), -1e30f, std::numeric_limits<float>::infinity()};
-    ASSERT_EQ(scene.SetUpFrame(1, 1, wild), 0);
-    EXPECT_EQ(scene.AddFullFrameLayer(), 1);
+    ASSERT_EQ(scene.SetUpFrame(1, 1, wild), FZResult::Ok);
+    EXPECT_EQ(scene.AddFullFrameLayer(), FZResult::Ok);
     EXPECT_EQ(scene.LayerAt(1)->CompositeSample(0, 0, 1.0f, 255, Rgb(1, 2, 3)), 2);
 
-    ASSERT_EQ(scene.SetUpFrame(0, 0, kWhite), 0);
+    ASSERT_EQ(scene.SetUpFrame(0, 0, kWhite), FZResult::Ok);
     EXPECT_EQ(scene.LayerCount(), 1);
     EXPECT_EQ(scene.LayerAt(0)->width, 0);
 
     // Frames too large to hold are refused before anything is allocated.
-    EXPECT_EQ(scene.SetUpFrame(100000, 100000, kWhite), -2);
+    EXPECT_EQ(scene.SetUpFrame(100000, 100000, kWhite), FZResult::OutOfMemory);
     EXPECT_EQ(scene.LayerCount(), 0);
-    ASSERT_EQ(scene.SetUpFrame(2, 2, kWhite), 0);
-    EXPECT_EQ(scene.AddLayerRect(0, 0, 1, INT32_MAX), -2);
+    ASSERT_EQ(scene.SetUpFrame(2, 2, kWhite), FZResult::Ok);
+    EXPECT_EQ(scene.AddLayerRect(0, 0, 1, INT32_MAX), FZResult::OutOfMemory);
     EXPECT_EQ(scene.LayerCount(), 1);
 
-    EXPECT_EQ(scene.SetUpFrame(-1, 5, kWhite), -4);
+    EXPECT_EQ(scene.SetUpFrame(-1, 5, kWhite), FZResult::BadParameter);
     EXPECT_EQ(scene.LayerCount(), 0);
     EXPECT_EQ(scene.width, 0);
-    ASSERT_EQ(scene.Create(4, 4), 0);
-    EXPECT_EQ(scene.AddLayerRect(0, 0, 3, -2), -4);
+    ASSERT_EQ(scene.Create(4, 4), FZResult::Ok);
+    EXPECT_EQ(scene.AddLayerRect(0, 0, 3, -2), FZResult::BadParameter);
     EXPECT_EQ(scene.LayerCount(), 0);
 }
 
@@ -227,7 +227,7 @@ TEST(PtrArray, GrowsByTenAndKeepsOrder)
 TEST(Layer, FillCheckerLaysCellsFromTheOrigin)
 {
     FZLayer layer;
-    ASSERT_EQ(layer.Create(0, 0, 25, 15, 0.0f), 0);
+    ASSERT_EQ(layer.Create(0, 0, 25, 15, 0.0f), FZResult::Ok);
     const FZColor white = Rgb(255, 255, 255);
     const FZColor blue = Rgb(25, 102, 153);
     layer.FillChecker(10, 10, white, blue);
@@ -260,7 +260,7 @@ TEST(Layer, FillCheckerLaysCellsFromTheOrigin)
 TEST(Layer, CompositeSampleCodes)
 {
     FZLayer layer;
-    ASSERT_EQ(layer.Create(0, 0, 4, 4, 0.0f), 0);
+    ASSERT_EQ(layer.Create(0, 0, 4, 4, 0.0f), FZResult::Ok);
     const FZColor red = Rgb(255, 0, 0);
     const FZColor green = Rgb(0, 255, 0);
 
@@ -303,7 +303,7 @@ TEST(Layer, CompositeSampleCodes)
 TEST(Layer, FillDepthCoversEverything)
 {
     FZLayer layer;
-    ASSERT_EQ(layer.Create(0, 0, 3, 2, 0.0f), 0);
+    ASSERT_EQ(layer.Create(0, 0, 3, 2, 0.0f), FZResult::Ok);
     layer.FillDepth(-1.5f);
     EXPECT_EQ(CountPixels(layer, 255, -1.5f), 6);
     FZLayer empty;
@@ -315,7 +315,7 @@ TEST(Layer, FillDepthCoversEverything)
 TEST(Layer, AssignCopiesDeeplyButNotTheShading)
 {
     FZLayer source;
-    ASSERT_EQ(source.Create(2, 3, 4, 5, 10.0f), 0);
+    ASSERT_EQ(source.Create(2, 3, 4, 5, 10.0f), FZResult::Ok);
     source.FillDepth(7.0f);
     source.colors[1][2] = Rgb(9, 8, 7);
     source.SetColorSource(0);
@@ -328,8 +328,8 @@ TEST(Layer, AssignCopiesDeeplyButNotTheShading)
     source.depthMax = 7.0f;
 
     FZLayer copy;
-    ASSERT_EQ(copy.Create(0, 0, 9, 9, 0.0f), 0);
-    ASSERT_EQ(copy.Assign(source), 0);
+    ASSERT_EQ(copy.Create(0, 0, 9, 9, 0.0f), FZResult::Ok);
+    ASSERT_EQ(copy.Assign(source), FZResult::Ok);
     ExpectRect(copy, 2, 3, 4, 5);
     EXPECT_FLOAT_EQ(copy.baseDepth, 10.0f);
     EXPECT_EQ(CountPixels(copy, 255, 7.0f), 20);
@@ -345,7 +345,7 @@ TEST(Layer, AssignCopiesDeeplyButNotTheShading)
 
     copy.depth[0][0] = 1.0f;
     EXPECT_FLOAT_EQ(source.depth[0][0], 7.0f);
-    ASSERT_EQ(source.Assign(source), 0);
+    ASSERT_EQ(source.Assign(source), FZResult::Ok);
     EXPECT_NE(source.shaded, nullptr);
     EXPECT_NE(source.normals, nullptr);
 
@@ -354,7 +354,7 @@ TEST(Layer, AssignCopiesDeeplyButNotTheShading)
     EXPECT_EQ(source.width, 0);
     EXPECT_FLOAT_EQ(source.baseDepth, 0.0f);
     // Copying an empty layer gives an empty layer.
-    ASSERT_EQ(copy.Assign(source), 0);
+    ASSERT_EQ(copy.Assign(source), FZResult::Ok);
     EXPECT_EQ(copy.coverage, nullptr);
     EXPECT_EQ(copy.width, 0);
 }
@@ -420,20 +420,20 @@ TEST(OutOfMemory, PtrArrayStaysUnchanged)
 TEST(OutOfMemory, LayersAreNeverHalfBuilt)
 {
     FZLayer source;
-    ASSERT_EQ(source.Create(0, 0, 6, 4, 1.0f), 0);
+    ASSERT_EQ(source.Create(0, 0, 6, 4, 1.0f), FZResult::Ok);
     FZLayer layer;
-    int created = 0, assigned = 0;
+    FZResult created = FZResult::Ok, assigned = FZResult::Ok;
     FailEachAllocationInTurn(
         [&] {
             created = layer.Create(0, 0, 6, 4, 1.0f);
-            assigned = created == 0 ? layer.Assign(source) : 0;
+            assigned = created == FZResult::Ok ? layer.Assign(source) : FZResult::Ok;
         },
         [&](bool refused) {
             if (!refused) {
-                EXPECT_TRUE(created == 0 && assigned == 0);
+                EXPECT_TRUE(created == FZResult::Ok && assigned == FZResult::Ok);
                 return;
             }
-            EXPECT_TRUE(created == -2 || assigned == -2);
+            EXPECT_TRUE(created == FZResult::OutOfMemory || assigned == FZResult::OutOfMemory);
             EXPECT_EQ(layer.width, 0);
             EXPECT_TRUE(layer.coverage == nullptr && layer.depth == nullptr && layer.colors == nullptr);
         });
@@ -442,18 +442,18 @@ TEST(OutOfMemory, LayersAreNeverHalfBuilt)
 TEST(OutOfMemory, SceneAddsNothingWhenACopyFails)
 {
     FZScene scene;
-    ASSERT_EQ(scene.SetUpFrame(5, 5, kWhite), 0);
-    int result = 0;
+    ASSERT_EQ(scene.SetUpFrame(5, 5, kWhite), FZResult::Ok);
+    FZResult result = FZResult::Ok;
     FailEachAllocationInTurn([&] { result = scene.AddFullFrameLayer(); },
                              [&](bool refused) {
-                                 EXPECT_EQ(result, refused ? -2 : 1);
+                                 EXPECT_EQ(result, refused ? FZResult::OutOfMemory : FZResult::Ok);
                                  EXPECT_EQ(scene.LayerCount(), refused ? 1 : 2);
                              });
 
     FZScene fresh;
     FailEachAllocationInTurn([&] { result = fresh.SetUpFrame(3, 2, kWhite); },
                              [&](bool refused) {
-                                 EXPECT_EQ(result, refused ? -2 : 0);
+                                 EXPECT_EQ(result, refused ? FZResult::OutOfMemory : FZResult::Ok);
                                  EXPECT_EQ(fresh.LayerCount(), refused ? 0 : 1);
                              });
 }

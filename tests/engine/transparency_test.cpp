@@ -30,7 +30,7 @@ void MakeSlab(FZLayer& layer)
     layer.material.highlightStrength = 0.0f;
     FZPtrArray<FZLight> lights;
     AddLight(lights, 0.0f, 0.0f, -1.0f);
-    ShadeLayer(layer, HeadOnView(), &lights);
+    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     for (int x = 0; x < 3; ++x)
         layer.depth[0][x] = 50.0f * x;
     layer.depthMin = 0.0f;

@@ -287,7 +287,7 @@ TEST(FilterSeparable, SpreadsAPointIntoAPyramidThatKeepsItsSum)
     Raster raster(21, 0.0f);
     raster.cells[10][10] = 1.0f;
     FZFloatGrid grid = raster.Grid();
-    ASSERT_EQ(FilterSeparable(grid, 10), 0);
+    ASSERT_EQ(FilterSeparable(grid, 10), FZResult::Ok);
 
     EXPECT_NEAR(raster.cells[10][10], 1.0 / 25.0, 1e-7);
     EXPECT_NEAR(raster.Sum(), 1.0, 1e-6);
@@ -303,7 +303,7 @@ TEST(FilterSeparable, BordersDarkenBecauseLostTapsAreNotRenormalised)
 {
     Raster raster(16, 1.0f);
     FZFloatGrid grid = raster.Grid();
-    ASSERT_EQ(FilterSeparable(grid, 10), 0);
+    ASSERT_EQ(FilterSeparable(grid, 10), FZResult::Ok);
 
     EXPECT_NEAR(raster.cells[8][8], 1.0, 1e-6);
     EXPECT_NEAR(raster.cells[8][0], 0.6, 1e-6);  // taps 0..5 of one axis: 3/5
@@ -317,13 +317,13 @@ TEST(FilterSeparable, SmallSizesLeaveTheGridAsItWas)
     raster.cells[2][3] = 7.0f;
     FZFloatGrid grid = raster.Grid();
     for (int size : {-4, 0, 1, 3}) {  // half is at least 1: weights 0, 1, 0
-        ASSERT_EQ(FilterSeparable(grid, size), 0);
+        ASSERT_EQ(FilterSeparable(grid, size), FZResult::Ok);
         EXPECT_EQ(raster.cells[2][3], 7.0f);
         EXPECT_EQ(raster.Sum(), 7.0);
     }
 
     FZFloatGrid empty;
-    EXPECT_EQ(FilterSeparable(empty, 10), 0);
+    EXPECT_EQ(FilterSeparable(empty, 10), FZResult::Ok);
     empty = grid;
     empty.Clear();
     EXPECT_EQ(empty.width, 0);

@@ -26,7 +26,7 @@ namespace {
 
 bool SameBytes(const FZAttributeEx& a, const FZAttributeEx& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
-int Load(const ByteVector& bytes, FZAttributeEx& record, int* version = nullptr)
+FZResult Load(const ByteVector& bytes, FZAttributeEx& record, int* version = nullptr)
 {
     return LoadAttributeBytes(bytes.data(), bytes.size(), record, version);
 }
@@ -60,7 +60,7 @@ protected:
     void TearDown() override { fs::remove_all(dir); }
     ByteVector Saved(const FZAttributeEx& r)
     {
-        EXPECT_EQ(SaveAttributeFile(target.c_str(), r), 0);
+        EXPECT_EQ(SaveAttributeFile(target.c_str(), r), FZResult::Ok);
         return ReadAll(target);
     }
     // target holds old, and nothing else is left in the directory.
@@ -78,11 +78,11 @@ protected:
 
 TEST(ResultCodes, MessagesOfTheTable)
 {
-    EXPECT_STREQ(ResultMessage(kResultError), "何らかのｴﾗｰが起りました。");
-    EXPECT_STREQ(ResultMessage(kResultWriteFailed), "ﾌｧｲﾙにﾃﾞｰﾀを書き込めませんでした。");
-    EXPECT_STREQ(ResultMessage(kResultNoData), "ﾃﾞｰﾀがありません。");
+    EXPECT_STREQ(ResultMessage(FZResult::Error), "何らかのｴﾗｰが起りました。");
+    EXPECT_STREQ(ResultMessage(FZResult::WriteFailed), "ﾌｧｲﾙにﾃﾞｰﾀを書き込めませんでした。");
+    EXPECT_STREQ(ResultMessage(FZResult::NoData), "ﾃﾞｰﾀがありません。");
     for (int code : {0, -12, 1})
-        EXPECT_EQ(ResultMessage(code), nullptr) << code;
+        EXPECT_EQ(ResultMessage(static_cast<FZResult>(code)), nullptr) << code;
 }
 
 TEST_F(AttributeFileTest, WriterMatchesTheHandBuiltBytesOfEveryGrooveType)
@@ -107,7 +107,7 @@ TEST_F(AttributeFileTest, EveryVersionReadsWhatItHoldsAndNoMore)
             SCOPED_TRACE(testing::Message() << "version " << version << " type " << type);
             FZAttributeEx loaded = DistinctiveMaterial(5);
             int fileVersion = -1;
-            ASSERT_EQ(Load(HandBuiltFile(DistinctiveMaterial(type), version), loaded, &fileVersion), 0);
+            ASSERT_EQ(Load(HandBuiltFile(DistinctiveMaterial(type), version), loaded, &fileVersion), FZResult::Ok);
             EXPECT_EQ(fileVersion, version);
             EXPECT_TRUE(SameBytes(loaded, ExpectedAfterLoad(DistinctiveMaterial(type), version)));
         }
@@ -115,13 +115,13 @@ TEST_F(AttributeFileTest, EveryVersionReadsWhatItHoldsAndNoMore)
     // Concrete values, so that the builder cannot drift with the reader: old
     // versions skip a 512-byte header, and unstored fields load as defaults.
     FZAttributeEx loaded;
-    ASSERT_EQ(Load(HandBuiltFile(DistinctiveMaterial(2), 3), loaded), 0);
+    ASSERT_EQ(Load(HandBuiltFile(DistinctiveMaterial(2), 3), loaded), FZResult::Ok);
     EXPECT_EQ(loaded.reflection, 0.625f);
     EXPECT_EQ(loaded.anisotropic, 0);
     EXPECT_EQ(loaded.thickness, 4.0f);
     ByteVector v9 = HandBuiltFile(DistinctiveMaterial(3), 8);
     v9[25] = '9';  // version 9 reads like version 8
-    ASSERT_EQ(Load(v9, loaded), 0);
+    ASSERT_EQ(Load(v9, loaded), FZResult::Ok);
     EXPECT_EQ(loaded.attenuation, 0.35f);
 }
 
@@ -135,7 +135,7 @@ TEST_F(AttributeFileTest, RoundTripKeepsEveryStoredBit)
     ByteVector bytes = Saved(r);
     bytes.insert(bytes.end(), 40, 0x77);  // bytes after the record change nothing
     FZAttributeEx loaded;
-    ASSERT_EQ(Load(bytes, loaded), 0);
+    ASSERT_EQ(Load(bytes, loaded), FZResult::Ok);
     EXPECT_TRUE(SameBytes(loaded, ExpectedAfterLoad(r, 10)));
 }
 
@@ -146,15 +146,15 @@ TEST_F(AttributeFileTest, RefusedFilesLeaveTheRecordAlone)
     badMagic[11] = 'q';
     const struct {
         ByteVector bytes;
-        int code;
+        FZResult code;
     } cases[] = {
-        {{}, kResultReadFailed},
-        {ByteVector(good.begin(), good.begin() + 24), kResultReadFailed},  // inside the version
-        {QvaHeader("0003", 200), kResultReadFailed},                         // legacy padding cut short
-        {badMagic, kResultBadFormat},
-        {QvaHeader("0011", 200), kResultBadVersion},
-        {QvaHeader("00a1", 200), kResultBadFormat},
-        {QvaHeader("-001", 600), kResultBadFormat},
+        {{}, FZResult::ReadFailed},
+        {ByteVector(good.begin(), good.begin() + 24), FZResult::ReadFailed},  // inside the version
+        {QvaHeader("0003", 200), FZResult::ReadFailed},                         // legacy padding cut short
+        {badMagic, FZResult::BadFormat},
+        {QvaHeader("0011", 200), FZResult::BadVersion},
+        {QvaHeader("00a1", 200), FZResult::BadFormat},
+        {QvaHeader("-001", 600), FZResult::BadFormat},
     };
     for (const auto& c : cases) {
         FZAttributeEx record = DistinctiveMaterial(5);
@@ -168,24 +168,24 @@ TEST_F(AttributeFileTest, RefusedFilesLeaveTheRecordAlone)
         for (std::size_t size = v < 4 ? 512 : 26; size < whole.size(); ++size) {
             FZAttributeEx record;
             EXPECT_EQ(Load(ByteVector(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)), record),
-                      kResultReadFailed) << "version " << v << ", " << size << " bytes";
+                      FZResult::ReadFailed) << "version " << v << ", " << size << " bytes";
             EXPECT_TRUE(SameBytes(record, FZAttributeEx()));
         }
     }
     FZAttributeEx record;
-    EXPECT_EQ(LoadAttributeFile((dir / "absent.qva").c_str(), record), kResultOpenFailed);
-    EXPECT_EQ(LoadAttributeFile(dir.c_str(), record), kResultReadFailed);  // a directory
+    EXPECT_EQ(LoadAttributeFile((dir / "absent.qva").c_str(), record), FZResult::OpenFailed);
+    EXPECT_EQ(LoadAttributeFile(dir.c_str(), record), FZResult::ReadFailed);  // a directory
 }
 
 TEST_F(AttributeFileTest, ReplacingKeepsPermissionsAndFollowsLinks)
 {
-    ASSERT_EQ(ReplaceFile(target.c_str(), "old", 3).code, 0);
+    ASSERT_EQ(ReplaceFile(target.c_str(), "old", 3).code, FZResult::Ok);
     ::chmod(target.c_str(), 0640);
-    ASSERT_EQ(SaveAttributeFile(target.c_str(), DistinctiveMaterial(1)), 0);
+    ASSERT_EQ(SaveAttributeFile(target.c_str(), DistinctiveMaterial(1)), FZResult::Ok);
     ExpectOnly(HandBuiltFile(DistinctiveMaterial(1), 10, 0));
     EXPECT_EQ(fs::status(target).permissions(), fs::perms(0640));
     fs::create_symlink(target, dir / "link.qva");
-    ASSERT_EQ(SaveAttributeFile((dir / "link.qva").c_str(), DistinctiveMaterial(3)), 0);
+    ASSERT_EQ(SaveAttributeFile((dir / "link.qva").c_str(), DistinctiveMaterial(3)), FZResult::Ok);
     EXPECT_TRUE(fs::is_symlink(dir / "link.qva"));
     EXPECT_EQ(ReadAll(target).size(), 132u);
 }
@@ -193,15 +193,16 @@ TEST_F(AttributeFileTest, ReplacingKeepsPermissionsAndFollowsLinks)
 TEST_F(AttributeFileTest, FailedWritesKeepTheOldFileAndSayWhy)
 {
     const ByteVector old = HandBuiltFile(DistinctiveMaterial(2), 10, 0);
-    ASSERT_EQ(ReplaceFile(target.c_str(), old.data(), old.size()).code, 0);
+    ASSERT_EQ(ReplaceFile(target.c_str(), old.data(), old.size()).code, FZResult::Ok);
     // A file size limit fails the write part way through, as a full disk does.
     EXPECT_EQ(InChild([&] {
                   ::signal(SIGXFSZ, SIG_IGN);
                   const rlimit limit{50, 50};
                   std::string reason;
-                  const int rc = ::setrlimit(RLIMIT_FSIZE, &limit) == 0
-                                     ? SaveAttributeFile(target.c_str(), DistinctiveMaterial(1), &reason) : 0;
-                  return rc == kResultWriteFailed && reason == std::strerror(EFBIG) ? 0 : 1;
+                  const FZResult rc = ::setrlimit(RLIMIT_FSIZE, &limit) == 0
+                                          ? SaveAttributeFile(target.c_str(), DistinctiveMaterial(1), &reason)
+                                          : FZResult::Ok;
+                  return rc == FZResult::WriteFailed && reason == std::strerror(EFBIG) ? 0 : 1;
               }),
               0);
     ExpectOnly(old);
@@ -209,12 +210,12 @@ TEST_F(AttributeFileTest, FailedWritesKeepTheOldFileAndSayWhy)
     // A write-protected file is refused, even for root, who could write it.
     ::chmod(target.c_str(), 0444);
     const FileWriteResult locked = ReplaceFile(target.c_str(), "x", 1);
-    EXPECT_EQ(locked.code, kResultOpenFailed);
+    EXPECT_EQ(locked.code, FZResult::OpenFailed);
     EXPECT_EQ(locked.reason, std::string(std::strerror(EACCES)) + " (the file is write-protected)");
     ExpectOnly(old);
 
     const FileWriteResult noDir = ReplaceFile((dir / "no-such-dir" / "m.qva").c_str(), "x", 1);
-    EXPECT_EQ(noDir.code, kResultOpenFailed);
+    EXPECT_EQ(noDir.code, FZResult::OpenFailed);
     EXPECT_EQ(noDir.reason, std::strerror(ENOENT));
-    EXPECT_EQ(ReplaceFile(dir.c_str(), "x", 1).code, kResultOpenFailed);  // a directory
+    EXPECT_EQ(ReplaceFile(dir.c_str(), "x", 1).code, FZResult::OpenFailed);  // a directory
 }

@@ -65,10 +65,11 @@ std::uint64_t Fnv1a(const std::uint8_t* bytes, std::size_t n)
 
 std::uint64_t Render(CPreviewPanel& panel, const Frame& f)
 {
-    if (panel.Scene() == nullptr || panel.Scene()->width != f.w || panel.Scene()->height != f.h)
-        EXPECT_EQ(panel.SetUpFrame(f.w, f.h), 0);
-    EXPECT_EQ(panel.BuildSampleShape(f.shape), 0);
-    panel.ApplyMaterial(f.material, f.bind);
+    if (panel.Scene() == nullptr || panel.Scene()->width != f.w || panel.Scene()->height != f.h) {
+        EXPECT_EQ(panel.SetUpFrame(f.w, f.h), FZResult::Ok);
+    }
+    EXPECT_EQ(panel.BuildSampleShape(f.shape), FZResult::Ok);
+    EXPECT_EQ(panel.ApplyMaterial(f.material, f.bind), FZResult::Ok);
     const FZImage& frame = *panel.Scene()->frame;
     return Fnv1a(frame.data, static_cast<std::size_t>(frame.dataSize));
 }
@@ -94,8 +95,9 @@ TEST(Goldens, EveryFrameKeepsItsChecksum)
     FZRandom::SetFixedSeed(1u);
     const char* write = std::getenv("TAMERISK_WRITE_GOLDENS");
     const std::map<std::string, std::string> table = ReadTable();
-    if (write == nullptr)
+    if (write == nullptr) {
         ASSERT_FALSE(table.empty()) << "no table at " << TAMERISK_GOLDEN_FRAMES;
+    }
 
     std::ostringstream out;
     out << "# frame shape size fnv1a-64; written by scripts/make_goldens.py\n";

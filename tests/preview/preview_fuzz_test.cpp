@@ -14,14 +14,14 @@ TEST(PreviewFuzz, RandomRecordsRenderOnEveryShape)
     RecordMaker records(20240611u);
     for (std::int32_t shape = 1; shape <= 4; ++shape) {
         CPreviewPanel panel;
-        ASSERT_EQ(panel.SetUpFrame(16, 16), 0);
-        ASSERT_EQ(panel.BuildSampleShape(shape), 0);
+        ASSERT_EQ(panel.SetUpFrame(16, 16), FZResult::Ok);
+        ASSERT_EQ(panel.BuildSampleShape(shape), FZResult::Ok);
         for (int i = 0; i < 800; ++i) {
-            panel.ApplyMaterial(records.Next(), records.Bind());
+            ASSERT_EQ(panel.ApplyMaterial(records.Next(), records.Bind()), FZResult::Ok);
             // The sample keeps a broken material through a rebuild too.
             if (i % 100 == 99) {
-                ASSERT_EQ(panel.BuildSampleShape(shape % 4 + 1), 0);
-                ASSERT_EQ(panel.BuildSampleShape(shape), 0);
+                ASSERT_EQ(panel.BuildSampleShape(shape % 4 + 1), FZResult::Ok);
+                ASSERT_EQ(panel.BuildSampleShape(shape), FZResult::Ok);
             }
         }
         ASSERT_NE(panel.Scene()->frame, nullptr);
@@ -35,11 +35,11 @@ TEST(PreviewFuzz, TinyFramesRenderEveryShape)
     for (const auto& size : sizes)
         for (std::int32_t shape = 0; shape <= 5; ++shape) {
             CPreviewPanel panel;
-            ASSERT_EQ(panel.SetUpFrame(size[0], size[1]), 0);
-            ASSERT_EQ(panel.BuildSampleShape(shape), 0);
-            panel.ApplyMaterial(FZAttributeEx(), 0);
+            ASSERT_EQ(panel.SetUpFrame(size[0], size[1]), FZResult::Ok);
+            ASSERT_EQ(panel.BuildSampleShape(shape), FZResult::Ok);
+            ASSERT_EQ(panel.ApplyMaterial(FZAttributeEx(), 0), FZResult::Ok);
             for (int i = 0; i < 30; ++i)
-                panel.ApplyMaterial(records.Next(), records.Bind());
+                ASSERT_EQ(panel.ApplyMaterial(records.Next(), records.Bind()), FZResult::Ok);
             EXPECT_EQ(panel.Scene()->frame->width, size[0]);
             EXPECT_EQ(panel.Scene()->frame->height, size[1]);
         }

@@ -43,9 +43,9 @@ FZAttributeEx Coloured(std::uint8_t r, std::uint8_t g, std::uint8_t b)
 // A preview of 120 x 120 pixels showing shape n in the default material.
 void ShowShape(CPreviewPanel& panel, int n)
 {
-    ASSERT_EQ(panel.SetUpFrame(120, 120), 0);
-    ASSERT_EQ(panel.BuildSampleShape(n), 0);
-    panel.ApplyMaterial(FZAttributeEx(), 0);
+    ASSERT_EQ(panel.SetUpFrame(120, 120), FZResult::Ok);
+    ASSERT_EQ(panel.BuildSampleShape(n), FZResult::Ok);
+    ASSERT_EQ(panel.ApplyMaterial(FZAttributeEx(), 0), FZResult::Ok);
 }
 
 } // namespace
@@ -54,7 +54,7 @@ TEST(PreviewPanel, SetUpFrameBuildsTheGroundAndShapeOne)
 {
     CPreviewPanel panel;
     EXPECT_EQ(panel.Scene(), nullptr);
-    ASSERT_EQ(panel.SetUpFrame(120, 120), 0);
+    ASSERT_EQ(panel.SetUpFrame(120, 120), FZResult::Ok);
     const FZScene& scene = *panel.Scene();
     EXPECT_EQ(scene.width, 120);
     EXPECT_EQ(scene.height, 120);
@@ -85,16 +85,18 @@ TEST(PreviewPanel, RefusesFramesItCannotBuild)
 {
     CPreviewPanel panel;
     const struct {
-        std::int32_t w, h, error;
-    } refused[] = {{0, 10, -4}, {10, -3, -4}, {100000, 100000, -2}, {40000, 1, -2}};
+        std::int32_t w, h;
+        FZResult error;
+    } refused[] = {{0, 10, FZResult::BadParameter}, {10, -3, FZResult::BadParameter},
+                   {100000, 100000, FZResult::OutOfMemory}, {40000, 1, FZResult::OutOfMemory}};
     for (const auto& r : refused)
         EXPECT_EQ(panel.SetUpFrame(r.w, r.h), r.error) << r.w << "x" << r.h;
     EXPECT_EQ(panel.Scene(), nullptr);
 
     // A refused size keeps the scene that was there.
-    ASSERT_EQ(panel.SetUpFrame(1, 1), 0);
+    ASSERT_EQ(panel.SetUpFrame(1, 1), FZResult::Ok);
     EXPECT_EQ(panel.Scene()->LayerCount(), 2);
-    EXPECT_EQ(panel.SetUpFrame(-1, -1), -4);
+    EXPECT_EQ(panel.SetUpFrame(-1, -1), FZResult::BadParameter);
     ASSERT_NE(panel.Scene(), nullptr);
     EXPECT_EQ(panel.Scene()->width, 1);
 }
@@ -102,13 +104,13 @@ TEST(PreviewPanel, RefusesFramesItCannotBuild)
 TEST(PreviewPanel, WithoutASceneEveryCallDoesNothing)
 {
     CPreviewPanel panel;
-    EXPECT_EQ(panel.BuildSampleShape(3), 0);
+    EXPECT_EQ(panel.BuildSampleShape(3), FZResult::Ok);
     EXPECT_EQ(panel.ShapeNumber(), 1);
-    panel.ApplyMaterial(FZAttributeEx(), 1);
+    ASSERT_EQ(panel.ApplyMaterial(FZAttributeEx(), 1), FZResult::Ok);
     panel.ReleaseScene();
     EXPECT_EQ(panel.Scene(), nullptr);
 
-    ASSERT_EQ(panel.SetUpFrame(8, 8), 0);
+    ASSERT_EQ(panel.SetUpFrame(8, 8), FZResult::Ok);
     panel.ReleaseScene();
     panel.ReleaseScene();
     EXPECT_EQ(panel.Scene(), nullptr);
@@ -117,16 +119,16 @@ TEST(PreviewPanel, WithoutASceneEveryCallDoesNothing)
 TEST(PreviewPanel, OnlyAnotherShapeNumberRebuilds)
 {
     CPreviewPanel panel;
-    ASSERT_EQ(panel.SetUpFrame(40, 40), 0);
+    ASSERT_EQ(panel.SetUpFrame(40, 40), FZResult::Ok);
     std::uint8_t* marked = panel.Scene()->frame->PixelAddress(20, 20);
     marked[0] = 7;
-    EXPECT_EQ(panel.BuildSampleShape(1), 0);
+    EXPECT_EQ(panel.BuildSampleShape(1), FZResult::Ok);
     EXPECT_EQ(marked[0], 7);  // nothing rendered
 
     // Another number keeps the sample's material and colour source.
-    panel.ApplyMaterial(Coloured(255, 0, 0), 0);
+    ASSERT_EQ(panel.ApplyMaterial(Coloured(255, 0, 0), 0), FZResult::Ok);
     panel.Scene()->LayerAt(1)->SetColorSource(1);
-    EXPECT_EQ(panel.BuildSampleShape(3), 0);
+    EXPECT_EQ(panel.BuildSampleShape(3), FZResult::Ok);
     EXPECT_EQ(panel.ShapeNumber(), 3);
     EXPECT_NE(panel.Scene()->frame->PixelAddress(20, 20)[0], 7);
     EXPECT_EQ(panel.Scene()->LayerCount(), 2);
@@ -135,7 +137,7 @@ TEST(PreviewPanel, OnlyAnotherShapeNumberRebuilds)
 
     // Numbers without a shape leave the sample empty: only the ground shows.
     for (const int n : {5, 0, -1}) {
-        EXPECT_EQ(panel.BuildSampleShape(n), 0);
+        EXPECT_EQ(panel.BuildSampleShape(n), FZResult::Ok);
         EXPECT_EQ(panel.ShapeNumber(), n);
         EXPECT_EQ(Sample(panel).boundsX1, 39);  // bounds of an empty layer
         EXPECT_EQ(FramePixel(panel, 20, 20), kBlue);  // cell (2, 2)
@@ -145,17 +147,17 @@ TEST(PreviewPanel, OnlyAnotherShapeNumberRebuilds)
 TEST(PreviewPanel, ColourBindShowsTheSampleWhite)
 {
     CPreviewPanel panel;
-    ASSERT_EQ(panel.SetUpFrame(120, 120), 0);
-    panel.ApplyMaterial(Coloured(255, 0, 0), 0);
+    ASSERT_EQ(panel.SetUpFrame(120, 120), FZResult::Ok);
+    ASSERT_EQ(panel.ApplyMaterial(Coloured(255, 0, 0), 0), FZResult::Ok);
     EXPECT_EQ(FramePixel(panel, 60, 60), (Rgb{255, 0, 0}));
     EXPECT_EQ(Sample(panel).material.color.r, 255);
 
-    panel.ApplyMaterial(Coloured(255, 0, 0), 1);
+    ASSERT_EQ(panel.ApplyMaterial(Coloured(255, 0, 0), 1), FZResult::Ok);
     EXPECT_EQ(FramePixel(panel, 60, 60), kWhite);
     EXPECT_EQ(Sample(panel).material.color.g, 255);
 
     // Any flag other than 1 keeps the material's colour.
-    panel.ApplyMaterial(Coloured(0, 0, 255), 2);
+    ASSERT_EQ(panel.ApplyMaterial(Coloured(0, 0, 255), 2), FZResult::Ok);
     EXPECT_EQ(FramePixel(panel, 60, 60), (Rgb{0, 0, 255}));
 }
 
@@ -244,9 +246,9 @@ TEST(PreviewPanel, HighlightSitsWhereTheSurfaceFacesHalfwayToTheLight)
     // light and the viewer: 22.3 pixels from the top toward the upper left,
     // at (42.2, 73.4).
     CPreviewPanel panel;
-    ASSERT_EQ(panel.SetUpFrame(120, 120), 0);
-    ASSERT_EQ(panel.BuildSampleShape(2), 0);
-    panel.ApplyMaterial(Coloured(0, 0, 0), 0);
+    ASSERT_EQ(panel.SetUpFrame(120, 120), FZResult::Ok);
+    ASSERT_EQ(panel.BuildSampleShape(2), FZResult::Ok);
+    ASSERT_EQ(panel.ApplyMaterial(Coloured(0, 0, 0), 0), FZResult::Ok);
     const FZLayer& dome = Sample(panel);
     double sumX = 0.0;
     double sumY = 0.0;
@@ -272,25 +274,25 @@ TEST(PreviewPanel, FeatureMaterialsRenderTheSameTwice)
         return std::vector<std::uint8_t>(frame.data, frame.data + frame.dataSize);
     };
     CPreviewPanel panel;
-    ASSERT_EQ(panel.SetUpFrame(64, 64), 0);
+    ASSERT_EQ(panel.SetUpFrame(64, 64), FZResult::Ok);
     const std::vector<std::uint8_t> plain = picture(panel);
     for (const BenchMaterial& m : BenchMaterials()) {
         for (std::int32_t shape = 1; shape <= 4; ++shape) {
-            ASSERT_EQ(panel.BuildSampleShape(shape), 0);
-            panel.ApplyMaterial(m.material, 0);
+            ASSERT_EQ(panel.BuildSampleShape(shape), FZResult::Ok);
+            ASSERT_EQ(panel.ApplyMaterial(m.material, 0), FZResult::Ok);
             const std::vector<std::uint8_t> first = picture(panel);
-            panel.ApplyMaterial(m.material, 0);
+            ASSERT_EQ(panel.ApplyMaterial(m.material, 0), FZResult::Ok);
             EXPECT_EQ(picture(panel), first) << m.name << " " << shape;
             // Glass, mirrors and lamps show on the white default colour;
             // extra highlight mostly lands on pixels already saturated.
             if (shape == 1 && m.material.transparency + m.material.reflection + m.material.emission > 0.0f)
                 EXPECT_NE(first, plain) << m.name;
         }
-        ASSERT_EQ(panel.BuildSampleShape(1), 0);
-        panel.ApplyMaterial(FZAttributeEx(), 0);
+        ASSERT_EQ(panel.BuildSampleShape(1), FZResult::Ok);
+        ASSERT_EQ(panel.ApplyMaterial(FZAttributeEx(), 0), FZResult::Ok);
     }
     // The red lamp tints the blue cells around it.
-    panel.ApplyMaterial(BenchMaterials().back().material, 0);
+    ASSERT_EQ(panel.ApplyMaterial(BenchMaterials().back().material, 0), FZResult::Ok);
     const Rgb lit = FramePixel(panel, 4, 4);
     EXPECT_GT(lit[0], kBlue[0]);
     EXPECT_EQ(lit[1], kBlue[1]);

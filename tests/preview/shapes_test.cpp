@@ -20,7 +20,7 @@ protected:
     const float r = static_cast<float>(120 / 2.3);
     FZLayer layer;
 
-    void SetUp() override { ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), 0); }
+    void SetUp() override { ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), FZResult::Ok); }
     void Draw(int n) { DrawSampleShape(layer, n, 60.0f, 60.0f, r); }
 };
 
@@ -29,14 +29,14 @@ protected:
 TEST_F(SampleShapes, EveryShapeSpansColumnsAndRowsSevenTo112)
 {
     for (int n = 1; n <= 4; ++n) {
-        ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), 0);
+        ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), FZResult::Ok);
         Draw(n);
         FZRect bounds;
         ASSERT_TRUE(CoverageBounds(layer, bounds)) << "shape " << n;
         EXPECT_EQ((std::array{bounds.x0, bounds.y0, bounds.x1, bounds.y1}), (std::array{7, 7, 112, 112})) << n;
     }
     // The plate's dimple reaches down to nearly 0 at its centre.
-    ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), 0);
+    ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), FZResult::Ok);
     Draw(1);
     EXPECT_NEAR(layer.depth[60][60], 0.0165f, 1e-4);
     EXPECT_NEAR(layer.depth[60][80], 6.99f, 0.01);
@@ -68,7 +68,7 @@ TEST(ShapeRaster, CoverageCountsTheSamplesInside)
     };
     for (const auto& c : cases) {
         FZLayer layer;
-        ASSERT_EQ(layer.Create(0, 0, 2, 2, 0.0f), 0);
+        ASSERT_EQ(layer.Create(0, 0, 2, 2, 0.0f), FZResult::Ok);
         FZDome dome;
         dome.Set(c.cx, c.cy, c.a, c.b, 2.0f, 0.0f);
         RasterizeShape(layer, dome);
@@ -81,7 +81,7 @@ TEST(ShapeRaster, CoverageCountsTheSamplesInside)
 TEST(ShapeRaster, HigherSurfaceWinsOverEarlierDrawing)
 {
     FZLayer layer;
-    ASSERT_EQ(layer.Create(0, 0, 3, 3, 0.0f), 0);
+    ASSERT_EQ(layer.Create(0, 0, 3, 3, 0.0f), FZResult::Ok);
     // Each disc is drawn over the last; the depth is the highest so far.
     for (const auto& [height, kept] : {std::pair{4.0f, 4.0f}, {2.0f, 4.0f}, {6.0f, 6.0f}}) {
         FZRoundedDisc disc;
@@ -102,7 +102,7 @@ TEST(ShapeRaster, WildParametersStayInsideTheLayer)
             for (float cx : values)
                 for (float r : values) {
                     FZLayer layer;
-                    ASSERT_EQ(layer.Create(0, 0, size, size, 0.0f), 0);
+                    ASSERT_EQ(layer.Create(0, 0, size, size, 0.0f), FZResult::Ok);
                     DrawSampleShape(layer, n, cx, 2.0f, r);
                     DrawSampleShape(layer, n, 2.0f, cx, r);
                     AddDimple(layer, cx, 1.0f, r, cx);

@@ -85,18 +85,18 @@ void BaseColor(const FZLayer& layer, std::int32_t x, std::int32_t y, float rgb[3
         layer.material.color.GetFloats(rgb);
 }
 
-int EnsureShadedImage(FZLayer& layer)
+FZResult EnsureShadedImage(FZLayer& layer)
 {
     FZImage* image = layer.shaded;
     if (image != nullptr && image->width == layer.width && image->height == layer.height
         && image->bytesPerPixel == 3 && image->data != nullptr)
-        return 0;
+        return FZResult::Ok;
     delete image;
     layer.shaded = new (std::nothrow) FZImage;
     if (layer.shaded == nullptr)
-        return -2;
-    const int result = layer.shaded->Create(layer.width, layer.height, 3, 0);
-    if (result != 0) {
+        return FZResult::OutOfMemory;
+    const FZResult result = layer.shaded->Create(layer.width, layer.height, 3, 0);
+    if (result != FZResult::Ok) {
         delete layer.shaded;
         layer.shaded = nullptr;
     }
@@ -559,13 +559,13 @@ bool AnyCovered(const FZLayer& layer)
 
 } // namespace
 
-int ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLight>* lights)
+FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLight>* lights)
 {
     // A layer without its rows (a copy not yet prepared) has nothing to shade.
     if (layer.width < 1 || layer.height < 1 || !HasSurface(layer))
-        return -11;
-    const int imageResult = EnsureShadedImage(layer);
-    if (imageResult != 0)
+        return FZResult::Ok;
+    const FZResult imageResult = EnsureShadedImage(layer);
+    if (imageResult != FZResult::Ok)
         return imageResult;
     // A NaN strength counts as no highlight, in every pass.
     const bool highlight = layer.material.highlightStrength > 0.0f;
@@ -573,7 +573,7 @@ int ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLi
     if (highlight && layer.highlight == nullptr) {
         layer.highlight = FZNewRows<float>(layer.width, layer.height);
         if (layer.highlight == nullptr)
-            return -2;
+            return FZResult::OutOfMemory;
     }
 
     ShadingPass pass{layer, view, lights};
@@ -582,7 +582,7 @@ int ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLi
         HoistLights(pass, highlight);
     ParallelRows(0, layer.height, [&pass](std::int32_t y) { ShadeDiffuseRow(pass, y); });
     if (!highlight)
-        return 0;
+        return FZResult::Ok;
     // The groove noise table is filled by the first anisotropic highlight of
     // the module's life; it happens here, on this thread, when the rows below
     // would be the first.
@@ -597,7 +597,7 @@ int ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLi
     if (pass.frames != nullptr)
         FacetFrames().Release();
     ParallelRows(0, layer.height, [&pass](std::int32_t y) { ApplyHighlightRow(pass, y); });
-    return 0;
+    return FZResult::Ok;
 }
 
 void DiffuseTerm(const FZAttributeEx& material, const FZPackedVector& normal, const FZPackedVector& lightDir,

@@ -6,10 +6,11 @@
 
 // Shades the layer with the view direction and the lights (may be null: no
 // lights) into its shaded colour image, and its highlight map when the
-// highlight strength is above 0. 0; -11 for an empty layer or one without
-// coverage, depth or normal rows; -2 (before any pixel is written) when the
-// image or the map cannot be had. A failed map leaves none behind.
-int ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLight>* lights);
+// highlight strength is above 0. An empty layer, or one without coverage,
+// depth or normal rows, has nothing to shade. OutOfMemory (before any pixel
+// is written) when the image or the map cannot be had; a failed map leaves
+// none behind.
+FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLight>* lights);
 
 void DiffuseTerm(const FZAttributeEx& material, const FZPackedVector& normal,
                  const FZPackedVector& lightDir, const float lightColor[3], float out[3]);

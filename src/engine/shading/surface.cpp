@@ -144,12 +144,12 @@ void EstimateRowNormals(FZLayer& layer, std::int32_t y, std::int32_t x0, std::in
 
 }  // namespace
 
-int PrepareSurface(FZLayer& layer)
+FZResult PrepareSurface(FZLayer& layer)
 {
     return PrepareSurface(layer, WholeLayer(layer));
 }
 
-int PrepareSurface(FZLayer& layer, const FZRect& rect)
+FZResult PrepareSurface(FZLayer& layer, const FZRect& rect)
 {
     FZRect bounds;
     if (CoverageBounds(layer, bounds)) {
@@ -159,12 +159,13 @@ int PrepareSurface(FZLayer& layer, const FZRect& rect)
         layer.boundsY1 = bounds.y1;
         float minimum = 0.0f;
         float maximum = 0.0f;
-        DepthRange(layer, WholeLayer(layer), minimum, maximum);
+        // Over the whole layer the range cannot miss it.
+        (void)DepthRange(layer, WholeLayer(layer), minimum, maximum);
         // Covered depths that are all NaN leave the start value 1e10 as the
         // minimum; shifting by it would only turn NaN into NaN.
         if (std::isfinite(minimum))
             OffsetDepth(layer, -minimum, 0);
-        DepthRange(layer, WholeLayer(layer), minimum, maximum);
+        (void)DepthRange(layer, WholeLayer(layer), minimum, maximum);
         layer.depthMin = minimum;
         layer.depthMax = maximum;
     } else {
@@ -196,15 +197,15 @@ bool CoverageBounds(const FZLayer& layer, FZRect& bounds)
     return !bounds.IsEmpty();
 }
 
-int DepthRange(const FZLayer& layer, const FZRect& rect, float& minimum, float& maximum)
+FZResult DepthRange(const FZLayer& layer, const FZRect& rect, float& minimum, float& maximum)
 {
     FZRect r = rect;
     if (!r.ClipTo(0, 0, layer.width - 1, layer.height - 1))
-        return -4;
+        return FZResult::BadParameter;
     minimum = 1e10f;
     maximum = -1e10f;
     if (!HasHeightField(layer))
-        return 0;
+        return FZResult::Ok;
     for (std::int32_t y = r.y0; y <= r.y1; ++y) {
         for (std::int32_t x = r.x0; x <= r.x1; ++x) {
             if (layer.coverage[y][x] == 0)
@@ -216,7 +217,7 @@ int DepthRange(const FZLayer& layer, const FZRect& rect, float& minimum, float& 
                 maximum = z;
         }
     }
-    return 0;
+    return FZResult::Ok;
 }
 
 void OffsetDepth(FZLayer& layer, float value, int weighted)
@@ -234,17 +235,17 @@ void OffsetDepth(FZLayer& layer, float value, int weighted)
     }
 }
 
-int EstimateNormals(FZLayer& layer, const FZRect& rect)
+FZResult EstimateNormals(FZLayer& layer, const FZRect& rect)
 {
     if (layer.normals == nullptr) {
         layer.normals = FZNewRows<FZPackedVector>(layer.width, layer.height);
         if (layer.normals == nullptr)
-            return -2;
+            return FZResult::OutOfMemory;
     }
     FZRect r = rect;
     if (!HasHeightField(layer) || !r.ClipTo(0, 0, layer.width - 1, layer.height - 1))
-        return 0;
+        return FZResult::Ok;
     // Normals are written, depths and coverage only read: rows are independent.
     ParallelRows(r.y0, r.y1 + 1, [&](std::int32_t y) { EstimateRowNormals(layer, y, r.x0, r.x1); });
-    return 0;
+    return FZResult::Ok;
 }

@@ -6,17 +6,17 @@
 #include "engine/scene.h"
 
 // Bounds and depth over the whole layer, normals over the whole layer.
-int PrepareSurface(FZLayer& layer);
+FZResult PrepareSurface(FZLayer& layer);
 // Bounds and depth over the whole layer, normals inside rect only.
-// 0, or -2 when the normal rows cannot be allocated.
-int PrepareSurface(FZLayer& layer, const FZRect& rect);
+// OutOfMemory when the normal rows cannot be allocated.
+FZResult PrepareSurface(FZLayer& layer, const FZRect& rect);
 // Bounding rectangle of the covered pixels; false when none is covered.
 bool CoverageBounds(const FZLayer& layer, FZRect& bounds);
-// Range of the covered depths inside rect; -4 when rect misses the layer.
-int DepthRange(const FZLayer& layer, const FZRect& rect, float& minimum, float& maximum);
+// Range of the covered depths inside rect; BadParameter when rect misses the layer.
+FZResult DepthRange(const FZLayer& layer, const FZRect& rect, float& minimum, float& maximum);
 // Adds value (times coverage / 255 when weighted) to every covered depth.
 void OffsetDepth(FZLayer& layer, float value, int weighted);
-// Sobel normals for the covered pixels of rect; 0 or -2.
-int EstimateNormals(FZLayer& layer, const FZRect& rect);
+// Sobel normals for the covered pixels of rect; Ok or OutOfMemory.
+FZResult EstimateNormals(FZLayer& layer, const FZRect& rect);
 
 #endif

@@ -19,9 +19,9 @@ public:
     static int& RandomFamily(CDlgAttribute& d) { return d.randomFamily; }
     static FZAttributeEx& Record(CDlgAttribute& d) { return d.attribute; }
     static CPreviewPanel& Preview(CDlgAttribute& d) { return *d.preview; }
-    static int LoadFile(CDlgAttribute& d, const QString& path) { return d.LoadFile(path); }
-    static int SaveFile(CDlgAttribute& d, const QString& path) { return d.SaveFile(path); }
-    static void ShowResult(CDlgAttribute& d, int code) { d.ShowResult(code); }
+    static FZResult LoadFile(CDlgAttribute& d, const QString& path) { return d.LoadFile(path); }
+    static FZResult SaveFile(CDlgAttribute& d, const QString& path) { return d.SaveFile(path); }
+    static void ShowResult(CDlgAttribute& d, FZResult code) { d.ShowResult(code); }
     static void OnContextMenu(CDlgAttribute& d, const QPoint& p) { d.OnContextMenu(p); }
     static void OnButtonColorRandom(CDlgAttribute& d) { d.OnButtonColorRandom(); }
     static void ReDraw(CDlgAttribute& d) { d.ReDraw(); }

@@ -1,8 +1,10 @@
 #include "engine/support/shading_fixture.h"
 
+#include <gtest/gtest.h>
+
 void MakeShadingLayer(FZLayer& layer, int w, int h, float nx, float ny, float nz)
 {
-    layer.Create(0, 0, w, h, 0.0f);
+    EXPECT_EQ(layer.Create(0, 0, w, h, 0.0f), FZResult::Ok);
     layer.FillDepth(0.0f);
     layer.SetColorSource(0);
     for (int y = 0; y < h; ++y)
