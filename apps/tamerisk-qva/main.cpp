@@ -34,10 +34,12 @@ constexpr const char* kDescription =
     "\n"
     "On failure the exit status is 1 and the first line on standard error is\n"
     "\"error <code>: <message>\". The codes: -4 a wrong command line or a\n"
-    "wrong value in the JSON, -5 a file that cannot be opened, -6 a file that\n"
-    "ends too early, -7 a file that cannot be written, -8 neither an attribute\n"
-    "file nor JSON, -9 an attribute file newer than version 10, -10 a JSON\n"
-    "file over 1 MiB.";
+    "wrong value in the JSON, -5 a file that cannot be opened or a\n"
+    "write-protected one, -6 a file that ends too early, -7 a file that\n"
+    "cannot be written (the reason follows the file name), -8 neither an\n"
+    "attribute file nor JSON, -9 an attribute file newer than version 10,\n"
+    "-10 a JSON file over 1 MiB. A file that cannot be written is left as it\n"
+    "was.";
 
 int Fail(FZResult code, const QString& message)
 {

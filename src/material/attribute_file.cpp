@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "material/file_replace.h"
-#include "material/result_codes.h"
 
 namespace {
 

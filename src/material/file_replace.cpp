@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "material/result_codes.h"
 
 namespace {
 

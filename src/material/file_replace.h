@@ -15,8 +15,8 @@
 
 #include "material/result_codes.h"
 
-// The result code (material/result_codes.h) and, on failure, the system's
-// reason in words ("No space left on device").
+// Ok, or why not: the result and the system's reason in words ("No space
+// left on device").
 struct FileWriteResult {
     FZResult code = FZResult::Ok;
     std::string reason;
