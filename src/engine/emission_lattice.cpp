@@ -170,18 +170,22 @@ std::atomic<SplatCentreFunction>& Kernel()
 // lattice columns and l lattice rows away from the point it lights: its
 // offsets are 5 k and 5 l exactly, so the float distance, the radius test
 // and the square root depend on k and l alone and are made once here for
-// all centres. Most block centres of an evenly lit emitter sit there.
+// all centres. Most block centres of an evenly lit emitter sit there. Each
+// row holds k from -(columns - 1) to columns - 1, so that a centre's terms
+// along a lattice row are read in the order of the points.
 struct FallTable {
-    std::int32_t columns = 0;              // k from 0 to columns - 1
+    std::int32_t columns = 0;
+    std::int32_t width = 0;                // 2 columns - 1
     std::vector<double> fall;              // row l, column k: sqrt(d2) - r
-    std::vector<std::int32_t> reach;       // row l: the largest k within r, or -1
+    std::vector<std::int32_t> reach;       // row l: the largest |k| within r, or -1
 
     // False when its memory cannot be had (then every centre takes the
     // plain way).
     bool Make(std::int32_t rows, std::int32_t cols, double r)
     {
+        width = 2 * cols - 1;
         try {
-            fall.assign(static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols), 0.0);
+            fall.assign(static_cast<std::size_t>(rows) * static_cast<std::size_t>(width), 0.0);
             reach.assign(static_cast<std::size_t>(rows), -1);
         } catch (const std::bad_alloc&) {
             fall.clear();
@@ -191,7 +195,7 @@ struct FallTable {
         columns = cols;
         for (std::int32_t l = 0; l < rows; ++l) {
             const double dy = 5.0 * l;
-            double* row = &fall[static_cast<std::size_t>(l) * cols];
+            double* middle = &fall[static_cast<std::size_t>(l) * width + (cols - 1)];
             for (std::int32_t k = 0; k < cols; ++k) {
                 const double dx = 5.0 * k;
                 const float dist2 = static_cast<float>(dx * dx + dy * dy);
@@ -199,13 +203,19 @@ struct FallTable {
                 // the first one beyond.
                 if (!(dist2 <= r * r))
                     break;
-                row[k] = std::sqrt(static_cast<double>(dist2)) - r;
+                middle[k] = middle[-k] = std::sqrt(static_cast<double>(dist2)) - r;
                 reach[l] = k;
             }
         }
         return true;
     }
     bool Ready() const { return !reach.empty(); }
+    // Row l as seen from a centre in lattice column jc: entry j is the
+    // falloff (or the whole term) at lattice column j.
+    const double* RowFrom(const std::vector<double>& table, std::int32_t l, std::int32_t jc) const
+    {
+        return table.data() + static_cast<std::size_t>(l) * width + (columns - 1) - jc;
+    }
 
     // The whole terms w k x fall x fall for the light wk that most centres
     // share (every evenly lit block has the same), so that those centres
@@ -241,16 +251,13 @@ std::int32_t LatticeIndexOf(double v, double v0, std::int32_t n)
 // (or, for the shared light, the whole terms: then wk is 1 and the term
 // goes in as it is).
 template <bool kWholeTerms>
-inline __attribute__((always_inline)) void SplatAlignedCentre(double wk, const double* fall, std::int32_t jc,
+inline __attribute__((always_inline)) void SplatAlignedCentre(double wk, const double* row, std::int32_t jc,
                                                               std::int32_t reach, std::int32_t columns, float* cells)
 {
-    const auto term = [wk](double f) { return kWholeTerms ? f : wk * f * f; };
     const std::int32_t first = FZMax(jc - reach, 0);
     const std::int32_t last = FZMin(jc + reach, columns - 1);
-    for (std::int32_t j = first; j < jc; ++j)
-        cells[j] = static_cast<float>(cells[j] + term(fall[jc - j]));
-    for (std::int32_t j = jc; j <= last; ++j)
-        cells[j] = static_cast<float>(cells[j] + term(fall[j - jc]));
+    for (std::int32_t j = first; j <= last; ++j)
+        cells[j] = static_cast<float>(cells[j] + (kWholeTerms ? row[j] : wk * row[j] * row[j]));
 }
 
 std::int32_t LatticeCount(std::int32_t size)
@@ -311,11 +318,12 @@ TAMERISK_LATTICE_KERNEL void SplatGroundRow(Lattice& l, SplatCentreFunction spla
         if (c.row >= 0) {
             const std::int32_t rows = row > c.row ? row - c.row : c.row - row;
             const std::int32_t reach = l.falls.reach[rows];
-            const std::size_t at = static_cast<std::size_t>(rows) * l.falls.columns;
             if (reach >= 0 && c.wk == l.falls.wk)
-                SplatAlignedCentre<true>(1.0, &l.falls.term[at], c.column, reach, l.columns, cells);
+                SplatAlignedCentre<true>(1.0, l.falls.RowFrom(l.falls.term, rows, c.column), c.column, reach,
+                                         l.columns, cells);
             else if (reach >= 0)
-                SplatAlignedCentre<false>(c.wk, &l.falls.fall[at], c.column, reach, l.columns, cells);
+                SplatAlignedCentre<false>(c.wk, l.falls.RowFrom(l.falls.fall, rows, c.column), c.column, reach,
+                                          l.columns, cells);
             continue;
         }
         std::int32_t first = 0;
