@@ -2,7 +2,7 @@
 // renderer: the default, anisotropic grooves under the smooth highlight,
 // refraction with incidence dependence and attenuation, thin glass, sky
 // reflection with rainbow gloss, and emission. The benchmarks time them and
-// the tests compare rendering paths with them.
+// the golden test pins their pictures.
 #ifndef TAMERISK_BENCH_BENCH_MATERIALS_H
 #define TAMERISK_BENCH_BENCH_MATERIALS_H
 

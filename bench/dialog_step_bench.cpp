@@ -2,8 +2,8 @@
 // repainted preview: the dialog writes the record, shades the sample,
 // renders the frame, presents it and paints, all on the offscreen platform
 // at the dialog's own preview size. Each material of the shared set runs
-// with one thread (the straightforward path) and with the parallel path
-// (every processor, or TAMERISK_THREADS threads); the "preview_px" counter
+// with one thread and with several (every processor, or TAMERISK_THREADS
+// threads), the same code either way; the "preview_px" counter
 // is the side of the square preview.
 #include <benchmark/benchmark.h>
 

@@ -2,12 +2,12 @@
 // those of TAMERISK_BENCH_SIZES): ApplyMaterial (shading of the sample layer
 // and a full render) for each material of the shared set, and
 // BuildSampleShape (drawing, surface preparation, shading and a full render)
-// for each sample shape. Each runs
-// side by side with one thread (the straightforward path) and with the
-// parallel path; its "per_pixel" counter is the time per frame pixel.
+// for each sample shape. Each runs side by side with one thread and with
+// several (the same code, so the ratio is the gain from the extra cores); its
+// "per_pixel" counter is the time per frame pixel.
 //
-// The parallel path uses every processor, or TAMERISK_THREADS threads when
-// that variable is set (a number of 2 or more).
+// The several-thread runs use every processor, or TAMERISK_THREADS threads
+// when that variable is set (a number of 2 or more).
 //
 // PeakMemory, which runs first, builds a 1024 x 1024 preview and applies
 // every material of the set: its "peak_MB" counter is the most memory the
@@ -212,7 +212,7 @@ void AddRuns(benchmark::internal::Benchmark* b)
 }
 
 const bool kRegistered = [] {
-    // First, on the parallel path only: the renderer keeps some work memory
+    // First, with several threads only: the renderer keeps some work memory
     // from frame to frame, which a later run would find already there.
     static const int parallel = ParallelThreads();
     benchmark::RegisterBenchmark("PeakMemory", PeakMemory)

@@ -23,6 +23,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <new>
 
 #include <tamerisk/attribute.h>
 
@@ -116,7 +117,7 @@ bool Render(const Options& options, CPreviewPanel& panel, const FZAttributeEx& m
         return false;
     }
     const FZScene* scene = panel.Scene();
-    if (scene == nullptr || scene->frame == nullptr || scene->frame->data == nullptr) {
+    if (scene == nullptr || scene->frame == nullptr || scene->frame->data.empty()) {
         error = QStringLiteral("the preview rendered no frame");
         return false;
     }
@@ -241,7 +242,12 @@ int main(int argc, char** argv)
     SetRenderThreads(options.threads);
 
     Progress progress(options.outputDir.isEmpty() ? 1 : static_cast<int>(options.files.size()));
-    const int status = options.outputDir.isEmpty() ? RunSingle(options, progress) : RunBatch(options, progress);
+    int status = kRunError;
+    try {
+        status = options.outputDir.isEmpty() ? RunSingle(options, progress) : RunBatch(options, progress);
+    } catch (const std::bad_alloc&) {
+        progress.Say(QString::fromUtf8(ResultMessage(FZResult::OutOfMemory)));
+    }
     if (status == kInterrupted)
         progress.Say(QStringLiteral("interrupted; the picture in progress was not written"));
     return status;

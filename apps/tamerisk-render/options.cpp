@@ -101,9 +101,8 @@ bool ParseOptions(QCommandLineParser& parser, const QStringList& arguments, Opti
                                                  "depth variation of anisotropic materials is reproducible."),
                                   QStringLiteral("S"));
     const QCommandLineOption threads(QStringLiteral("threads"),
-                                     QStringLiteral("Render with N threads: 0 (the default) for one per processor, "
-                                                    "1 for the straightforward single-threaded path. The picture "
-                                                    "is the same whatever N is."),
+                                     QStringLiteral("Render with N threads: 0 (the default) for one per processor. "
+                                                    "The picture is the same whatever N is."),
                                      QStringLiteral("N"));
     const QCommandLineOption output(QStringLiteral("output"),
                                     QStringLiteral("Image to write: .png, or .ppm (binary P6, top row first)."),

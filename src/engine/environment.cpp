@@ -1,6 +1,5 @@
 #include "engine/environment.h"
 
-#include <new>
 
 void FZRampSegment::Setup(const float rgb[3], float segStart, float segEnd, float fadeInWidth,
                           float fadeOutWidth)
@@ -34,23 +33,10 @@ bool FZRampSegment::Weight(double t, double& weight, double weighted[3]) const
     return true;
 }
 
-FZResult FZColorRamp::Allocate(std::int32_t count)
-{
-    delete[] segments;
-    segments = nullptr;
-    segmentCount = 0;
-    if (count <= 0)
-        return FZResult::Ok;
-    segments = new (std::nothrow) FZRampSegment[static_cast<std::size_t>(count)];
-    if (segments == nullptr)
-        return FZResult::OutOfMemory;
-    segmentCount = count;
-    return FZResult::Ok;
-}
-
 void FZColorRamp::Evaluate(double t, float out[3]) const
 {
     out[0] = out[1] = out[2] = 0.0f;
+    const std::int32_t segmentCount = static_cast<std::int32_t>(segments.size());
     if (segmentCount < 1)
         return;
     const FZRampSegment* pick = nullptr;
@@ -84,46 +70,31 @@ void FZColorRamp::Evaluate(double t, float out[3]) const
             out[c] = 1.0f;
 }
 
-void FZEnvironment::Release()
+void BuildSkyRamp(FZEnvironment& env)
 {
-    delete ramp;
-    ramp = nullptr;
-    rampBuilt = 0;
-}
-
-FZResult BuildSkyRamp(FZEnvironment& env)
-{
-    delete env.ramp;
-    env.ramp = new (std::nothrow) FZColorRamp;
-    if (env.ramp == nullptr || env.ramp->Allocate(2) != FZResult::Ok) {
-        env.Release();
-        return FZResult::OutOfMemory;
-    }
+    FZColorRamp& ramp = env.ramp;
+    ramp.segments.assign(2, FZRampSegment());
     const double p = env.horizon;
     const double q = env.blend;
     const float a = static_cast<float>(p - (p + 1.0) * q);
     const float b = static_cast<float>(p + (1.0 - p) * q);
     const float w = static_cast<float>(static_cast<double>(b) - a);
-    env.ramp->segments[0].Setup(env.lower, -1.0f, b, 0.0f, w);
-    env.ramp->segments[1].Setup(env.upper, a, 1.0f, w, 0.0f);
-    env.ramp->tMin = -1.0f;
-    env.ramp->tMax = 1.0f;
-    return FZResult::Ok;
+    ramp.segments[0].Setup(env.lower, -1.0f, b, 0.0f, w);
+    ramp.segments[1].Setup(env.upper, a, 1.0f, w, 0.0f);
+    ramp.tMin = -1.0f;
+    ramp.tMax = 1.0f;
+    env.rampBuilt = 1;
 }
 
-FZResult LookupEnvironment(FZEnvironment& env, const FZRay& ray, float colour[3])
+void LookupEnvironment(FZEnvironment& env, const FZRay& ray, float colour[3])
 {
-    if (env.mode == 1 && !env.rampBuilt) {
-        if (BuildSkyRamp(env) != FZResult::Ok)
-            return FZResult::OutOfMemory;
-        env.rampBuilt = 1;
-    }
+    if (env.mode == 1 && !env.rampBuilt)
+        BuildSkyRamp(env);
     colour[0] = colour[1] = colour[2] = 0.0f;
-    if (env.mode == 0 || env.ramp == nullptr)
-        return FZResult::Ok;
+    if (env.mode == 0 || !env.rampBuilt)
+        return;
     const double t = ray.direction.Elevation(1);
-    env.ramp->Evaluate(t, colour);
+    env.ramp.Evaluate(t, colour);
     for (int c = 0; c < 3; ++c)
         colour[c] = static_cast<float>(static_cast<double>(colour[c]) * ray.weight);
-    return FZResult::Ok;
 }

@@ -5,10 +5,10 @@
 #define TAMERISK_ENGINE_ENVIRONMENT_H
 
 #include <cstdint>
+#include <vector>
 
 #include "engine/value_types.h"
 
-#include "material/result_codes.h"
 
 struct FZRampSegment {
     float color[3] = {0.0f, 0.0f, 0.0f};
@@ -33,17 +33,8 @@ class FZColorRamp {
 public:
     float tMin = 0.0f;
     float tMax = 0.0f;
-    std::int32_t segmentCount = 0;
-    FZRampSegment* segments = nullptr;
-    float warp = 0.0f;
+    std::vector<FZRampSegment> segments;
 
-    FZColorRamp() = default;
-    ~FZColorRamp() { delete[] segments; }
-    FZColorRamp(const FZColorRamp&) = delete;
-    FZColorRamp& operator=(const FZColorRamp&) = delete;
-
-    // Replaces the segments by count default segments; -2 if out of memory.
-    FZResult Allocate(std::int32_t count);
     void Evaluate(double t, float out[3]) const;
 };
 
@@ -56,31 +47,21 @@ struct FZRay {
 class FZEnvironment {
 public:
     std::int32_t mode = 1;            // 0 off, 1 sky gradient
-    float sphereSize = 2.0f;          // the preview sets 0: infinitely distant
     float lower[3] = {1.0f, 1.0f, 1.0f};
     float upper[3] = {0.2f, 0.6f, 1.0f};
-    std::int32_t axis = 1;            // the gradient runs along y
     float horizon = 0.0f;             // p, in [-1, 1]
     float blend = 0.1f;               // q, width share of the horizon band
     std::int32_t rampBuilt = 0;
-    FZColorRamp* ramp = nullptr;
-
-    FZEnvironment() = default;
-    ~FZEnvironment() { Release(); }
-    FZEnvironment(const FZEnvironment&) = delete;
-    FZEnvironment& operator=(const FZEnvironment&) = delete;
+    FZColorRamp ramp;
 
     bool IsOn() const { return mode != 0; }
-    // Frees the ramp and clears the built flag.
-    void Release();
 };
 
-// Builds the two-segment sky ramp from the horizon and blend; -2 when the
-// ramp cannot be allocated.
-FZResult BuildSkyRamp(FZEnvironment& env);
+// Builds the two-segment sky ramp from the horizon and blend.
+void BuildSkyRamp(FZEnvironment& env);
 
 // The sky colour along the ray's direction times its weight. Builds the ramp
-// on first use (-2 if that fails). Mode 0 gives black.
-FZResult LookupEnvironment(FZEnvironment& env, const FZRay& ray, float colour[3]);
+// on first use. Mode 0 gives black.
+void LookupEnvironment(FZEnvironment& env, const FZRay& ray, float colour[3]);
 
 #endif

@@ -3,9 +3,8 @@
 // ParallelRows, which splits them into contiguous chunks and runs the chunks
 // on the pool's threads and the caller's.
 //
-// The thread count decides the path the renderer takes. With one thread it
-// runs its straightforward single-threaded code, pixel by pixel in row order;
-// with more it takes the parallel path, whose results are the same bytes.
+// The thread count decides only how many cores run the renderer: every count
+// runs the same code and gives the same bytes.
 #ifndef TAMERISK_ENGINE_PARALLEL_H
 #define TAMERISK_ENGINE_PARALLEL_H
 
@@ -13,15 +12,13 @@
 #include <memory>
 #include <type_traits>
 
-// 0 (the default): one thread per processor; 1: the straightforward path;
-// N: N threads. Negative counts are taken as 0. Takes effect at the next
+// 0 (the default): one thread per processor; N: N threads (1: all on the
+// calling thread). Negative counts are taken as 0. Takes effect at the next
 // pass; never call it while a pass runs on another thread.
 void SetRenderThreads(int count);
 // The count in force: the setting, with 0 resolved to the number of
 // processors (at least 1).
 int RenderThreads();
-// Whether the renderer takes its parallel path (more than one thread).
-inline bool ParallelRendering() { return RenderThreads() > 1; }
 
 // A chunk of rows [first, last) to work on; context is the caller's.
 using FZRowChunkFunction = void (*)(void* context, std::int32_t first, std::int32_t last);

@@ -4,12 +4,12 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <new>
 #include <vector>
 
 #include "engine/emission_lattice.h"
 #include "engine/fz_math.h"
 #include "engine/parallel.h"
+#include "engine/pixel.h"
 #include "engine/scratch.h"
 #include "engine/shading/lighting.h"
 #include "engine/shading/surface.h"
@@ -46,33 +46,22 @@ bool ClipToImage(const FZScene& scene, const FZImage& image, FZRect& rect)
 {
     const std::int32_t w = FZMin(scene.width, image.width);
     const std::int32_t h = FZMin(scene.height, image.height);
-    return image.data != nullptr && rect.ClipTo(0, 0, w - 1, h - 1);
+    return !image.data.empty() && rect.ClipTo(0, 0, w - 1, h - 1);
 }
 
 // Makes sure the scene owns an image of its frame size (24-bit, no
 // palette); an image of another size or without pixels is made again.
-FZResult EnsureFrameSizedImage(const FZScene& scene, FZImage*& image)
+FZResult EnsureFrameSizedImage(const FZScene& scene, std::unique_ptr<FZImage>& image)
 {
-    if (image != nullptr && image->data != nullptr && image->width == scene.width
+    if (image != nullptr && !image->data.empty() && image->width == scene.width
         && image->height == scene.height)
         return FZResult::Ok;
-    if (image == nullptr) {
-        image = new (std::nothrow) FZImage;
-        if (image == nullptr)
-            return FZResult::OutOfMemory;
-    }
-    const FZResult result = image->Create(scene.width, scene.height, 3, 0);
-    if (result != FZResult::Ok) {
-        delete image;
-        image = nullptr;
-    }
+    if (image == nullptr)
+        image = std::make_unique<FZImage>();
+    const FZResult result = image->Create(scene.width, scene.height, 3);
+    if (result != FZResult::Ok)
+        image.reset();
     return result;
-}
-
-// A byte as a colour float, b / 255.
-float ByteValue(std::uint8_t b)
-{
-    return static_cast<float>(b / 255.0);
 }
 
 // Colour (R, G, B floats) of an image pixel, stored blue, green, red; from
@@ -82,7 +71,7 @@ inline void ReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, floa
 {
     const std::uint8_t* p = image.PixelAddress(x, y);
     for (int c = 0; c < 3; ++c)
-        rgb[c] = values != nullptr ? values[p[2 - c]] : ByteValue(p[2 - c]);
+        rgb[c] = values != nullptr ? values[p[2 - c]] : FZByteToFloat(p[2 - c]);
 }
 
 void SampleBox(const FZScene& scene, double sx, double sy, float out[3], const float* values);
@@ -115,7 +104,7 @@ void CopyRect(const FZImage& from, FZImage& to, const FZRect& rect)
                  [&](std::int32_t y) { std::memcpy(to.PixelAddress(rect.x0, y), from.PixelAddress(rect.x0, y), bytes); });
 }
 
-// What the parallel path works out once for a layer: a fully covered pixel
+// What is worked out once for a layer: a fully covered pixel
 // that neither reflects nor refracts shows its shaded bytes through a table,
 // and the attenuation factor of the transparency.
 struct ComposeShortcuts {
@@ -134,16 +123,15 @@ struct LayerPass {
     bool reflects;
     bool refracts;
     float eta;
-    const ComposeShortcuts* shortcuts = nullptr;  // the parallel path's
+    ComposeShortcuts shortcuts;
 };
 
-// The parallel path's memory along a row: neighbouring pixels often share
+// The memory along a row: neighbouring pixels often share
 // their normal, and the sky a normal reflects and the direction it
 // refracts the view into depend on the normal alone.
 struct NormalMemo {
     FZPackedVector skyNormal;
     bool hasSky = false;
-    bool skyFound = false;
     float sky[3] = {0.0f, 0.0f, 0.0f};
     FZPackedVector refractNormal;
     bool hasRefraction = false;
@@ -157,23 +145,21 @@ bool SameVector(const FZPackedVector& a, const FZPackedVector& b)
 }
 
 // The view refracted at normal n; false on total internal reflection.
-bool RefractedDirection(const LayerPass& pass, const FZPackedVector& n, NormalMemo* memo, FZPackedVector& r)
+bool RefractedDirection(const LayerPass& pass, const FZPackedVector& n, NormalMemo& memo, FZPackedVector& r)
 {
-    if (memo == nullptr)
-        return FZPackedVector::Refract(r, ViewDirection(), n, pass.eta);
-    if (!memo->hasRefraction || !SameVector(memo->refractNormal, n)) {
-        memo->refracted = FZPackedVector::Refract(memo->refractedDirection, ViewDirection(), n, pass.eta);
-        memo->refractNormal = n;
-        memo->hasRefraction = true;
+    if (!memo.hasRefraction || !SameVector(memo.refractNormal, n)) {
+        memo.refracted = FZPackedVector::Refract(memo.refractedDirection, ViewDirection(), n, pass.eta);
+        memo.refractNormal = n;
+        memo.hasRefraction = true;
     }
-    r = memo->refractedDirection;
-    return memo->refracted;
+    r = memo.refractedDirection;
+    return memo.refracted;
 }
 
 // Where the refracted ray meets the plane z = 0; false when it never does
 // (total internal reflection, a ray parallel to the plane).
 bool RefractedPoint(const LayerPass& pass, std::int32_t x, std::int32_t y, std::int32_t lx,
-                    std::int32_t ly, float d, const FZPackedVector& n, NormalMemo* memo, float& sx, float& sy)
+                    std::int32_t ly, float d, const FZPackedVector& n, NormalMemo& memo, float& sx, float& sy)
 {
     const FZPackedVector view = ViewDirection();
     FZPackedVector r;
@@ -218,25 +204,25 @@ bool RefractedPoint(const LayerPass& pass, std::int32_t x, std::int32_t y, std::
 // the refracted ray meets the plane z = 0; the background where refraction
 // fails.
 void RefractedColour(const LayerPass& pass, std::int32_t x, std::int32_t y, std::int32_t lx,
-                     std::int32_t ly, float d, const FZPackedVector& n, NormalMemo* memo, float out[3])
+                     std::int32_t ly, float d, const FZPackedVector& n, NormalMemo& memo, float out[3])
 {
     float sx = 0.0f;
     float sy = 0.0f;
     if (RefractedPoint(pass, x, y, lx, ly, d, n, memo, sx, sy))
-        SampleBox(pass.scene, sx, sy, out, pass.shortcuts != nullptr ? pass.shortcuts->byteValues : nullptr);
+        SampleBox(pass.scene, sx, sy, out, pass.shortcuts.byteValues);
     else
         CopyBackground(pass.scene, out);
 }
 
 // The sky reflected at pixel (x, y) along its normal n, weighted by how
-// squarely n faces the viewer; false when the sky cannot be built.
-bool ReflectedSky(const LayerPass& pass, std::int32_t x, std::int32_t y, float d, const FZPackedVector& n,
-                  NormalMemo* memo, float sky[3])
+// squarely n faces the viewer.
+void ReflectedSky(const LayerPass& pass, std::int32_t x, std::int32_t y, float d, const FZPackedVector& n,
+                  NormalMemo& memo, float sky[3])
 {
-    if (memo != nullptr && memo->hasSky && SameVector(memo->skyNormal, n)) {
+    if (memo.hasSky && SameVector(memo.skyNormal, n)) {
         for (int c = 0; c < 3; ++c)
-            sky[c] = memo->sky[c];
-        return memo->skyFound;
+            sky[c] = memo.sky[c];
+        return;
     }
     const double facing = -FZPackedVector::Dot(ViewDirection(), n);
     FZRay ray;
@@ -245,15 +231,11 @@ bool ReflectedSky(const LayerPass& pass, std::int32_t x, std::int32_t y, float d
     ray.origin[2] = static_cast<float>(static_cast<double>(d) + pass.bias);
     ray.direction = n;
     ray.weight = static_cast<float>(pass.material.reflection * FZMax(0.0, facing));
-    const bool found = LookupEnvironment(pass.scene.environment, ray, sky) == FZResult::Ok;
-    if (memo != nullptr) {
-        memo->skyNormal = n;
-        memo->hasSky = true;
-        memo->skyFound = found;
-        for (int c = 0; c < 3; ++c)
-            memo->sky[c] = sky[c];
-    }
-    return found;
+    LookupEnvironment(pass.scene.environment, ray, sky);
+    memo.skyNormal = n;
+    memo.hasSky = true;
+    for (int c = 0; c < 3; ++c)
+        memo.sky[c] = sky[c];
 }
 
 // One channel of a composited pixel: shade x a, plus what shows through and
@@ -265,12 +247,12 @@ std::uint8_t CompositeByte(float shade, float a, float through, float under)
     float out = static_cast<float>(static_cast<double>(s) + through + under);
     if (out > 1.0f)
         out = 1.0f;
-    return static_cast<std::uint8_t>(FZTruncateClamped(static_cast<double>(out) * 255.0, 0, 255));
+    return FZFloatToByte(out);
 }
 
 // Composites one covered layer pixel (lx, ly) over frame pixel (x, y).
 void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t x,
-                  std::int32_t y, std::int32_t lx, std::int32_t ly, NormalMemo* memo = nullptr)
+                  std::int32_t y, std::int32_t lx, std::int32_t ly, NormalMemo& memo)
 {
     const float a = static_cast<float>(pass.layer.coverage[ly][lx] / 255.0);
     if (!(a > 0.0f))
@@ -278,22 +260,18 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
     const float d = pass.layer.depth[ly][lx];
     FZPackedVector n;  // an unprepared layer is taken as facing the viewer
     n.z = 30000;
-    if (pass.layer.normals != nullptr)
+    if (!pass.layer.normals.empty())
         n = pass.layer.normals[ly][lx];
 
     float shade[3];
     float t = 0.0f;
-    if (pass.shortcuts != nullptr)
-        LookupShade(pass.layer, lx, ly, shade, t, pass.shortcuts->attenuation);
-    else
-        LookupShade(pass.layer, lx, ly, shade, t);
+    LookupShade(pass.layer, lx, ly, shade, t, pass.shortcuts.attenuation);
 
     if (pass.reflects) {
         float sky[3] = {0.0f, 0.0f, 0.0f};
-        // A sky that cannot be built reflects nothing.
-        if (ReflectedSky(pass, x, y, d, n, memo, sky))
-            for (int c = 0; c < 3; ++c)
-                shade[c] = static_cast<float>(static_cast<double>(shade[c]) + sky[c]);
+        ReflectedSky(pass, x, y, d, n, memo, sky);
+        for (int c = 0; c < 3; ++c)
+            shade[c] = static_cast<float>(static_cast<double>(shade[c]) + sky[c]);
     }
 
     float through[3] = {0.0f, 0.0f, 0.0f};
@@ -306,7 +284,7 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
     float under[3] = {0.0f, 0.0f, 0.0f};
     const float uncovered = static_cast<float>(1.0 - a);
     if (uncovered != 0.0f) {
-        ReadPixel(behind, x, y, under, pass.shortcuts != nullptr ? pass.shortcuts->byteValues : nullptr);
+        ReadPixel(behind, x, y, under, pass.shortcuts.byteValues);
         for (int c = 0; c < 3; ++c)
             under[c] = static_cast<float>(static_cast<double>(under[c]) * uncovered);
     }
@@ -317,15 +295,20 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
         p[2 - c] = CompositeByte(shade[c], a, through[c], under[c]);
 }
 
-// The parallel path's row: a fully covered pixel that neither reflects nor
-// refracts takes its bytes from the table (what the pixel steps give for a
-// = 1 and nothing through or around); every other pixel goes through the
-// pixel steps with the row's memory of normals.
-void ComposeRowWithShortcuts(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t y,
-                             std::int32_t first, std::int32_t last, std::int32_t ly)
+// Composites one frame row of the layer, columns x0 to x1. Rows are
+// independent of each other: each reads the behind image and writes only its
+// own frame row. A fully covered pixel that neither reflects nor refracts
+// takes its bytes from the table (what the pixel steps give for a = 1 and
+// nothing through or around); every other pixel goes through the pixel
+// steps with the row's memory of normals.
+void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t y,
+                std::int32_t x0, std::int32_t x1)
 {
+    const std::int32_t ly = ClampToInt32(std::int64_t{y} - pass.layer.y);
+    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, pass.layer.x));
+    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{pass.layer.x} + pass.layer.width - 1));
     NormalMemo memo;
-    const ComposeShortcuts& shortcuts = *pass.shortcuts;
+    const ComposeShortcuts& shortcuts = pass.shortcuts;
     const std::uint8_t* coverage = pass.layer.coverage[ly];
     const std::uint8_t* shaded = shortcuts.opaqueTable ? pass.layer.shaded->PixelAddress(0, ly) : nullptr;
     std::uint8_t* out = frame.PixelAddress(0, y);
@@ -342,36 +325,19 @@ void ComposeRowWithShortcuts(const LayerPass& pass, const FZImage& behind, FZIma
             to[2] = shortcuts.table[from[2]];
             continue;
         }
-        ComposePixel(pass, behind, frame, x, y, lx, ly, &memo);
+        ComposePixel(pass, behind, frame, x, y, lx, ly, memo);
     }
 }
 
-// Composites one frame row of the layer, columns x0 to x1. Rows are
-// independent of each other: each reads the behind image and writes only its
-// own frame row.
-void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t y,
-                std::int32_t x0, std::int32_t x1)
-{
-    const std::int32_t ly = ClampToInt32(std::int64_t{y} - pass.layer.y);
-    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, pass.layer.x));
-    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{pass.layer.x} + pass.layer.width - 1));
-    if (pass.shortcuts != nullptr) {
-        ComposeRowWithShortcuts(pass, behind, frame, y, first, last, ly);
-        return;
-    }
-    for (std::int32_t x = first; x <= last; ++x)
-        ComposePixel(pass, behind, frame, x, y, x - pass.layer.x, ly);
-}
-
-// The parallel path's shortcuts for the layer. The table holds the pixel
+// The shortcuts for the layer. The table holds the pixel
 // steps' bytes for a full coverage, a shade byte b (read as LookupShade
 // reads it) and nothing through or around; it serves only where the layer
 // neither reflects nor refracts and its shaded image covers the layer.
 void SetUpShortcuts(const LayerPass& pass, ComposeShortcuts& shortcuts)
 {
     const FZLayer& layer = pass.layer;
-    const FZImage* shaded = layer.shaded;
-    shortcuts.opaqueTable = !pass.reflects && !pass.refracts && shaded != nullptr && shaded->data != nullptr
+    const FZImage* shaded = layer.shaded.get();
+    shortcuts.opaqueTable = !pass.reflects && !pass.refracts && shaded != nullptr && !shaded->data.empty()
                             && shaded->bytesPerPixel == 3 && shaded->width >= layer.width
                             && shaded->height >= layer.height;
     struct Tables {
@@ -381,8 +347,8 @@ void SetUpShortcuts(const LayerPass& pass, ComposeShortcuts& shortcuts)
     static const Tables tables = [] {
         Tables t;
         for (int b = 0; b < 256; ++b) {
-            t.opaque[b] = CompositeByte(static_cast<float>(b * 1.0 / 255.0), 1.0f, 0.0f, 0.0f);
-            t.values[b] = ByteValue(static_cast<std::uint8_t>(b));
+            t.opaque[b] = CompositeByte(FZByteToFloat(static_cast<std::uint8_t>(b)), 1.0f, 0.0f, 0.0f);
+            t.values[b] = FZByteToFloat(static_cast<std::uint8_t>(b));
         }
         return t;
     }();
@@ -406,16 +372,12 @@ bool CoversAny(const FZLayer& layer, std::int32_t y0, std::int32_t y1, const FZR
 
 // The sky builds its ramp at its first lookup. The rows of a reflecting
 // layer look it up from several threads at once, so when the layer will
-// look it up, the first lookup happens here; false when the ramp cannot be
-// built (then nothing is reflected, as when every lookup fails).
-bool PrepareSky(const LayerPass& pass, std::int32_t y0, std::int32_t y1, const FZRect& rect)
+// look it up, the first lookup happens here.
+void PrepareSky(const LayerPass& pass, std::int32_t y0, std::int32_t y1, const FZRect& rect)
 {
     FZEnvironment& env = pass.scene.environment;
-    if (env.mode != 1 || env.rampBuilt || !CoversAny(pass.layer, y0, y1, rect))
-        return true;
-    FZRay ray;
-    float sky[3];
-    return LookupEnvironment(env, ray, sky) == FZResult::Ok;
+    if (env.mode == 1 && !env.rampBuilt && CoversAny(pass.layer, y0, y1, rect))
+        BuildSkyRamp(env);
 }
 
 // Composites the layer over the frame inside rect, which lies in the frame.
@@ -430,22 +392,19 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
                          index == 0 ? scene.groundDepth : scene.layerDepth,
                          m.reflection > 0.0f && scene.environment.IsOn(),
                          m.transparency > 0.0f,
-                         eta};
+                         eta,
+                         {}};
     CopyRect(frame, *scene.behind, rect);
-    if (layer.coverage == nullptr || layer.depth == nullptr)
+    if (layer.coverage.empty() || layer.depth.empty())
         return;
     const std::int64_t top = std::int64_t{layer.y} + layer.height - 1;
     const std::int32_t y0 = ClampToInt32(FZMax<std::int64_t>(rect.y0, layer.y));
     const std::int32_t y1 = ClampToInt32(FZMin<std::int64_t>(rect.y1, top));
     if (y0 > y1)
         return;
-    ComposeShortcuts shortcuts;
-    if (ParallelRendering()) {
-        if (pass.reflects && !PrepareSky(pass, y0, y1, rect))
-            pass.reflects = false;
-        SetUpShortcuts(pass, shortcuts);
-        pass.shortcuts = &shortcuts;
-    }
+    if (pass.reflects)
+        PrepareSky(pass, y0, y1, rect);
+    SetUpShortcuts(pass, pass.shortcuts);
     ParallelRows(y0, y1 + 1, [&](std::int32_t y) { ComposeRow(pass, *scene.behind, frame, y, rect.x0, rect.x1); });
 }
 
@@ -493,7 +452,7 @@ FZLightGrid LightGridOf(const Grid& grid)
 // each cell keeps 1 - a + a x transparency of its light.
 void DimEmissionRow(const FZLayer* front, const FZRect& renderRect, const FZRect& rect, std::int32_t y, float* row)
 {
-    if (front == nullptr || front->IsVisible() == 0 || front->coverage == nullptr)
+    if (front == nullptr || front->IsVisible() == 0 || front->coverage.empty())
         return;
     FZRect frontRect = LayerFrameRect(*front);
     if (!frontRect.Intersect(renderRect) || !frontRect.Intersect(rect) || y < frontRect.y0 || y > frontRect.y1)
@@ -587,7 +546,7 @@ FZResult AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& rende
 {
     const FZLayer& layer = *scene.LayerAt(index);
     FZRect rect = LayerFrameRect(layer);
-    if (layer.coverage == nullptr || !rect.Intersect(renderRect))
+    if (layer.coverage.empty() || !rect.Intersect(renderRect))
         return FZResult::Ok;
     // An emitter too small for its emission to reach a whole pixel has
     // radius 0: it lights nothing.
@@ -599,9 +558,8 @@ FZResult AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& rende
         return FZResult::OutOfMemory;
     GatherEmission(scene, index, renderRect, rect, m);
     g.Clear();
-    // The parallel splat needs scratch memory; without it the plain one runs.
-    if (!ParallelRendering()
-        || !SplatEmissionByGroundRows(LightGridOf(m), rect, LightGridOf(g), groundRect, radius))
+    // The splat by ground rows needs scratch memory; without it the plain one runs.
+    if (!SplatEmissionByGroundRows(LightGridOf(m), rect, LightGridOf(g), groundRect, radius))
         SplatEmission(m, rect, g, groundRect, radius);
     FZFloatGrid view(g.width, g.height, g.rows.data());
     const FZResult result = FilterSeparable(view, 10);
@@ -668,10 +626,10 @@ namespace {
 void SampleBox(const FZScene& scene, double sx, double sy, float out[3], const float* values)
 {
     CopyBackground(scene, out);
-    const FZImage* image = scene.behind;
+    const FZImage* image = scene.behind.get();
     // A ray that lands nowhere (a material's NaN or infinity) sees the
     // background, as a point far outside the frame does.
-    if (image == nullptr || image->data == nullptr || !std::isfinite(sx) || !std::isfinite(sy))
+    if (image == nullptr || image->data.empty() || !std::isfinite(sx) || !std::isfinite(sy))
         return;
     const float left = static_cast<float>(sx - 0.5);
     const float right = static_cast<float>(sx + 0.5);
@@ -765,5 +723,5 @@ FZResult ShadeLayerAt(FZScene& scene, int index)
     FZLayer* layer = scene.LayerAt(index);
     if (layer == nullptr)
         return FZResult::NoData;
-    return ShadeLayer(*layer, scene.camera.viewDirection, scene.lights);
+    return ShadeLayer(*layer, scene.camera.viewDirection, &scene.lights);
 }

@@ -1,27 +1,8 @@
 #include "engine/scene.h"
 
 #include <cstring>
-#include <new>
 
 #include "engine/fz_math.h"
-
-namespace {
-
-// A deep copy of h rows of w entries; true when there was nothing to copy.
-template <typename T>
-bool CopyRows(T**& target, T* const* source, std::int32_t w, std::int32_t h)
-{
-    if (source == nullptr)
-        return true;
-    target = FZNewRows<T>(w, h);
-    if (target == nullptr)
-        return false;
-    for (std::int32_t y = 0; y < h; ++y)
-        std::memcpy(target[y], source[y], sizeof(T) * static_cast<std::size_t>(w));
-    return true;
-}
-
-}  // namespace
 
 // ---------------------------------------------------------------- FZLight
 
@@ -33,7 +14,6 @@ void FZLight::SetDirectional(float i, const float dir[3], const float rgb[3])
     direction.SetFloats(dir, true);
     for (int c = 0; c < 3; ++c)
         color[c] = rgb[c];
-    on = 1;
 }
 
 void FZLight::Evaluate(float, float, float, float outColor[3], FZPackedVector& outDir) const
@@ -79,6 +59,11 @@ FZResult FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::
         return FZResult::BadParameter;
     if (std::int64_t{w} * h > kMaxPixels)
         return FZResult::OutOfMemory;
+    // New rasters come zeroed: coverage and depth 0, normals 0, colours black.
+    coverage = FZRaster<std::uint8_t>(w, h);
+    depth = FZRaster<float>(w, h);
+    normals = FZRaster<FZPackedVector>(w, h);
+    colors = FZRaster<FZColor>(w, h);
     baseDepth = base;
     x = lx;
     y = ly;
@@ -86,36 +71,29 @@ FZResult FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::
     height = h;
     colorSource = 1;
     visible = 1;
-    // New rows come zeroed: coverage and depth 0, normals 0, colours black.
-    coverage = FZNewRows<std::uint8_t>(w, h);
-    depth = FZNewRows<float>(w, h);
-    normals = FZNewRows<FZPackedVector>(w, h);
-    colors = FZNewRows<FZColor>(w, h);
-    if (coverage == nullptr || depth == nullptr || normals == nullptr || colors == nullptr) {
-        Release();
-        return FZResult::OutOfMemory;
-    }
     return FZResult::Ok;
 }
 
 void FZLayer::Release()
 {
-    FZDeleteRows(coverage, height);
-    FZDeleteRows(depth, height);
-    FZDeleteRows(normals, height);
-    FZDeleteRows(colors, height);
-    FZDeleteRows(highlight, height);
-    delete shaded;
-    shaded = nullptr;
+    coverage.Clear();
+    depth.Clear();
+    normals.Clear();
+    colors.Clear();
+    highlight.Clear();
+    shaded.reset();
     baseDepth = 0.0f;
     x = y = width = height = 0;
 }
 
-FZResult FZLayer::Assign(const FZLayer& other)
+void FZLayer::Assign(const FZLayer& other)
 {
     if (&other == this)
-        return FZResult::Ok;
+        return;
     Release();
+    coverage = other.coverage;
+    depth = other.depth;
+    colors = other.colors;
     baseDepth = other.baseDepth;
     x = other.x;
     y = other.y;
@@ -124,17 +102,11 @@ FZResult FZLayer::Assign(const FZLayer& other)
     material = other.material;
     colorSource = other.colorSource;
     visible = other.visible;
-    if (!CopyRows(coverage, other.coverage, width, height) || !CopyRows(depth, other.depth, width, height)
-        || !CopyRows(colors, other.colors, width, height)) {
-        Release();
-        return FZResult::OutOfMemory;
-    }
-    return FZResult::Ok;
 }
 
 void FZLayer::FillDepth(float value)
 {
-    if (coverage == nullptr || depth == nullptr)
+    if (coverage.empty() || depth.empty())
         return;
     for (std::int32_t ly = 0; ly < height; ++ly) {
         std::memset(coverage[ly], 255, static_cast<std::size_t>(width));
@@ -145,7 +117,7 @@ void FZLayer::FillDepth(float value)
 
 void FZLayer::ClearColors()
 {
-    if (colors == nullptr)
+    if (colors.empty())
         return;
     for (std::int32_t ly = 0; ly < height; ++ly)
         std::memset(static_cast<void*>(colors[ly]), 0, sizeof(FZColor) * static_cast<std::size_t>(width));
@@ -154,7 +126,7 @@ void FZLayer::ClearColors()
 void FZLayer::FillColorRect(const FZRect& rect, const FZColor& color)
 {
     FZRect r = rect;
-    if (colors == nullptr || !r.ClipTo(0, 0, width - 1, height - 1))
+    if (colors.empty() || !r.ClipTo(0, 0, width - 1, height - 1))
         return;
     for (std::int32_t ly = r.y0; ly <= r.y1; ++ly)
         for (std::int32_t lx = r.x0; lx <= r.x1; ++lx)
@@ -183,11 +155,11 @@ void FZLayer::FillChecker(std::int32_t cellWidth, std::int32_t cellHeight, const
 
 int FZLayer::CompositeSample(std::int32_t lx, std::int32_t ly, float z, std::uint8_t cb, const FZColor& color)
 {
-    if (coverage == nullptr || depth == nullptr || lx < 0 || ly < 0 || lx >= width || ly >= height)
+    if (coverage.empty() || depth.empty() || lx < 0 || ly < 0 || lx >= width || ly >= height)
         return 0;
     std::uint8_t& pixelCoverage = coverage[ly][lx];
     float& z0 = depth[ly][lx];
-    FZColor* pixelColor = colors == nullptr ? nullptr : &colors[ly][lx];
+    FZColor* pixelColor = colors.empty() ? nullptr : &colors[ly][lx];
     const float a0 = pixelCoverage / 255.0f;
     const float a = cb / 255.0f;
 
@@ -249,10 +221,6 @@ FZResult FZScene::Create(std::int32_t w, std::int32_t h)
         return FZResult::BadParameter;
     width = w;
     height = h;
-    layers = new (std::nothrow) FZPtrArray<FZLayer>;
-    lights = new (std::nothrow) FZPtrArray<FZLight>;
-    if (layers == nullptr || lights == nullptr)
-        return FZResult::OutOfMemory;
     const float cx = static_cast<float>(w * 0.5);
     const float cy = static_cast<float>(h * 0.5);
     camera.SetEye(cx, cy, static_cast<float>(static_cast<double>(w) + h));
@@ -262,13 +230,10 @@ FZResult FZScene::Create(std::int32_t w, std::int32_t h)
 
 void FZScene::Clear()
 {
-    delete frame;
-    delete behind;
-    delete layers;
-    delete lights;
-    frame = behind = nullptr;
-    layers = nullptr;
-    lights = nullptr;
+    frame.reset();
+    behind.reset();
+    layers.clear();
+    lights.clear();
     width = height = 0;
 }
 
@@ -277,16 +242,9 @@ FZResult FZScene::SetUpFrame(std::int32_t w, std::int32_t h, const float backgro
     if (const FZResult result = Create(w, h); result != FZResult::Ok)
         return result;
 
-    FZLight* light = new (std::nothrow) FZLight;
-    if (light == nullptr)
-        return FZResult::OutOfMemory;
     const float direction[3] = {0.4f, -0.3f, -1.0f};
     const float white[3] = {1.0f, 1.0f, 1.0f};
-    light->SetDirectional(1.0f, direction, white);
-    if (lights->Append(light) < 0) {
-        delete light;
-        return FZResult::OutOfMemory;
-    }
+    lights.emplace_back().SetDirectional(1.0f, direction, white);
 
     FZLayer ground;
     if (const FZResult result = ground.Create(0, 0, w, h, groundDepth); result != FZResult::Ok)
@@ -296,43 +254,38 @@ FZResult FZScene::SetUpFrame(std::int32_t w, std::int32_t h, const float backgro
     FZAttributeEx groundMaterial;
     groundMaterial.color.SetFloats(backgroundColor);
     ground.SetMaterial(groundMaterial);
-    return AddLayer(ground);
+    AddLayer(ground);
+    return FZResult::Ok;
 }
 
-FZResult FZScene::AddLayer(const FZLayer& layer)
+void FZScene::AddLayer(const FZLayer& layer)
 {
-    if (layers == nullptr)
-        return FZResult::NoData;
-    return InsertLayer(layer, layers->count - 1);
+    auto copy = std::make_unique<FZLayer>();
+    copy->Assign(layer);
+    layers.push_back(std::move(copy));
 }
 
 FZResult FZScene::InsertLayer(const FZLayer& layer, std::int32_t index)
 {
-    if (layers == nullptr)
-        return FZResult::NoData;
-    if (index < -1 || index >= layers->count)
+    if (index < -1 || index >= LayerCount())
         return FZResult::BadParameter;
-    FZLayer* copy = new (std::nothrow) FZLayer;
-    if (copy == nullptr)
-        return FZResult::OutOfMemory;
-    if (copy->Assign(layer) == FZResult::Ok && layers->InsertAfter(copy, index) == 0)
-        return FZResult::Ok;
-    delete copy;
-    return FZResult::OutOfMemory;
+    auto copy = std::make_unique<FZLayer>();
+    copy->Assign(layer);
+    layers.insert(layers.begin() + (index + 1), std::move(copy));
+    return FZResult::Ok;
 }
 
 FZResult FZScene::AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h)
 {
-    if (layers == nullptr)
-        return FZResult::NoData;
-    FZLayer layer;
-    if (const FZResult result = layer.Create(lx, ly, w, h, layerDepth); result != FZResult::Ok)
+    auto layer = std::make_unique<FZLayer>();
+    if (const FZResult result = layer->Create(lx, ly, w, h, layerDepth); result != FZResult::Ok)
         return result;
-    return InsertLayer(layer, layers->count - 1);
+    layers.push_back(std::move(layer));
+    return FZResult::Ok;
 }
 
 void FZScene::RemoveLayer(std::int32_t index)
 {
-    if (layers != nullptr)
-        layers->RemoveAt(index);
+    if (index >= 0 && index < LayerCount())
+        layers.erase(layers.begin() + index);
 }

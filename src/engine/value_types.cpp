@@ -27,11 +27,10 @@ namespace {
 // centre + half (those inside 0 .. count - 1), stride floats apart, each
 // times its weight, summed in double in position order.
 //
-// The parallel form leaves out values of 0, which cannot change the sum: it
+// The sum leaves out values of 0, which cannot change the sum: it
 // starts at +0, never becomes -0, and adding a zero product to any other
 // value gives that value back.
 // Positions flagged in `zero` hold 0 and are left out the same way.
-template <bool SkipZeros = false>
 float TentSum(const float* values, std::size_t stride, int centre, int count, const std::vector<float>& weight,
               int half, const char* zero = nullptr)
 {
@@ -39,27 +38,14 @@ float TentSum(const float* values, std::size_t stride, int centre, int count, co
     const int b = FZMin(centre + half, count - 1);
     double acc = 0.0;
     for (int i = a; i <= b; ++i) {
-        if (SkipZeros && zero != nullptr && zero[i] != 0)
+        if (zero != nullptr && zero[i] != 0)
             continue;
         const float v = values[static_cast<std::size_t>(i) * stride];
-        if (SkipZeros && v == 0.0f)
+        if (v == 0.0f)
             continue;
         acc += static_cast<double>(v) * weight[i - (centre - half)];
     }
     return static_cast<float>(acc);
-}
-
-// Column by column: each column filtered across, then down.
-void FilterColumns(FZFloatGrid& grid, const std::vector<float>& copy, std::vector<float>& column,
-                   const std::vector<float>& weight, int half)
-{
-    const std::size_t w = static_cast<std::size_t>(grid.width);
-    for (int c = 0; c < grid.width; ++c) {
-        for (int r = 0; r < grid.height; ++r)
-            column[r] = TentSum(&copy[r * w], 1, c, grid.width, weight, half);
-        for (int r = 0; r < grid.height; ++r)
-            grid.rows[r][c] = TentSum(column.data(), 1, r, grid.height, weight, half);
-    }
 }
 
 bool AllZero(const float* values, int count)
@@ -82,11 +68,11 @@ void FilterRows(FZFloatGrid& grid, std::vector<float>& across, std::vector<char>
         float* out = &across[r * w];
         zero[r] = AllZero(grid.rows[r], grid.width) ? 1 : 0;
         for (int c = 0; c < grid.width; ++c)
-            out[c] = zero[r] != 0 ? 0.0f : TentSum<true>(grid.rows[r], 1, c, grid.width, weight, half);
+            out[c] = zero[r] != 0 ? 0.0f : TentSum(grid.rows[r], 1, c, grid.width, weight, half);
     });
     ParallelRows(0, grid.height, [&](int r) {
         for (int c = 0; c < grid.width; ++c)
-            grid.rows[r][c] = TentSum<true>(&across[c], w, r, grid.height, weight, half, zero.data());
+            grid.rows[r][c] = TentSum(&across[c], w, r, grid.height, weight, half, zero.data());
     });
 }
 
@@ -100,21 +86,16 @@ FZResult FilterSeparable(FZFloatGrid& grid, int size)
     if (half < 1)
         half = 1;
     const int taps = 2 * half + 1;
-    const bool parallel = ParallelRendering();
 
     std::vector<float> weight;
     FZScratchFloats work(FZScratchSlot::FilterWork);
     std::vector<float>& copy = work.Vector();
-    std::vector<float> column;
     std::vector<char> zero;
     if (!work.Assign(static_cast<std::size_t>(grid.width) * static_cast<std::size_t>(grid.height)))
         return FZResult::OutOfMemory;
     try {
         weight.resize(static_cast<std::size_t>(taps));
-        if (parallel)
-            zero.resize(static_cast<std::size_t>(grid.height));
-        else
-            column.resize(static_cast<std::size_t>(grid.height));
+        zero.resize(static_cast<std::size_t>(grid.height));
     } catch (const std::bad_alloc&) {
         return FZResult::OutOfMemory;
     } catch (const std::length_error&) {  // a size no allocator could serve
@@ -129,15 +110,7 @@ FZResult FilterSeparable(FZFloatGrid& grid, int size)
     for (int i = 0; i < taps; ++i)
         weight[i] = static_cast<float>(weight[i] / sum);
 
-    if (parallel) {
-        FilterRows(grid, copy, zero, weight, half);
-        return FZResult::Ok;
-    }
-    const std::size_t w = static_cast<std::size_t>(grid.width);
-    for (int r = 0; r < grid.height; ++r)
-        for (int c = 0; c < grid.width; ++c)
-            copy[r * w + c] = grid.rows[r][c];
-    FilterColumns(grid, copy, column, weight, half);
+    FilterRows(grid, copy, zero, weight, half);
     return FZResult::Ok;
 }
 

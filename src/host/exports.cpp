@@ -16,6 +16,20 @@ namespace {
 
 CDlgAttribute* editor = nullptr;
 
+// No exception may reach the host through a C function. Rendering the
+// preview is what can run out of memory; the call then ends early and the
+// editor keeps what it had.
+template <typename Call>
+bool WithoutBadAlloc(Call&& call) noexcept
+{
+    try {
+        call();
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
 // Widgets can only be made inside a QApplication, on its thread; Qt would
 // abort the host's process otherwise.
 bool CanCreateWidgets()
@@ -119,7 +133,8 @@ int Tamerisk_Open(QWidget* notifyWindow, unsigned int notifyMessage)
     }
     // A window that could not be created leaves the window-less editor open
     // until Tamerisk_Close, so the host's usual clean-up still applies.
-    return editor->Create() ? 1 : 0;
+    bool created = false;
+    return WithoutBadAlloc([&] { created = editor->Create(); }) && created ? 1 : 0;
 }
 
 void Tamerisk_Close(void)
@@ -133,8 +148,10 @@ void Tamerisk_SetAttribute(FZAttributeEx* attribute)
 {
     if (!editor || !attribute)
         return;
-    editor->SetAttribute(*attribute);
-    editor->UpdatePanelView();
+    WithoutBadAlloc([&] {
+        editor->SetAttribute(*attribute);
+        editor->UpdatePanelView();
+    });
 }
 
 void Tamerisk_GetAttribute(FZAttributeEx* attribute)
@@ -147,8 +164,10 @@ void Tamerisk_SetColorBind(int bind)
 {
     if (!editor)
         return;
-    editor->SetColorBind(bind);
-    editor->UpdatePanelView();
+    WithoutBadAlloc([&] {
+        editor->SetColorBind(bind);
+        editor->UpdatePanelView();
+    });
 }
 
 int Tamerisk_GetColorBind(void)

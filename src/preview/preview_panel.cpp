@@ -2,7 +2,6 @@
 // preview_panel_qt.cpp.
 #include "preview/preview_panel.h"
 
-#include <new>
 
 #include "engine/render.h"
 #include "preview/shapes.h"
@@ -47,10 +46,7 @@ FZResult CPreviewPanel::SetUpFrame(std::int32_t w, std::int32_t h)
         return FZResult::BadParameter;
     if (w > kMaxFrameSide || h > kMaxFrameSide || std::int64_t{w} * h > kMaxFramePixels)
         return FZResult::OutOfMemory;
-    ReleaseScene();
-    scene = new (std::nothrow) FZScene;
-    if (scene == nullptr)
-        return FZResult::OutOfMemory;
+    scene = std::make_unique<FZScene>();
 
     const float white[3] = {1.0f, 1.0f, 1.0f};
     const FZResult made = scene->SetUpFrame(w, h, white);
@@ -71,8 +67,6 @@ FZResult CPreviewPanel::SetUpFrame(std::int32_t w, std::int32_t h)
         return built;
     if (FZLayer* sample = scene->LayerAt(sampleIndex))
         sample->SetColorSource(0);
-    // The preview's sky is infinitely distant.
-    scene->environment.sphereSize = 0.0f;
     return RenderScene(*scene);
 }
 
@@ -138,6 +132,5 @@ FZResult CPreviewPanel::ShadeAndRender(std::int32_t index, bool prepare)
 
 void CPreviewPanel::ReleaseScene()
 {
-    delete scene;
-    scene = nullptr;
+    scene.reset();
 }

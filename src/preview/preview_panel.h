@@ -10,6 +10,7 @@
 #define TAMERISK_PREVIEW_PREVIEW_PANEL_H
 
 #include <cstdint>
+#include <memory>
 
 #include <tamerisk/attribute.h>
 
@@ -22,7 +23,7 @@ class QWidget;
 class CPreviewPanel {
 public:
     CPreviewPanel() = default;
-    virtual ~CPreviewPanel() { ReleaseScene(); }
+    virtual ~CPreviewPanel() = default;
     CPreviewPanel(const CPreviewPanel&) = delete;
     CPreviewPanel& operator=(const CPreviewPanel&) = delete;
 
@@ -46,13 +47,13 @@ public:
     std::int32_t ShapeNumber() const { return shapeNumber; }
     void ReleaseScene();
 
-    FZScene* Scene() { return scene; }
-    const FZScene* Scene() const { return scene; }
+    FZScene* Scene() { return scene.get(); }
+    const FZScene* Scene() const { return scene.get(); }
 
 private:
     FZResult ShadeAndRender(std::int32_t index, bool prepare);
 
-    FZScene* scene = nullptr;
+    std::unique_ptr<FZScene> scene;
     std::int32_t groundIndex = 0;
     std::int32_t sampleIndex = 1;
     std::int32_t shapeNumber = 1;

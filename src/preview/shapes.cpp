@@ -37,7 +37,7 @@ bool HeightOfOneSample(const Shape& shape, float x, float y, float& z)
 template <typename Visit>
 void ForEachCoveredDepth(FZLayer& layer, Visit visit)
 {
-    if (layer.coverage == nullptr || layer.depth == nullptr)
+    if (layer.coverage.empty() || layer.depth.empty())
         return;
     for (std::int32_t y = 0; y < layer.height; ++y)
         for (std::int32_t x = 0; x < layer.width; ++x)
@@ -221,7 +221,7 @@ TAMERISK_ROW_KERNEL void DimpleDistances(const double* sx, double sy, std::int32
 
 void AddDimple(FZLayer& layer, float cx, float cy, float radius, float depth)
 {
-    if (layer.coverage == nullptr || layer.depth == nullptr)
+    if (layer.coverage.empty() || layer.depth.empty())
         return;
     FZSmoothStep bowl;
     bowl.Setup(0.0f, -depth, radius, 0.0f);

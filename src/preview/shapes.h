@@ -131,7 +131,7 @@ void FZSampleOffsets(std::int32_t p, float* out);
 template <typename Shape>
 void RasterizeShape(FZLayer& layer, const Shape& shape)
 {
-    if (layer.coverage == nullptr || layer.depth == nullptr)
+    if (layer.coverage.empty() || layer.depth.empty())
         return;
     float bx0, by0, bx1, by1;
     shape.Bounds(bx0, by0, bx1, by1);

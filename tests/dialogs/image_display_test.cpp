@@ -22,7 +22,7 @@ void SetPixel(FZImage& image, int x, int y, std::uint8_t r, std::uint8_t g, std:
 // A 5 x 3 image (stride 16, padded) with a marked bottom-left and top-right.
 void MakeMarked(FZImage& image)
 {
-    ASSERT_EQ(image.Create(5, 3, 3, 0), FZResult::Ok);
+    ASSERT_EQ(image.Create(5, 3, 3), FZResult::Ok);
     SetPixel(image, 0, 0, 255, 0, 0);   // bottom row in the data
     SetPixel(image, 4, 2, 0, 0, 255);   // top row
     SetPixel(image, 2, 1, 10, 20, 30);
@@ -42,7 +42,7 @@ TEST(MakeBitmap, ShowsTheBottomUpRowsUpright)
     FZImage empty;
     EXPECT_TRUE(MakeBitmap(empty).isNull());
     FZImage grey;
-    ASSERT_EQ(grey.Create(2, 2, 1, 0), FZResult::Ok);
+    ASSERT_EQ(grey.Create(2, 2, 1), FZResult::Ok);
     EXPECT_TRUE(MakeBitmap(grey).isNull());
 }
 
@@ -93,7 +93,7 @@ TEST(PresentFrame, DrawsTheWholeFrameOrNothing)
     canvas.resize(5, 3);
     PresentFrame(scene, &canvas);  // no frame yet
     EXPECT_TRUE(canvas.Surface().isNull());
-    scene.frame = new FZImage;
+    scene.frame = std::make_unique<FZImage>();
     MakeMarked(*scene.frame);
     PresentFrame(scene, &canvas);
     EXPECT_EQ(canvas.Surface().pixel(4, 0), qRgb(0, 0, 255));

@@ -27,45 +27,6 @@ bool SameBytes(const void* a, const void* b, std::size_t n = sizeof(FZAttributeE
 
 } // namespace
 
-TEST(Record, DefaultsMatchTheEditorsStartingMaterial)
-{
-    const FZAttributeEx r;
-    EXPECT_EQ(r.diffuse, 0.8f);
-    EXPECT_EQ(r.highlightStrength, 0.5f);
-    EXPECT_EQ(r.highlightSharpness, 1.0f);
-    EXPECT_EQ(r.ambient, 0.3f);
-    EXPECT_EQ(r.transparency, 0.0f);
-    EXPECT_EQ(r.refractiveIndex, 1.0f);
-    EXPECT_EQ(r.reflection, 0.0f);
-    for (const FZColor& c : {r.color, r.highlightColor})
-        EXPECT_TRUE(c.r == 255 && c.g == 255 && c.b == 255);
-
-    const FZAnisotropy& a = r.anisotropy;
-    EXPECT_EQ(a.type, 1);
-    EXPECT_EQ(a.grooveDepth, 0.15f);
-    EXPECT_TRUE(a.center[0] == 0.5f && a.center[1] == 0.5f && a.center[2] == 0.0f);
-    EXPECT_TRUE(a.axis.x == 0 && a.axis.y == 0 && a.axis.z == 30000);
-    EXPECT_EQ(a.amplitude, 0.1f);
-    EXPECT_EQ(a.waveCount, 4);
-    EXPECT_EQ(a.spiralTwist, 0.01f);
-    EXPECT_EQ(a.wavePeriod, 30.0f);
-    EXPECT_EQ(a.depthVariation, 0.0f);
-    EXPECT_EQ(a.angle, 0.0f);
-    EXPECT_EQ(a.grooveWidth, 1.0f);
-
-    EXPECT_EQ(r.anisotropic, 0);
-    EXPECT_EQ(r.colorTransparency, 0);
-    EXPECT_EQ(r.emission, 0.0f);
-    EXPECT_EQ(r.smoothHighlight, 0);
-    EXPECT_EQ(r.smoothWidth, 2.0f);
-    EXPECT_EQ(r.rainbow, 0);
-    EXPECT_EQ(r.stripeSpacing, 1000.0f);
-    EXPECT_EQ(r.incidenceDependence, 0.0f);
-    EXPECT_EQ(r.attenuation, 0.0f);
-    EXPECT_EQ(r.thinGlass, 0);
-    EXPECT_EQ(r.thickness, 4.0f);
-}
-
 TEST(Record, CopyingTakesEveryByteIncludingPaddingAndHostileValues)
 {
     // The padding is what a careless member-wise copy would drop; hostile
@@ -82,17 +43,6 @@ TEST(Record, CopyingTakesEveryByteIncludingPaddingAndHostileValues)
         const FZAttributeEx constructed(source);
         EXPECT_TRUE(SameBytes(&constructed, &source));
     }
-}
-
-TEST(Record, SelfAssignmentLeavesTheRecordUntouched)
-{
-    FZAttributeEx r = Scribbled();
-    const FZAttributeEx before = r;
-    const FZAttributeEx& alias = r;
-    r = alias;
-    EXPECT_TRUE(SameBytes(&r, &before));
-    static_cast<FZAttribute&>(r) = static_cast<const FZAttribute&>(alias);
-    EXPECT_TRUE(SameBytes(&r, &before));
 }
 
 TEST(Record, AssigningTheBasePartCopiesOnlyItsThirtySixBytes)

@@ -28,7 +28,7 @@ void MakeSlab(FZLayer& layer)
     layer.material.diffuse = 0.0f;
     layer.material.ambient = 0.2f;
     layer.material.highlightStrength = 0.0f;
-    FZPtrArray<FZLight> lights;
+    FZLightList lights;
     AddLight(lights, 0.0f, 0.0f, -1.0f);
     ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
     for (int x = 0; x < 3; ++x)
@@ -55,21 +55,6 @@ TEST(Transparency, OpaqueAndUnshadedLayers)
     s = Lookup(bare, 1, 1);
     EXPECT_EQ(s.t, 0.0f);
     EXPECT_EQ(s.colour[0] + s.colour[1] + s.colour[2], 0.0f);
-}
-
-TEST(Transparency, IncidenceDependenceFollowsTheNormal)
-{
-    FZLayer layer;
-    MakeSlab(layer);
-    layer.material.transparency = 0.8f;
-    layer.material.incidenceDependence = 1.0f;
-    SetNormal(layer, 1, 0, 0.8f, 0.0f, 0.6f);
-    SetNormal(layer, 2, 0, 1.0f, 0.0f, 0.0f);
-    EXPECT_FLOAT_EQ(Lookup(layer, 0, 0).t, 0.8f);
-    EXPECT_NEAR(Lookup(layer, 1, 0).t, 0.8 * 0.6, 1e-6);
-    EXPECT_EQ(Lookup(layer, 2, 0).t, 0.0f);  // the rim of a sphere is opaque
-    layer.material.incidenceDependence = 0.25f;
-    EXPECT_NEAR(Lookup(layer, 2, 0).t, 0.75 * 0.8, 1e-6);
 }
 
 TEST(Transparency, AttenuationThroughTheDepth)

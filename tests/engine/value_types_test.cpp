@@ -106,26 +106,6 @@ TEST(Color, OutOfRangeFloatsKeepTheLowEightBitsAndBytesReadBack)
     EXPECT_EQ(b, 255);
 }
 
-TEST(Rect, SizesAndTheEmptyMarker)
-{
-    FZRect r;
-    r.SetFromSize(4, 3);
-    std::int32_t w, h;
-    r.GetSize(w, h);
-    EXPECT_EQ(w, 4);
-    EXPECT_EQ(h, 3);
-    EXPECT_FALSE(r.IsEmpty());
-
-    r.SetEmpty();
-    std::int32_t x0, y0, x1, y1;
-    r.Get(x0, y0, x1, y1);
-    ExpectRect(FZRect(x0, y0, x1, y1), 65536, 65536, -1, -1);
-    r.GetSize(w, h);
-    EXPECT_EQ(w, -65536);
-    EXPECT_EQ(h, -65536);
-    EXPECT_TRUE(r.IsEmpty());
-}
-
 TEST(Rect, ClippingStopsAtAnEmptyXRange)
 {
     FZRect r(-5, -5, 2, 2);
@@ -144,26 +124,6 @@ TEST(Rect, ClippingStopsAtAnEmptyXRange)
     ExpectRect(inside, 3, 4, 5, 6);
 }
 
-TEST(PackedVector, ComponentsAreScaledByThirtyThousandAndTruncated)
-{
-    FZPackedVector v;
-    v.SetFloats(0.0f, 0.0f, 0.0f, true);
-    ExpectPacked(v, 0, 0, 30000);
-    v.SetFloats(0.0f, 0.0f, -1.0f, false);
-    ExpectPacked(v, 0, 0, -30000);
-
-    const float f[3] = {3.0f, 0.0f, -4.0f};
-    v.SetFloats(f, true);
-    ExpectPacked(v, 18000, 0, -24000);
-
-    float x, y, z;
-    Packed(15000, -30000, 7).GetFloats(x, y, z);
-    EXPECT_EQ(x, 0.5f);
-    EXPECT_EQ(y, -1.0f);
-    EXPECT_EQ(z, static_cast<float>(7.0 / 30000.0));
-    EXPECT_EQ(Packed(0, 0, -10000).Component(2), -10000 / 30000.0);
-}
-
 TEST(PackedVector, HostileFloatsPackToDefinedValues)
 {
     FZPackedVector v;
@@ -173,31 +133,6 @@ TEST(PackedVector, HostileFloatsPackToDefinedValues)
     ExpectPacked(v, 32767, -32768, 15000);
     v.SetFloats(kNaN, 0.0f, 0.0f, true);
     ExpectPacked(v, 0, 0, 30000);
-}
-
-TEST(PackedVector, DotIsTheIntegerSumOverThirtyThousandSquared)
-{
-    const FZPackedVector down = Packed(0, 0, -30000);
-    EXPECT_EQ(FZPackedVector::Dot(down, down), 1.0);
-    EXPECT_EQ(FZPackedVector::Dot(down, Packed(0, 0, 30000)), -1.0);
-    EXPECT_EQ(FZPackedVector::Dot(Packed(30000, 0, 0), Packed(0, 30000, 0)), 0.0);
-    EXPECT_DOUBLE_EQ(FZPackedVector::Dot(Packed(18000, 0, -24000), Packed(0, 0, 30000)), -0.8);
-
-    // Far from unit length the sum wraps as a 32-bit integer does:
-    // 3 * 32767^2 = 3221028867 becomes -1073938429.
-    const FZPackedVector big = Packed(32767, 32767, 32767);
-    EXPECT_DOUBLE_EQ(FZPackedVector::Dot(big, big), -1073938429 * 1.111111111111111e-9);
-}
-
-TEST(PackedVector, AddNormalizedGivesTheUnitSum)
-{
-    FZPackedVector v = Packed(30000, 0, 0);
-    v.AddNormalized(Packed(0, 30000, 0));
-    ExpectPacked(v, 21213, 21213, 0);
-
-    FZPackedVector opposite = Packed(0, 0, 30000);
-    opposite.AddNormalized(Packed(0, 0, -30000));
-    ExpectPacked(opposite, 0, 0, 30000);
 }
 
 TEST(PackedVector, RefractFollowsSnellsLawOrReportsTotalReflection)
@@ -229,86 +164,6 @@ TEST(PackedVector, RefractFollowsSnellsLawOrReportsTotalReflection)
     EXPECT_FALSE(FZPackedVector::Refract(result, Packed(0, 0, -30000), normal, kNaN));
     EXPECT_FALSE(FZPackedVector::Refract(result, Packed(0, 0, -30000), normal, 0.0f));
     ExpectPacked(result, 1, 2, 3);
-}
-
-TEST(PackedVector, ElevationIsTheAngleOverTheEnginesHalfPi)
-{
-    EXPECT_EQ(Packed(30000, 0, 0).Elevation(1), 0.0);
-    EXPECT_NEAR(Packed(0, -30000, 0).Elevation(1), -0.99994705309662291, 1e-15);
-    EXPECT_NEAR(Packed(15000, 0, 0).Elevation(0), (std::asin(0.5) * 2.0 / 3.141759), 1e-15);
-    // A stored component beyond 1 reads as 1, not as NaN.
-    EXPECT_EQ(Packed(0, 32767, 0).Elevation(1), Packed(0, 30000, 0).Elevation(1));
-}
-
-TEST(NormalizeFloats, ScalesToUnitLengthOrFallsBackToPlusZ)
-{
-    float x = 3.0f, y = 0.0f, z = 4.0f;
-    NormalizeFloats(x, y, z);
-    EXPECT_FLOAT_EQ(x, 0.6f);
-    EXPECT_EQ(y, 0.0f);
-    EXPECT_FLOAT_EQ(z, 0.8f);
-
-    for (float bad : {0.0f, kNaN}) {
-        x = bad, y = 0.0f, z = -0.0f;
-        NormalizeFloats(x, y, z);
-        EXPECT_EQ(x, 0.0f);
-        EXPECT_EQ(y, 0.0f);
-        EXPECT_EQ(z, 1.0f);
-    }
-}
-
-TEST(SmoothStep, EasesBetweenItsTwoPoints)
-{
-    FZSmoothStep s;
-    EXPECT_EQ(s.Evaluate(0.7), 0.0);  // a default curve is all zero
-
-    s.Setup(-0.1f, 0.0f, 0.1f, 1.0f);
-    EXPECT_EQ(s.a, -2.0f);
-    EXPECT_EQ(s.b, 3.0f);
-    EXPECT_EQ(s.invWidth, 5.0f);
-    EXPECT_NEAR(s.Evaluate(-0.1f), 0.0, 1e-15);
-    EXPECT_EQ(s.Evaluate(0.0), 0.5);
-    EXPECT_NEAR(s.Evaluate(0.1f), 1.0, 1e-15);
-    EXPECT_NEAR(s.Evaluate(0.05f), 0.84375, 1e-6);  // 3(3/4)^2 - 2(3/4)^3
-
-    FZSmoothStep falling;
-    falling.Setup(2.0f, 1.0f, 4.0f, 0.0f);
-    EXPECT_NEAR(falling.Evaluate(3.0), 0.5, 1e-15);
-    EXPECT_NEAR(falling.Evaluate(4.0), 0.0, 1e-15);
-
-    FZSmoothStep flat;
-    flat.Setup(1.0f, 0.25f, 1.0f, 0.75f);
-    EXPECT_EQ(flat.invWidth, 0.0f);
-    EXPECT_EQ(flat.Evaluate(123.0), 0.25);
-}
-
-TEST(FilterSeparable, SpreadsAPointIntoAPyramidThatKeepsItsSum)
-{
-    Raster raster(21, 0.0f);
-    raster.cells[10][10] = 1.0f;
-    FZFloatGrid grid = raster.Grid();
-    ASSERT_EQ(FilterSeparable(grid, 10), FZResult::Ok);
-
-    EXPECT_NEAR(raster.cells[10][10], 1.0 / 25.0, 1e-7);
-    EXPECT_NEAR(raster.Sum(), 1.0, 1e-6);
-    // Tent weights (1 - |k| / 5) / 5 per axis; the outermost tap weighs 0.
-    EXPECT_NEAR(raster.cells[10][12], 0.2 * 0.12, 1e-7);
-    EXPECT_NEAR(raster.cells[7][11], 0.08 * 0.16, 1e-7);
-    EXPECT_EQ(raster.cells[10][15], 0.0f);
-    EXPECT_EQ(raster.cells[5][10], 0.0f);
-    EXPECT_EQ(raster.cells[6][10], raster.cells[14][10]);
-}
-
-TEST(FilterSeparable, BordersDarkenBecauseLostTapsAreNotRenormalised)
-{
-    Raster raster(16, 1.0f);
-    FZFloatGrid grid = raster.Grid();
-    ASSERT_EQ(FilterSeparable(grid, 10), FZResult::Ok);
-
-    EXPECT_NEAR(raster.cells[8][8], 1.0, 1e-6);
-    EXPECT_NEAR(raster.cells[8][0], 0.6, 1e-6);  // taps 0..5 of one axis: 3/5
-    EXPECT_NEAR(raster.cells[0][0], 0.36, 1e-6);
-    EXPECT_NEAR(raster.cells[15][15], 0.36, 1e-6);
 }
 
 TEST(FilterSeparable, SmallSizesLeaveTheGridAsItWas)

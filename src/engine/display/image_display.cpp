@@ -10,14 +10,14 @@
 
 QImage MakeBitmap(const FZImage& image)
 {
-    if (image.data == nullptr || image.width <= 0 || image.height <= 0
+    if (image.data.empty() || image.width <= 0 || image.height <= 0
         || image.bytesPerPixel != 3
         || image.stride < std::int64_t{image.width} * 3
-        || image.dataSize < std::int64_t{image.stride} * image.height)
+        || static_cast<std::int64_t>(image.data.size()) < std::int64_t{image.stride} * image.height)
         return QImage();
     // Wrap the rows as they lie (blue, green, red; padded stride), then take
     // an upright deep copy: the buffer's first row is the picture's bottom.
-    const QImage rows(image.data, image.width, image.height, image.stride,
+    const QImage rows(image.data.data(), image.width, image.height, image.stride,
                       QImage::Format_BGR888);
     return rows.mirrored(false, true).convertToFormat(QImage::Format_RGB888);
 }
@@ -26,7 +26,7 @@ void Draw(const FZImage& image, QWidget* target, std::int32_t x0, std::int32_t y
           std::int32_t x1, std::int32_t y1)
 {
     auto* canvas = qobject_cast<FZCanvas*>(target);
-    if (canvas == nullptr || image.data == nullptr)
+    if (canvas == nullptr || image.data.empty())
         return;
     const QImage bitmap = MakeBitmap(image);
     if (bitmap.isNull())

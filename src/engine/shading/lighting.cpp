@@ -2,11 +2,11 @@
 
 #include <cmath>
 #include <mutex>
-#include <new>
 #include <vector>
 
 #include "engine/fz_math.h"
 #include "engine/parallel.h"
+#include "engine/pixel.h"
 #include "engine/shading/anisotropy.h"
 
 namespace {
@@ -18,54 +18,17 @@ struct LightSample {
 };
 
 // Evaluates light i at p; false when the list holds no light there.
-bool EvaluateLight(const FZPtrArray<FZLight>* lights, std::int32_t i, const float p[3], LightSample& out)
+bool EvaluateLight(const FZLightList* lights, std::int32_t i, const float p[3], LightSample& out)
 {
-    const FZLight* light = lights == nullptr ? nullptr : lights->At(i);
-    if (light == nullptr)
+    if (lights == nullptr || i < 0 || static_cast<std::size_t>(i) >= lights->size())
         return false;
-    light->Evaluate(p[0], p[1], p[2], out.color, out.direction);
+    (*lights)[static_cast<std::size_t>(i)].Evaluate(p[0], p[1], p[2], out.color, out.direction);
     return true;
-}
-
-// World point of the centre of pixel (x, y).
-void WorldPoint(const FZLayer& layer, std::int32_t x, std::int32_t y, float p[3])
-{
-    p[0] = static_cast<float>(static_cast<double>(layer.x) + x + 0.5);
-    p[1] = static_cast<float>(static_cast<double>(layer.y) + y + 0.5);
-    p[2] = static_cast<float>(static_cast<double>(layer.depth[y][x]) + layer.baseDepth);
 }
 
 bool HasSurface(const FZLayer& layer)
 {
-    return layer.coverage != nullptr && layer.depth != nullptr && layer.normals != nullptr;
-}
-
-float ByteToFloat(std::uint8_t b)
-{
-    return static_cast<float>(b * 1.0 / 255.0);
-}
-
-// Colours are held at most 1 before they become bytes. Bytes are also held
-// at least 0: a negative or NaN colour from a wild record shows black.
-std::uint8_t FloatToByte(float v)
-{
-    return static_cast<std::uint8_t>(FZTruncateClamped(static_cast<double>(v) * 255.0, 0, 255));
-}
-
-void ReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, float rgb[3])
-{
-    const std::uint8_t* p = image.PixelAddress(x, y);
-    rgb[0] = ByteToFloat(p[2]);
-    rgb[1] = ByteToFloat(p[1]);
-    rgb[2] = ByteToFloat(p[0]);
-}
-
-void StorePixel(FZImage& image, std::int32_t x, std::int32_t y, const float rgb[3])
-{
-    std::uint8_t* p = image.PixelAddress(x, y);
-    p[2] = FloatToByte(rgb[0]);
-    p[1] = FloatToByte(rgb[1]);
-    p[0] = FloatToByte(rgb[2]);
+    return !layer.coverage.empty() && !layer.depth.empty() && !layer.normals.empty();
 }
 
 void ClampToOne(float rgb[3])
@@ -79,7 +42,7 @@ void ClampToOne(float rgb[3])
 // without own colour rows, take the material's colour.
 void BaseColor(const FZLayer& layer, std::int32_t x, std::int32_t y, float rgb[3])
 {
-    if (layer.colorSource == 1 && layer.colors != nullptr)
+    if (layer.colorSource == 1 && !layer.colors.empty())
         layer.colors[y][x].GetFloats(rgb);
     else
         layer.material.color.GetFloats(rgb);
@@ -87,26 +50,21 @@ void BaseColor(const FZLayer& layer, std::int32_t x, std::int32_t y, float rgb[3
 
 FZResult EnsureShadedImage(FZLayer& layer)
 {
-    FZImage* image = layer.shaded;
+    const FZImage* image = layer.shaded.get();
     if (image != nullptr && image->width == layer.width && image->height == layer.height
-        && image->bytesPerPixel == 3 && image->data != nullptr)
+        && image->bytesPerPixel == 3 && !image->data.empty())
         return FZResult::Ok;
-    delete image;
-    layer.shaded = new (std::nothrow) FZImage;
-    if (layer.shaded == nullptr)
-        return FZResult::OutOfMemory;
-    const FZResult result = layer.shaded->Create(layer.width, layer.height, 3, 0);
-    if (result != FZResult::Ok) {
-        delete layer.shaded;
-        layer.shaded = nullptr;
-    }
+    layer.shaded = std::make_unique<FZImage>();
+    const FZResult result = layer.shaded->Create(layer.width, layer.height, 3);
+    if (result != FZResult::Ok)
+        layer.shaded.reset();
     return result;
 }
 
 // What a highlight term needs that stays the same over a layer for one
 // light: the half vector (turned to point away from the surface), the power
-// and the strength, and the centre of the groove pattern. The parallel path
-// also knows below which value of b a term certainly rounds to 0.
+// and the strength, the centre of the groove pattern, and below which value
+// of b a term certainly rounds to 0.
 struct HighlightSetup {
     FZPackedVector half;
     double exponent = 0.0;
@@ -154,8 +112,7 @@ double PackedLength(const FZPackedVector& v)
                      + static_cast<double>(v.z) * v.z) / FZPackedVector::kScale;
 }
 
-HighlightSetup SetUpHighlight(const FZLayer& layer, const FZPackedVector& lightDir, const FZPackedVector& view,
-                              bool shortcuts)
+HighlightSetup SetUpHighlight(const FZLayer& layer, const FZPackedVector& lightDir, const FZPackedVector& view)
 {
     const FZAttributeEx& m = layer.material;
     HighlightSetup h;
@@ -173,12 +130,10 @@ HighlightSetup SetUpHighlight(const FZLayer& layer, const FZPackedVector& lightD
     const double s = m.highlightSharpness;
     h.exponent = s * s * s * 1000.0;
     h.scale = static_cast<double>(m.highlightStrength) * 4.0;
-    if (shortcuts) {
-        h.cutoff = UnderflowCutoff(h.exponent, h.scale);
-        h.halfLength = PackedLength(h.half);
-        if (m.anisotropic != 0)
-            h.facetLimit = FacetLimit(h.halfLength, h.cutoff, MaxFacetTilt(m.anisotropy));
-    }
+    h.cutoff = UnderflowCutoff(h.exponent, h.scale);
+    h.halfLength = PackedLength(h.half);
+    if (m.anisotropic != 0)
+        h.facetLimit = FacetLimit(h.halfLength, h.cutoff, MaxFacetTilt(m.anisotropy));
     return h;
 }
 
@@ -192,9 +147,9 @@ bool FacetsOutOfReach(const HighlightSetup& h, const FZPackedVector& normal)
 }
 
 // The highlight term of one light at (px, py) with the given normal.
-// frame: the parallel path's rotation memory for the facets, else null.
+// frame: the rotation memory for the facets.
 float HighlightAt(const FZLayer& layer, const HighlightSetup& h, float px, float py, float depth,
-                  const FZPackedVector& normal, FZFacetFrame* frame = nullptr)
+                  const FZPackedVector& normal, FZFacetFrame& frame)
 {
     const FZAttributeEx& m = layer.material;
     float b;
@@ -203,10 +158,7 @@ float HighlightAt(const FZLayer& layer, const HighlightSetup& h, float px, float
             return 0.0f;
         const float point[3] = {px, py, depth};
         FZPackedVector t1, t2;
-        if (frame != nullptr)
-            AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2, *frame);
-        else
-            AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2);
+        AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2, frame);
         const float b1 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t1)));
         const float b2 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t2)));
         b = b2 > b1 ? b2 : b1;
@@ -221,7 +173,7 @@ float HighlightAt(const FZLayer& layer, const HighlightSetup& h, float px, float
 // The supersampled highlight of one light over pixel (x, y): n x n points,
 // each with the normal filtered over a box, each held at most 1.
 float SmoothHighlightAt(const FZLayer& layer, const HighlightSetup& h, int x, int y, int n, float boxWidth,
-                        FZFacetFrame* frame = nullptr)
+                        FZFacetFrame& frame)
 {
     const float depth = layer.depth[y][x];
     float sum = 0.0f;
@@ -239,18 +191,16 @@ float SmoothHighlightAt(const FZLayer& layer, const HighlightSetup& h, int x, in
     return static_cast<float>(static_cast<double>(sum) * (1.0 / (static_cast<double>(n) * n)));
 }
 
-// What the three passes share. The straightforward path evaluates every
-// light at every pixel's world point. The parallel path evaluates each light
-// once for the layer (the lights of Tamerisk are directional: the same at
-// every point) and sets up each light's highlight once.
+// What the three passes share. Each light is evaluated once for the layer
+// (the lights of Tamerisk are directional: the same at every point) and
+// each light's highlight is set up once.
 struct ShadingPass {
-    ShadingPass(FZLayer& l, const FZPackedVector& v, const FZPtrArray<FZLight>* list)
+    ShadingPass(FZLayer& l, const FZPackedVector& v, const FZLightList* list)
         : layer(l), view(v), lights(list) {}
 
     FZLayer& layer;
     const FZPackedVector& view;
-    const FZPtrArray<FZLight>* lights;
-    bool hoisted = false;
+    const FZLightList* lights;
     std::vector<LightSample> fixed;
     std::vector<HighlightSetup> highlights;
     // A white pixel stays white under any highlight: the highlight colour
@@ -260,8 +210,8 @@ struct ShadingPass {
     FZFacetFrameEntry* frames = nullptr;
 };
 
-// The facet rotations of the pixels of the last grooved layer shaded on the
-// parallel path, for layers of at most 256 x 256 pixels (the previews the
+// The facet rotations of the pixels of the last grooved layer shaded, for
+// layers of at most 256 x 256 pixels (the previews the
 // dialogs show, which are shaded again at every change of the material).
 class FacetFrameTable {
 public:
@@ -302,58 +252,22 @@ bool TintIsFinite(const FZAttributeEx& m)
     return std::isfinite(static_cast<float>(2.0 * n * m.stripeSpacing * 1.001));
 }
 
-// Sets up the parallel path's shortcuts; on failure (no memory) the
-// straightforward evaluation stays in place.
+// Evaluates the lights once for the layer and sets up their highlights.
 void HoistLights(ShadingPass& pass, bool highlight)
 {
-    try {
-        LightSample light;
-        const float anywhere[3] = {0.0f, 0.0f, 0.0f};
-        for (std::int32_t i = 0; EvaluateLight(pass.lights, i, anywhere, light); ++i) {
-            pass.fixed.push_back(light);
-            if (highlight)
-                pass.highlights.push_back(SetUpHighlight(pass.layer, light.direction, pass.view, true));
-        }
-    } catch (const std::bad_alloc&) {
-        return;
+    LightSample light;
+    const float anywhere[3] = {0.0f, 0.0f, 0.0f};
+    for (std::int32_t i = 0; EvaluateLight(pass.lights, i, anywhere, light); ++i) {
+        pass.fixed.push_back(light);
+        if (highlight)
+            pass.highlights.push_back(SetUpHighlight(pass.layer, light.direction, pass.view));
     }
     const FZAttributeEx& m = pass.layer.material;
     pass.whiteStaysWhite = m.rainbow == 0 || TintIsFinite(m);
-    pass.hoisted = true;
-}
-
-// Calls visit(i, light) for every light i in list order at pixel (x, y).
-template <typename Visit>
-void ForEachLight(const ShadingPass& pass, std::int32_t x, std::int32_t y, Visit visit)
-{
-    if (pass.hoisted) {
-        for (std::size_t i = 0; i < pass.fixed.size(); ++i)
-            visit(i, pass.fixed[i]);
-        return;
-    }
-    float p[3];
-    WorldPoint(pass.layer, x, y, p);
-    LightSample light;
-    for (std::int32_t i = 0; EvaluateLight(pass.lights, i, p, light); ++i)
-        visit(static_cast<std::size_t>(i), light);
-}
-
-// The first light of the list at pixel (x, y); false when there is none.
-bool FirstLight(const ShadingPass& pass, std::int32_t x, std::int32_t y, LightSample& first)
-{
-    if (pass.hoisted) {
-        if (pass.fixed.empty())
-            return false;
-        first = pass.fixed.front();
-        return true;
-    }
-    float p[3];
-    WorldPoint(pass.layer, x, y, p);
-    return EvaluateLight(pass.lights, 0, p, first);
 }
 
 // Pass 1: ambient and diffuse under every light, times the surface colour.
-// The parallel path's memory along a row: with the lights the same at
+// The memory along a row: with the lights the same at
 // every point, what the lights give depends on the normal alone, and
 // neighbouring pixels often share it.
 struct RowMemo {
@@ -361,9 +275,9 @@ struct RowMemo {
     bool valid = false;
     float value[3] = {0.0f, 0.0f, 0.0f};
 
-    bool Has(const ShadingPass& pass, const FZPackedVector& n) const
+    bool Has(const FZPackedVector& n) const
     {
-        return pass.hoisted && valid && n.x == normal.x && n.y == normal.y && n.z == normal.z;
+        return valid && n.x == normal.x && n.y == normal.y && n.z == normal.z;
     }
     void Keep(const FZPackedVector& n, const float v[3])
     {
@@ -380,7 +294,7 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
     RowMemo memo;
     // With the material's colour everywhere, the stored bytes too depend
     // on the normal alone, and the colour is read once for the row.
-    const bool uniform = !(layer.colorSource == 1 && layer.colors != nullptr);
+    const bool uniform = !(layer.colorSource == 1 && !layer.colors.empty());
     std::uint8_t bytes[3] = {0, 0, 0};
     float material[3];
     layer.material.color.GetFloats(material);
@@ -388,7 +302,7 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
         if (layer.coverage[y][x] == 0)
             continue;
         const FZPackedVector& normal = layer.normals[y][x];
-        const bool known = memo.Has(pass, normal);
+        const bool known = memo.Has(normal);
         if (known && uniform) {
             std::uint8_t* p = layer.shaded->PixelAddress(x, y);
             p[0] = bytes[0];
@@ -401,22 +315,22 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
             for (int c = 0; c < 3; ++c)
                 acc[c] = memo.value[c];
         } else {
-            ForEachLight(pass, x, y, [&](std::size_t, const LightSample& light) {
+            for (const LightSample& light : pass.fixed) {
                 float term[3];
                 DiffuseTerm(layer.material, normal, light.direction, light.color, term);
                 for (int c = 0; c < 3; ++c)
                     acc[c] = static_cast<float>(static_cast<double>(acc[c]) + term[c]);
-            });
+            }
             memo.Keep(normal, acc);
         }
         float own[3];
-        if (!(pass.hoisted && uniform))
+        if (!uniform)
             BaseColor(layer, x, y, own);
-        const float* base = pass.hoisted && uniform ? material : own;
+        const float* base = uniform ? material : own;
         for (int c = 0; c < 3; ++c)
             acc[c] = static_cast<float>(static_cast<double>(acc[c]) * base[c]);
         ClampToOne(acc);
-        StorePixel(*layer.shaded, x, y, acc);
+        FZStorePixel(*layer.shaded, x, y, acc);
         const std::uint8_t* p = layer.shaded->PixelAddress(x, y);
         bytes[0] = p[0];
         bytes[1] = p[1];
@@ -442,19 +356,17 @@ void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
         const float py = static_cast<float>(y + 0.5);
         const float depth = layer.depth[y][x];
         const FZPackedVector& normal = layer.normals[y][x];
-        if (!grooves && memo.Has(pass, normal)) {
+        if (!grooves && memo.Has(normal)) {
             layer.highlight[y][x] = memo.value[0];
             continue;
         }
         float sum = 0.0f;
         if (pass.frames != nullptr)
             frame.UseEntry(&pass.frames[static_cast<std::size_t>(y) * layer.width + x]);
-        ForEachLight(pass, x, y, [&](std::size_t i, const LightSample& light) {
-            const float term = pass.hoisted
-                                   ? HighlightAt(layer, pass.highlights[i], px, py, depth, normal, &frame)
-                                   : HighlightTerm(layer, px, py, depth, normal, light.direction, pass.view);
+        for (const HighlightSetup& h : pass.highlights) {
+            const float term = HighlightAt(layer, h, px, py, depth, normal, frame);
             sum = static_cast<float>(sum + static_cast<double>(term));
-        });
+        }
         layer.highlight[y][x] = sum;
         const float kept[3] = {sum, 0.0f, 0.0f};
         memo.Keep(normal, kept);
@@ -491,12 +403,11 @@ float PixelHighlight(const ShadingPass& pass, std::int32_t x, std::int32_t y)
         return layer.highlight[y][x];
     const float width = layer.material.smoothWidth;
     float sum = 0.0f;
-    ForEachLight(pass, x, y, [&](std::size_t i, const LightSample& light) {
+    for (const HighlightSetup& h : pass.highlights) {
         FZFacetFrame frame;
-        const float term = pass.hoisted ? SmoothHighlightAt(layer, pass.highlights[i], x, y, 3, width, &frame)
-                                        : SmoothHighlightTerm(layer, x, y, 3, width, light.direction, pass.view);
+        const float term = SmoothHighlightAt(layer, h, x, y, 3, width, frame);
         sum = static_cast<float>(sum + static_cast<double>(term));
-    });
+    }
     return sum;
 }
 
@@ -508,11 +419,10 @@ void HighlightColor(const ShadingPass& pass, std::int32_t x, std::int32_t y, flo
     m.highlightColor.GetFloats(hc);
     if (m.rainbow == 0)
         return;
-    LightSample first;
-    if (!FirstLight(pass, x, y, first))
+    if (pass.fixed.empty())
         return;
     float tint[3];
-    RainbowGloss(m.stripeSpacing, m.refractiveIndex, first.direction, layer.normals[y][x], tint);
+    RainbowGloss(m.stripeSpacing, m.refractiveIndex, pass.fixed.front().direction, layer.normals[y][x], tint);
     for (int c = 0; c < 3; ++c)
         hc[c] = static_cast<float>(static_cast<double>(hc[c]) * tint[c]);
 }
@@ -530,7 +440,7 @@ void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
     for (std::int32_t x = 0; x < layer.width; ++x) {
         if (layer.coverage[y][x] == 0)
             continue;
-        if (pass.hoisted && pass.whiteStaysWhite && IsWhite(*layer.shaded, x, y))
+        if (pass.whiteStaysWhite && IsWhite(*layer.shaded, x, y))
             continue;
         float h = PixelHighlight(pass, x, y);
         if (h > 1.0f)
@@ -540,11 +450,11 @@ void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
         float hc[3];
         HighlightColor(pass, x, y, hc);
         float colour[3];
-        ReadPixel(*layer.shaded, x, y, colour);
+        FZReadPixel(*layer.shaded, x, y, colour);
         for (int c = 0; c < 3; ++c)
             colour[c] = static_cast<float>(colour[c] + static_cast<double>(h) * hc[c]);
         ClampToOne(colour);
-        StorePixel(*layer.shaded, x, y, colour);
+        FZStorePixel(*layer.shaded, x, y, colour);
     }
 }
 
@@ -559,7 +469,7 @@ bool AnyCovered(const FZLayer& layer)
 
 } // namespace
 
-FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLight>* lights)
+FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZLightList* lights)
 {
     // A layer without its rows (a copy not yet prepared) has nothing to shade.
     if (layer.width < 1 || layer.height < 1 || !HasSurface(layer))
@@ -569,29 +479,21 @@ FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray
         return imageResult;
     // A NaN strength counts as no highlight, in every pass.
     const bool highlight = layer.material.highlightStrength > 0.0f;
-    // All rows or none: after a failure the next shading starts afresh.
-    if (highlight && layer.highlight == nullptr) {
-        layer.highlight = FZNewRows<float>(layer.width, layer.height);
-        if (layer.highlight == nullptr)
-            return FZResult::OutOfMemory;
-    }
+    if (highlight && layer.highlight.empty())
+        layer.highlight = FZRaster<float>(layer.width, layer.height);
 
     ShadingPass pass{layer, view, lights};
-    const bool parallel = ParallelRendering();
-    if (parallel)
-        HoistLights(pass, highlight);
+    HoistLights(pass, highlight);
     ParallelRows(0, layer.height, [&pass](std::int32_t y) { ShadeDiffuseRow(pass, y); });
     if (!highlight)
         return FZResult::Ok;
     // The groove noise table is filled by the first anisotropic highlight of
     // the module's life; it happens here, on this thread, when the rows below
     // would be the first.
-    LightSample light;
-    const float anywhere[3] = {0.0f, 0.0f, 0.0f};
-    const bool grooves = parallel && layer.material.anisotropic != 0;
-    if (grooves && EvaluateLight(lights, 0, anywhere, light) && AnyCovered(layer))
+    const bool grooves = layer.material.anisotropic != 0;
+    if (grooves && !pass.fixed.empty() && AnyCovered(layer))
         GrooveNoiseTable();
-    if (grooves && pass.hoisted)
+    if (grooves)
         pass.frames = FacetFrames().Lend(layer.width, layer.height);
     ParallelRows(0, layer.height, [&pass](std::int32_t y) { FillHighlightRow(pass, y); });
     if (pass.frames != nullptr)
@@ -612,25 +514,6 @@ void DiffuseTerm(const FZAttributeEx& material, const FZPackedVector& normal, co
     }
     for (int c = 0; c < 3; ++c)
         out[c] = static_cast<float>(static_cast<double>(out[c]) + material.ambient);
-}
-
-float HighlightTerm(const FZLayer& layer, float px, float py, float depth, const FZPackedVector& normal,
-                    const FZPackedVector& lightDir, const FZPackedVector& view)
-{
-    if (!(layer.material.highlightStrength > 0.0f))
-        return 0.0f;
-    return HighlightAt(layer, SetUpHighlight(layer, lightDir, view, false), px, py, depth, normal);
-}
-
-float SmoothHighlightTerm(const FZLayer& layer, int x, int y, int n, float boxWidth, const FZPackedVector& lightDir,
-                          const FZPackedVector& view)
-{
-    if (n < 1 || !HasSurface(layer) || x < 0 || y < 0 || x >= layer.width || y >= layer.height)
-        return 0.0f;
-    // Without a highlight every point gives 0.
-    if (!(layer.material.highlightStrength > 0.0f))
-        return 0.0f;
-    return SmoothHighlightAt(layer, SetUpHighlight(layer, lightDir, view, false), x, y, n, boxWidth);
 }
 
 FZPackedVector FilteredNormal(const FZLayer& layer, float sx, float sy, float boxWidth)

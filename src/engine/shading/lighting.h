@@ -10,14 +10,10 @@
 // depth or normal rows, has nothing to shade. OutOfMemory (before any pixel
 // is written) when the image or the map cannot be had; a failed map leaves
 // none behind.
-FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZPtrArray<FZLight>* lights);
+FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZLightList* lights);
 
 void DiffuseTerm(const FZAttributeEx& material, const FZPackedVector& normal,
                  const FZPackedVector& lightDir, const float lightColor[3], float out[3]);
-float HighlightTerm(const FZLayer& layer, float px, float py, float depth, const FZPackedVector& normal,
-                    const FZPackedVector& lightDir, const FZPackedVector& view);
-float SmoothHighlightTerm(const FZLayer& layer, int x, int y, int n, float boxWidth,
-                          const FZPackedVector& lightDir, const FZPackedVector& view);
 FZPackedVector FilteredNormal(const FZLayer& layer, float sx, float sy, float boxWidth);
 void RainbowGloss(float spacing, float index, const FZPackedVector& lightDir, const FZPackedVector& normal,
                   float out[3]);

@@ -14,7 +14,7 @@ FZRect WholeLayer(const FZLayer& layer)
 
 bool HasHeightField(const FZLayer& layer)
 {
-    return layer.coverage != nullptr && layer.depth != nullptr;
+    return !layer.coverage.empty() && !layer.depth.empty();
 }
 
 // Sobel kernels, indexed [dy + 1][dx + 1].
@@ -182,7 +182,7 @@ FZResult PrepareSurface(FZLayer& layer, const FZRect& rect)
 bool CoverageBounds(const FZLayer& layer, FZRect& bounds)
 {
     bounds.Set(1000000, 1000000, -1000000, -1000000);
-    if (layer.coverage == nullptr)
+    if (layer.coverage.empty())
         return false;
     for (std::int32_t y = 0; y < layer.height; ++y) {
         for (std::int32_t x = 0; x < layer.width; ++x) {
@@ -237,11 +237,8 @@ void OffsetDepth(FZLayer& layer, float value, int weighted)
 
 FZResult EstimateNormals(FZLayer& layer, const FZRect& rect)
 {
-    if (layer.normals == nullptr) {
-        layer.normals = FZNewRows<FZPackedVector>(layer.width, layer.height);
-        if (layer.normals == nullptr)
-            return FZResult::OutOfMemory;
-    }
+    if (layer.normals.empty())
+        layer.normals = FZRaster<FZPackedVector>(layer.width, layer.height);
     FZRect r = rect;
     if (!HasHeightField(layer) || !r.ClipTo(0, 0, layer.width - 1, layer.height - 1))
         return FZResult::Ok;

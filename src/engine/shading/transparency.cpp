@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "engine/fz_math.h"
+#include "engine/pixel.h"
 
 namespace {
 
@@ -17,7 +18,7 @@ float ApplyIncidence(float t, float k, const FZLayer& layer, std::int32_t x, std
     if (!(k > 0.0f))
         return t;
     // Without normals the surface counts as facing the viewer.
-    const double nz = layer.normals == nullptr ? 1.0 : static_cast<float>(layer.normals[y][x].Component(2));
+    const double nz = layer.normals.empty() ? 1.0 : static_cast<float>(layer.normals[y][x].Component(2));
     return static_cast<float>((1.0 - k) * t + static_cast<double>(t) * k * nz);
 }
 
@@ -37,7 +38,7 @@ float ApplyAttenuation(float t, const FZLayer& layer, std::int32_t x, std::int32
                        const float* factor)
 {
     const FZAttributeEx& m = layer.material;
-    if (!(t > 0.0f) || !(m.attenuation > 0.0f) || layer.depth == nullptr)
+    if (!(t > 0.0f) || !(m.attenuation > 0.0f) || layer.depth.empty())
         return t;
     const float range = static_cast<float>(static_cast<double>(layer.depthMax) - layer.depthMin);
     const float h = static_cast<float>(static_cast<double>(layer.depth[y][x]) - layer.depthMin);
@@ -59,14 +60,11 @@ void Lookup(const FZLayer& layer, int x, int y, float colour[3], float& t, const
 {
     colour[0] = colour[1] = colour[2] = 0.0f;
     t = 0.0f;
-    const FZImage* image = layer.shaded;
-    if (image == nullptr || image->data == nullptr || x < 0 || y < 0 || x >= image->width || y >= image->height
+    const FZImage* image = layer.shaded.get();
+    if (image == nullptr || image->data.empty() || x < 0 || y < 0 || x >= image->width || y >= image->height
         || x >= layer.width || y >= layer.height)
         return;
-    const std::uint8_t* p = image->PixelAddress(x, y);
-    colour[0] = static_cast<float>(p[2] * 1.0 / 255.0);
-    colour[1] = static_cast<float>(p[1] * 1.0 / 255.0);
-    colour[2] = static_cast<float>(p[0] * 1.0 / 255.0);
+    FZReadPixel(*image, x, y, colour);
 
     const FZAttributeEx& m = layer.material;
     if (!(m.transparency > 0.0f))

@@ -1,0 +1,40 @@
+// The rule of the colour arithmetic, stated once. A colour channel is a
+// float; a byte b reads as b / 255, divided in double and rounded once to
+// float; a float v stores as v x 255 in double, truncated toward zero and
+// held within 0 to 255, so that a negative or NaN channel from a wild
+// record shows black. Images keep their bytes blue, green, red; the
+// functions below take and give red, green, blue.
+#ifndef TAMERISK_ENGINE_PIXEL_H
+#define TAMERISK_ENGINE_PIXEL_H
+
+#include <cstdint>
+
+#include "engine/fz_math.h"
+#include "engine/image.h"
+
+inline float FZByteToFloat(std::uint8_t b)
+{
+    return static_cast<float>(b / 255.0);
+}
+
+inline std::uint8_t FZFloatToByte(float v)
+{
+    return static_cast<std::uint8_t>(FZTruncateClamped(static_cast<double>(v) * 255.0, 0, 255));
+}
+
+// Pixel (x, y) of a 24-bit image; no bounds check, callers clip.
+inline void FZReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, float rgb[3])
+{
+    const std::uint8_t* p = image.PixelAddress(x, y);
+    for (int c = 0; c < 3; ++c)
+        rgb[c] = FZByteToFloat(p[2 - c]);
+}
+
+inline void FZStorePixel(FZImage& image, std::int32_t x, std::int32_t y, const float rgb[3])
+{
+    std::uint8_t* p = image.PixelAddress(x, y);
+    for (int c = 0; c < 3; ++c)
+        p[2 - c] = FZFloatToByte(rgb[c]);
+}
+
+#endif
