@@ -183,6 +183,9 @@ struct FallTable {
     // plain way).
     bool Make(std::int32_t rows, std::int32_t cols, double r)
     {
+        // A ground too small for a lattice point has nothing to light.
+        if (rows <= 0 || cols <= 0)
+            return false;
         width = 2 * cols - 1;
         try {
             fall.assign(static_cast<std::size_t>(rows) * static_cast<std::size_t>(width), 0.0);
