@@ -18,13 +18,8 @@ namespace {
 
 bool SameBytes(const FZAttributeEx& a, const FZAttributeEx& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
-FZAttributeEx SampleMaterial()
-{
-    FZAttributeEx m;
-    m.diffuse = 0.5f;  // slider 32
-    m.thickness = 7.0f;
-    return m;
-}
+// Diffuse 0.5 shows as slider position 32.
+const FZAttributeEx kSample = [] { FZAttributeEx m; m.diffuse = 0.5f; m.thickness = 7.0f; return m; }();
 
 template <typename Control>
 Control* EditorControl(const char* id)
@@ -56,7 +51,7 @@ protected:
     void TearDown() override { api.Close(); }
     FZAttributeEx Held() const  // read over a filled record
     {
-        FZAttributeEx got = SampleMaterial();
+        FZAttributeEx got = kSample;
         api.GetAttribute(&got);
         return got;
     }
@@ -75,7 +70,7 @@ TEST_F(HostInterface, WithoutAnEditorNothingHappens)
     api.Close();
     EXPECT_EQ(api.GetShow(), 0xFFFFFFFFu);
     EXPECT_EQ(api.GetColorBind(), 0);
-    EXPECT_TRUE(SameBytes(Held(), SampleMaterial()));
+    EXPECT_TRUE(SameBytes(Held(), kSample));
     EXPECT_EQ(EditorWindow(), nullptr);
     int opened = -1;
     std::thread([&] { opened = api.Open(nullptr, 0); }).join();  // off the GUI thread
@@ -92,7 +87,7 @@ TEST_F(HostInterface, MaterialAndColourBindTravelAsAHostExpects)
     EXPECT_EQ(EditorWindow()->pos(), QPoint(0, 0));
     EXPECT_TRUE(SameBytes(Held(), FZAttributeEx()));
 
-    FZAttributeEx sent = SampleMaterial();
+    FZAttributeEx sent = kSample;
     api.SetAttribute(&sent);
     api.SetAttribute(nullptr);  // null records are ignored
     api.GetAttribute(nullptr);
@@ -111,7 +106,7 @@ TEST_F(HostInterface, NotifyReachesTheHostBeforeTheButtonReturns)
 {
     NotifyWindow host;
     ASSERT_EQ(api.Open(&host, host.message), 1);
-    FZAttributeEx sent = SampleMaterial();
+    FZAttributeEx sent = kSample;
     api.SetAttribute(&sent);
     ASSERT_NE(EditorControl<QAbstractButton>("1017"), nullptr);
     EditorControl<QAbstractButton>("1017")->click();  // "更新"
@@ -152,7 +147,7 @@ TEST_F(HostInterface, ShowCommandsFollowTheWindowsNumbers)
 
 TEST_F(HostInterface, ClosingTheDemoHostClosesTheEditorAndEndsTheProgram)
 {
-    HostWindow host(api, SampleMaterial(), QString());
+    HostWindow host(api, kSample, QString());
     host.show();
     host.OpenEditor();
     QPointer<QWidget> editor = EditorWindow();
