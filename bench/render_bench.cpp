@@ -1,10 +1,10 @@
-// Timings of the preview's two expensive calls at three frame sizes:
-// ApplyMaterial (shading of the sample layer and a full render) for each
-// material of the shared set, and BuildSampleShape (drawing, surface
-// preparation, shading and a full render) for each sample shape. Each runs
-// side by side with one thread and with several (the same code, so the
-// ratio is the gain from the extra cores); its "per_pixel" counter is the
-// time per frame pixel.
+// Timings of the preview's two expensive calls at three frame sizes (or
+// those of TAMERISK_BENCH_SIZES): ApplyMaterial (shading of the sample layer
+// and a full render) for each material of the shared set, and
+// BuildSampleShape (drawing, surface preparation, shading and a full render)
+// for each sample shape. Each runs side by side with one thread and with
+// several (the same code, so the ratio is the gain from the extra cores); its
+// "per_pixel" counter is the time per frame pixel.
 //
 // The several-thread runs use every processor, or TAMERISK_THREADS threads
 // when that variable is set (a number of 2 or more).
@@ -22,6 +22,7 @@
 #include <cstdlib>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "bench_materials.h"
 #include "engine/parallel.h"
@@ -93,7 +94,22 @@ void operator delete[](void* p, std::size_t) noexcept
 
 namespace {
 
-const std::int32_t kSizes[] = {120, 512, 1024};
+// The frame sizes: 120, 512 and 1024, or the comma-separated list in
+// TAMERISK_BENCH_SIZES (the README's cost-per-pixel plot takes 120 to 2048).
+std::vector<std::int32_t> Sizes()
+{
+    const char* text = std::getenv("TAMERISK_BENCH_SIZES");
+    std::vector<std::int32_t> sizes;
+    for (const char* p = text; p != nullptr && *p != '\0';) {
+        char* end = nullptr;
+        const long n = std::strtol(p, &end, 10);
+        if (end == p || n < 1 || n > 8192)
+            break;
+        sizes.push_back(static_cast<std::int32_t>(n));
+        p = *end == ',' ? end + 1 : end;
+    }
+    return sizes.empty() ? std::vector<std::int32_t>{120, 512, 1024} : sizes;
+}
 
 // The thread count of the parallel runs.
 int ParallelThreads()
@@ -185,12 +201,13 @@ void PeakMemory(benchmark::State& state)
     state.counters["peak_MB"] = static_cast<double>(peak) / (1024.0 * 1024.0);
 }
 
-void AddRuns(benchmark::internal::Benchmark* b, const std::int32_t* sizes, std::size_t count)
+void AddRuns(benchmark::internal::Benchmark* b)
 {
     static const int parallel = ParallelThreads();
-    for (std::size_t i = 0; i < count; ++i)
+    static const std::vector<std::int32_t> sizes = Sizes();
+    for (const std::int32_t size : sizes)
         for (const int threads : {1, parallel})
-            b->Args({sizes[i], threads});
+            b->Args({size, threads});
     b->ArgNames({"size", "threads"})->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 
@@ -204,14 +221,11 @@ const bool kRegistered = [] {
         ->Iterations(1)
         ->Unit(benchmark::kMillisecond)
         ->UseRealTime();
-    const std::size_t sizes = sizeof kSizes / sizeof kSizes[0];
     for (const BenchMaterial& m : BenchMaterials())
-        AddRuns(benchmark::RegisterBenchmark(("ApplyMaterial/" + m.name).c_str(), ApplyAndRender, m.material),
-                kSizes, sizes);
+        AddRuns(benchmark::RegisterBenchmark(("ApplyMaterial/" + m.name).c_str(), ApplyAndRender, m.material));
     for (std::int32_t shape = 1; shape <= 4; ++shape)
-        AddRuns(benchmark::RegisterBenchmark(("BuildSampleShape/" + std::to_string(shape)).c_str(), BuildShape,
-                                             shape),
-                kSizes, sizes);
+        AddRuns(
+            benchmark::RegisterBenchmark(("BuildSampleShape/" + std::to_string(shape)).c_str(), BuildShape, shape));
     return true;
 }();
 

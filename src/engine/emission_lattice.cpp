@@ -13,6 +13,15 @@
 
 #include "engine/fz_math.h"
 #include "engine/parallel.h"
+#include "engine/render_watch.h"
+
+// Plain loops that GCC turns into vector code for the processor at hand,
+// each lane doing the loop's own float operations.
+#if defined(__GNUC__) && !defined(__clang__) && (defined(__x86_64__) || defined(__i386__))
+#define TAMERISK_LATTICE_KERNEL __attribute__((target_clones("avx512f", "avx2", "default")))
+#else
+#define TAMERISK_LATTICE_KERNEL
+#endif
 
 namespace {
 
@@ -23,6 +32,9 @@ struct Centre {
     float cx;
     float cy;
     bool lit;
+    // The ground lattice point the centre sits on exactly, or -1.
+    std::int32_t column;
+    std::int32_t row;
 };
 
 // The lattice points of one ground row: their x in the frame, and their
@@ -154,6 +166,103 @@ std::atomic<SplatCentreFunction>& Kernel()
     return kernel;
 }
 
+// The falloff of a centre that sits exactly on a ground lattice point, k
+// lattice columns and l lattice rows away from the point it lights: its
+// offsets are 5 k and 5 l exactly, so the float distance, the radius test
+// and the square root depend on k and l alone and are made once here for
+// all centres. Most block centres of an evenly lit emitter sit there. Each
+// row holds k from -(columns - 1) to columns - 1, so that a centre's terms
+// along a lattice row are read in the order of the points.
+struct FallTable {
+    std::int32_t columns = 0;
+    std::int32_t width = 0;                // 2 columns - 1
+    std::vector<double> fall;              // row l, column k: sqrt(d2) - r
+    std::vector<std::int32_t> reach;       // row l: the largest |k| within r, or -1
+
+    // False when its memory cannot be had (then every centre takes the
+    // plain way).
+    bool Make(std::int32_t rows, std::int32_t cols, double r)
+    {
+        // A ground too small for a lattice point has nothing to light.
+        if (rows <= 0 || cols <= 0)
+            return false;
+        width = 2 * cols - 1;
+        try {
+            fall.assign(static_cast<std::size_t>(rows) * static_cast<std::size_t>(width), 0.0);
+            reach.assign(static_cast<std::size_t>(rows), -1);
+        } catch (const std::bad_alloc&) {
+            fall.clear();
+            reach.clear();
+            return false;
+        }
+        columns = cols;
+        for (std::int32_t l = 0; l < rows; ++l) {
+            const double dy = 5.0 * l;
+            double* middle = &fall[static_cast<std::size_t>(l) * width + (cols - 1)];
+            for (std::int32_t k = 0; k < cols; ++k) {
+                const double dx = 5.0 * k;
+                const float dist2 = static_cast<float>(dx * dx + dy * dy);
+                // The distance grows with k, so the points within r end at
+                // the first one beyond.
+                if (!(dist2 <= r * r))
+                    break;
+                middle[k] = middle[-k] = std::sqrt(static_cast<double>(dist2)) - r;
+                reach[l] = k;
+            }
+        }
+        return true;
+    }
+    bool Ready() const { return !reach.empty(); }
+    // Row l as seen from a centre in lattice column jc: entry j is the
+    // falloff (or the whole term) at lattice column j.
+    const double* RowFrom(const std::vector<double>& table, std::int32_t l, std::int32_t jc) const
+    {
+        return table.data() + static_cast<std::size_t>(l) * width + (columns - 1) - jc;
+    }
+
+    // The whole terms w k x fall x fall for the light wk that most centres
+    // share (every evenly lit block has the same), so that those centres
+    // only add. Without memory for them every centre multiplies.
+    double wk = std::numeric_limits<double>::quiet_NaN();
+    std::vector<double> term;
+    void MakeTerms(double sharedWk)
+    {
+        try {
+            term.assign(fall.size(), 0.0);
+        } catch (const std::bad_alloc&) {
+            return;
+        }
+        for (std::size_t i = 0; i < fall.size(); ++i)
+            term[i] = sharedWk * fall[i] * fall[i];
+        wk = sharedWk;
+    }
+};
+
+// The lattice index of coordinate v on a lattice starting at v0 with step 5,
+// or -1 when v is not exactly one of its n points.
+std::int32_t LatticeIndexOf(double v, double v0, std::int32_t n)
+{
+    const double t = (v - v0) / 5.0;
+    if (!(t >= 0.0 && t < n))
+        return -1;
+    const auto i = static_cast<std::int32_t>(t);
+    return v0 + 5.0 * i == v ? i : -1;
+}
+
+// A centre on lattice point (jc, ic) lighting lattice row i (|i - ic| = l):
+// the same terms as the plain splat, their distances from the table row
+// (or, for the shared light, the whole terms: then wk is 1 and the term
+// goes in as it is).
+template <bool kWholeTerms>
+inline __attribute__((always_inline)) void SplatAlignedCentre(double wk, const double* row, std::int32_t jc,
+                                                              std::int32_t reach, std::int32_t columns, float* cells)
+{
+    const std::int32_t first = FZMax(jc - reach, 0);
+    const std::int32_t last = FZMin(jc + reach, columns - 1);
+    for (std::int32_t j = first; j <= last; ++j)
+        cells[j] = static_cast<float>(cells[j] + (kWholeTerms ? row[j] : wk * row[j] * row[j]));
+}
+
 std::int32_t LatticeCount(std::int32_t size)
 {
     return size > 2 ? (size - 3) / 5 + 1 : 0;
@@ -167,10 +276,12 @@ struct Lattice {
     double r;
     std::int32_t blockColumns;
     std::int32_t columns;  // lattice columns of the ground
+    std::int32_t groundRows;
     std::int32_t stride;   // padded
     std::vector<Centre> centres;
     std::vector<double> gx;
     std::vector<float> cells;
+    FallTable falls;
 };
 
 void GatherCentres(Lattice& l, std::int32_t blockRow)
@@ -182,21 +293,42 @@ void GatherCentres(Lattice& l, std::int32_t blockRow)
         c.lit = EmissionBlockCentre(l.m, l.emitterRect.x0, l.emitterRect.y0, 2 + 5 * blockRow, 2 + 5 * j, w, c.cx,
                                     c.cy);
         c.wk = static_cast<double>(w) * k;
+        c.column = -1;
+        c.row = -1;
+        if (c.lit && l.falls.Ready()) {
+            const std::int32_t row = LatticeIndexOf(c.cy, l.groundRect.y0 + 2 + 0.5, l.groundRows);
+            const std::int32_t column = row < 0 ? -1 : LatticeIndexOf(c.cx, l.groundRect.x0 + 2 + 0.5, l.columns);
+            c.row = column < 0 ? -1 : row;
+            c.column = column;
+        }
     }
 }
 
-void SplatGroundRow(Lattice& l, SplatCentreFunction splat, std::int32_t row)
+TAMERISK_LATTICE_KERNEL void SplatGroundRow(Lattice& l, SplatCentreFunction splat, std::int32_t row)
 {
     const double r = l.r;
     const double gy = l.groundRect.y0 + (2 + 5 * row) + 0.5;
     float* cells = l.cells.data() + static_cast<std::size_t>(row) * l.stride;
     const double x0 = l.groundRect.x0 + 2 + 0.5;
+    if (RenderStopRequested())
+        return;
     for (const Centre& c : l.centres) {
         if (!c.lit)
             continue;
         const double dy = c.cy - gy;
         if (!(dy * dy <= r * r))
             continue;
+        if (c.row >= 0) {
+            const std::int32_t rows = row > c.row ? row - c.row : c.row - row;
+            const std::int32_t reach = l.falls.reach[rows];
+            if (reach >= 0 && c.wk == l.falls.wk)
+                SplatAlignedCentre<true>(1.0, l.falls.RowFrom(l.falls.term, rows, c.column), c.column, reach,
+                                         l.columns, cells);
+            else if (reach >= 0)
+                SplatAlignedCentre<false>(c.wk, l.falls.RowFrom(l.falls.fall, rows, c.column), c.column, reach,
+                                          l.columns, cells);
+            continue;
+        }
         std::int32_t first = 0;
         std::int32_t last = 0;
         ReachableColumns(c.cx, x0, r, l.columns, first, last);
@@ -244,9 +376,9 @@ bool SplatEmissionByGroundRows(const FZLightGrid& m, const FZRect& emitterRect, 
 {
     const SplatCentreFunction splat = Kernel().load();
     Lattice l{m, emitterRect, g, groundRect, static_cast<double>(radius), LatticeCount(m.width),
-              LatticeCount(g.width), 0, {}, {}, {}};
+              LatticeCount(g.width), LatticeCount(g.height), 0, {}, {}, {}, {}};
     const std::int32_t blockRows = LatticeCount(m.height);
-    const std::int32_t groundRows = LatticeCount(g.height);
+    const std::int32_t groundRows = l.groundRows;
     l.stride = (l.columns + kPad - 1) / kPad * kPad + kPad;
     try {
         l.centres.resize(static_cast<std::size_t>(blockRows) * static_cast<std::size_t>(l.blockColumns));
@@ -257,11 +389,20 @@ bool SplatEmissionByGroundRows(const FZLightGrid& m, const FZRect& emitterRect, 
     }
     for (std::int32_t j = 0; j < l.columns; ++j)
         l.gx[j] = groundRect.x0 + (2 + 5 * j) + 0.5;
+    // Without memory for the table every centre takes the plain way.
+    (void)l.falls.Make(groundRows, l.columns, l.r);
     for (std::int32_t row = 0; row < groundRows; ++row)
         for (std::int32_t j = 0; j < l.columns; ++j)
             l.cells[static_cast<std::size_t>(row) * l.stride + j] = g.rows[2 + 5 * row][2 + 5 * j];
 
     ParallelRows(0, blockRows, [&l](std::int32_t row) { GatherCentres(l, row); });
+    // The middle of the emitter is the likeliest to be evenly lit.
+    const std::size_t middle = l.centres.size() / 2;
+    for (std::size_t i = middle; i < l.centres.size(); ++i)
+        if (l.centres[i].row >= 0) {
+            l.falls.MakeTerms(l.centres[i].wk);
+            break;
+        }
     ParallelRows(0, groundRows, [&l, splat](std::int32_t row) { SplatGroundRow(l, splat, row); });
     return true;
 }

@@ -9,6 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include "engine/render_watch.h"
+
 namespace {
 
 // Chunks per thread: rows differ in cost (a sample shape fills the middle of
@@ -169,6 +171,25 @@ RowPool& Pool()
     return pool;
 }
 
+// A watched pass runs in chunks on one thread too, so that it can report
+// and stop between them.
+void RunWatchedRows(std::int32_t begin, std::int32_t end, FZRowChunkFunction chunk, void* context, int threads)
+{
+    FZWatchedPass pass{chunk, context, end - begin};
+    const auto watched = [](void* p, std::int32_t first, std::int32_t last) {
+        RunWatchedChunk(*static_cast<FZWatchedPass*>(p), first, last);
+    };
+    if (threads > 1 && end - begin > 1) {
+        Pool().Run(begin, end, watched, &pass, threads);
+        return;
+    }
+    const std::int32_t rows = end - begin;
+    const std::int32_t chunks = std::min(rows, kChunksPerThread);
+    for (std::int32_t i = 0; i < chunks; ++i)
+        watched(&pass, begin + static_cast<std::int32_t>(std::int64_t{rows} * i / chunks),
+                begin + static_cast<std::int32_t>(std::int64_t{rows} * (i + 1) / chunks));
+}
+
 } // namespace
 
 void SetRenderThreads(int count)
@@ -187,6 +208,10 @@ void RunRowChunks(std::int32_t begin, std::int32_t end, FZRowChunkFunction chunk
     if (end <= begin)
         return;
     const int threads = RenderThreads();
+    if (RenderWatched() && !insideChunk) {
+        RunWatchedRows(begin, end, chunk, context, threads);
+        return;
+    }
     if (threads <= 1 || end - begin == 1 || insideChunk) {
         chunk(context, begin, end);
         return;

@@ -14,8 +14,16 @@
 
 #include <tamerisk/fz_truncate.h>
 
+#include "engine/fz_math.h"
 #include "engine/parallel.h"
 #include "engine/scene.h"
+
+// Where a row kernel writes each sample point: whether it lies inside the
+// outline, and its height there (any value where it does not).
+struct FZSampleRow {
+    bool* inside;
+    float* z;
+};
 
 // The bounding box of an outline, computed when its parameters are set.
 struct FZShapeBox {
@@ -48,6 +56,8 @@ struct FZRoundedDisc {
     void Set(float centerX, float centerY, float baseHeight, float outerRadius, float rim);
     void Bounds(float& bx0, float& by0, float& bx1, float& by1) const { box.Get(bx0, by0, bx1, by1); }
     bool HeightAt(float x, float y, float& z) const;
+    // HeightAt for the n points (xs[k], y), all at once.
+    void HeightRow(float y, const float* xs, std::int32_t n, FZSampleRow out) const;
 };
 
 // Half an ellipsoid over the ellipse of semi-axes a and b.
@@ -63,6 +73,8 @@ struct FZDome {
     void Set(float centerX, float centerY, float semiA, float semiB, float baseHeight, float domeHeight);
     void Bounds(float& bx0, float& by0, float& bx1, float& by1) const { box.Get(bx0, by0, bx1, by1); }
     bool HeightAt(float x, float y, float& z) const;
+    // HeightAt for the n points (xs[k], y), all at once.
+    void HeightRow(float y, const float* xs, std::int32_t n, FZSampleRow out) const;
 };
 
 // A ring between the radii Ri and R whose cross-section is half an ellipse:
@@ -79,15 +91,43 @@ struct FZTorus {
     void Set(float centerX, float centerY, float baseHeight, float outer, float inner, float scale);
     void Bounds(float& bx0, float& by0, float& bx1, float& by1) const { box.Get(bx0, by0, bx1, by1); }
     bool HeightAt(float x, float y, float& z) const;
+    // HeightAt for the n points (xs[k], y), all at once.
+    void HeightRow(float y, const float* xs, std::int32_t n, FZSampleRow out) const;
 };
 
 // The colour handed to the layer with every drawn sample. The sample layer
 // shows its material's colour, so this one is never seen.
 inline constexpr FZColor kFZShapeSampleColor{};
 
+// The sample columns of a row of pixels from px0 to px1 and the sample rows
+// of a pixel row: the pixel coordinate plus 1/6, 1/2 and 5/6, the offsets
+// built by adding 1/3 to 1/6 in float.
+void FZSampleOffsets(std::int32_t p, float out[3]);
+
+// Merges the nine samples of one pixel (three sample rows of three) into
+// the layer with CompositeSample.
+void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py, const bool* const inside[3],
+                          const float* const z[3]);
+
+// The pixels a row kernel takes at a time: enough points for its vector
+// instructions, few enough to stay on the stack.
+inline constexpr std::int32_t kFZSamplePixels = 64;
+
+// Merges the nine samples of pixel k of a piece (three sample rows of
+// three) into the layer pixel (px, py) with CompositeSample.
+void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py,
+                          const bool (&inside)[3][3 * kFZSamplePixels], const float (&z)[3][3 * kFZSamplePixels],
+                          std::int32_t k);
+
+// The three sample offsets of pixel p along one axis: p + 1/6, p + 1/2 and
+// p + 5/6, the offsets built by adding 1/3 to 1/6 in float.
+void FZSampleOffsets(std::int32_t p, float* out);
+
 // Draws an outline into the layer: every pixel of its bounding box (clipped
 // to the layer) is tested at 3 x 3 points and merged with CompositeSample.
-// Single-precision arithmetic throughout.
+// Single-precision arithmetic throughout. Each pixel reads and writes only
+// itself, so rows run in parallel; the outline is tested a piece of a
+// sample row at a time.
 template <typename Shape>
 void RasterizeShape(FZLayer& layer, const Shape& shape)
 {
@@ -99,37 +139,21 @@ void RasterizeShape(FZLayer& layer, const Shape& shape)
     const std::int32_t columnLast = FZTruncateClamped(bx1 + 0.1f, INT32_MIN, layer.width - 1);
     const std::int32_t rowFirst = FZTruncateClamped(by0, 0, INT32_MAX);
     const std::int32_t rowLast = FZTruncateClamped(by1 + 0.1f, INT32_MIN, layer.height - 1);
-    const float third = 1.0f / 3.0f;
-    const float sixth = 1.0f / 6.0f;
-    const float ninth = 1.0f / 9.0f;
 
-    // Each pixel reads and writes only itself, so rows run in parallel.
     ParallelRows(rowFirst, rowLast + 1, [&](std::int32_t py) {
-        for (std::int32_t px = columnFirst; px <= columnLast; ++px) {
-            const float a0 = layer.coverage[py][px] / 255.0f;
-            const float z0p = layer.depth[py][px];
-            float weightSum = 0.0f;
-            float heightSum = 0.0f;
-            float dy = sixth;
-            for (int j = 0; j < 3; ++j, dy += third) {
-                float dx = sixth;
-                for (int i = 0; i < 3; ++i, dx += third) {
-                    float zs = 0.0f;
-                    if (shape.HeightAt(static_cast<float>(px) + dx, static_cast<float>(py) + dy, zs)) {
-                        // Over an earlier surface the higher of the two shows.
-                        weightSum += 1.0f;
-                        heightSum += a0 == 0.0f || zs >= z0p ? zs : z0p;
-                    } else if (a0 > 0.0f) {
-                        weightSum += a0;
-                        heightSum += a0 * z0p;
-                    }
-                }
-            }
-            if (weightSum > 0.0f) {
-                const float z = heightSum * (1.0f / weightSum);
-                const auto cb = static_cast<std::uint8_t>(FZTruncateClamped(weightSum * ninth * 255.0f, 0, 255));
-                layer.CompositeSample(px, py, z, cb, kFZShapeSampleColor);
-            }
+        float ys[3];
+        FZSampleOffsets(py, ys);
+        for (std::int32_t start = columnFirst; start <= columnLast; start += kFZSamplePixels) {
+            const std::int32_t pixels = FZMin(kFZSamplePixels, columnLast - start + 1);
+            float xs[3 * kFZSamplePixels];
+            bool inside[3][3 * kFZSamplePixels];
+            float z[3][3 * kFZSamplePixels];
+            for (std::int32_t k = 0; k < pixels; ++k)
+                FZSampleOffsets(start + k, xs + 3 * k);
+            for (int j = 0; j < 3; ++j)
+                shape.HeightRow(ys[j], xs, 3 * pixels, FZSampleRow{inside[j], z[j]});
+            for (std::int32_t k = 0; k < pixels; ++k)
+                CompositeNineSamples(layer, start + k, py, inside, z, 3 * k);
         }
     });
 }

@@ -65,6 +65,83 @@ FZPackedVector NormalAt(const FZLayer& layer, std::int32_t x, std::int32_t y)
     return normal;
 }
 
+// One step of a slope sum, rounded to float as NormalAt rounds it.
+inline float AddSlope(float sum, int k, float d)
+{
+    return static_cast<float>(sum + static_cast<double>(k) * d);
+}
+
+// NormalAt for a pixel of a row whose neighbours all lie in the layer and
+// are all covered, or false when the shortcut does not apply. The terms
+// whose kernel weight is 0 are left out: a slope sum starts at +0 and can
+// never become -0, so adding 0 x d leaves it as it is whenever d is finite
+// (when it is not, the full sum runs). The weights are small integers, which
+// float sums hold exactly.
+bool InteriorNormalAt(const std::uint8_t* const cov[3], const float* const depth[3], std::int32_t x,
+                      const FZPackedVector& flat, FZPackedVector& normal)
+{
+    int m[3][3];
+    for (int r = 0; r < 3; ++r)
+        for (int c = 0; c < 3; ++c)
+            m[r][c] = cov[r][x + c - 1];
+    if ((m[0][0] == 0) | (m[0][1] == 0) | (m[0][2] == 0) | (m[1][0] == 0) | (m[1][2] == 0) | (m[2][0] == 0)
+        | (m[2][1] == 0) | (m[2][2] == 0))
+        return false;
+    const double zc = depth[1][x];
+    float d[3][3];
+    for (int r = 0; r < 3; ++r)
+        for (int c = 0; c < 3; ++c)
+            d[r][c] = static_cast<float>((depth[r][x + c - 1] - zc) * m[r][c]);
+    if (!std::isfinite(d[0][1]) || !std::isfinite(d[2][1]) || !std::isfinite(d[1][0]) || !std::isfinite(d[1][2])
+        || !std::isfinite(zc))
+        return false;
+    float sx = AddSlope(0.0f, -1, d[0][0]);
+    sx = AddSlope(sx, 1, d[0][2]);
+    sx = AddSlope(sx, -2, d[1][0]);
+    sx = AddSlope(sx, 2, d[1][2]);
+    sx = AddSlope(sx, -1, d[2][0]);
+    sx = AddSlope(sx, 1, d[2][2]);
+    float sy = AddSlope(0.0f, -1, d[0][0]);
+    sy = AddSlope(sy, -2, d[0][1]);
+    sy = AddSlope(sy, -1, d[0][2]);
+    sy = AddSlope(sy, 1, d[2][0]);
+    sy = AddSlope(sy, 2, d[2][1]);
+    sy = AddSlope(sy, 1, d[2][2]);
+    if (sx == 0.0f && sy == 0.0f) {
+        normal = flat;
+        return true;
+    }
+    const int wx = m[0][0] + m[0][2] + 2 * m[1][0] + 2 * m[1][2] + m[2][0] + m[2][2];
+    const int wy = m[0][0] + 2 * m[0][1] + m[0][2] + m[2][0] + 2 * m[2][1] + m[2][2];
+    normal.SetFloats(static_cast<float>(-sx / static_cast<double>(wx)),
+                     static_cast<float>(-sy / static_cast<double>(wy)), 1.0f, true);
+    return true;
+}
+
+// The normals of the covered pixels of row y from x0 to x1.
+void EstimateRowNormals(FZLayer& layer, std::int32_t y, std::int32_t x0, std::int32_t x1)
+{
+    const std::uint8_t* coverage = layer.coverage[y];
+    FZPackedVector* normals = layer.normals[y];
+    if (y == 0 || y + 1 >= layer.height) {
+        for (std::int32_t x = x0; x <= x1; ++x)
+            if (coverage[x] != 0)
+                normals[x] = NormalAt(layer, x, y);
+        return;
+    }
+    // A level neighbourhood's normal, made once: both slopes 0.
+    FZPackedVector flat;
+    flat.SetFloats(0.0f, 0.0f, 1.0f, true);
+    const std::uint8_t* const cov[3] = {layer.coverage[y - 1], coverage, layer.coverage[y + 1]};
+    const float* const depth[3] = {layer.depth[y - 1], layer.depth[y], layer.depth[y + 1]};
+    for (std::int32_t x = x0; x <= x1; ++x) {
+        if (coverage[x] == 0)
+            continue;
+        if (x == 0 || x + 1 >= layer.width || !InteriorNormalAt(cov, depth, x, flat, normals[x]))
+            normals[x] = NormalAt(layer, x, y);
+    }
+}
+
 }  // namespace
 
 FZResult PrepareSurface(FZLayer& layer)
@@ -166,10 +243,6 @@ FZResult EstimateNormals(FZLayer& layer, const FZRect& rect)
     if (!HasHeightField(layer) || !r.ClipTo(0, 0, layer.width - 1, layer.height - 1))
         return FZResult::Ok;
     // Normals are written, depths and coverage only read: rows are independent.
-    ParallelRows(r.y0, r.y1 + 1, [&](std::int32_t y) {
-        for (std::int32_t x = r.x0; x <= r.x1; ++x)
-            if (layer.coverage[y][x] != 0)
-                layer.normals[y][x] = NormalAt(layer, x, y);
-    });
+    ParallelRows(r.y0, r.y1 + 1, [&](std::int32_t y) { EstimateRowNormals(layer, y, r.x0, r.x1); });
     return FZResult::Ok;
 }

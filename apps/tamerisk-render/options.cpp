@@ -1,0 +1,161 @@
+// The command line of tamerisk-render.
+#include "options.h"
+
+#include <QRegularExpression>
+
+namespace {
+
+constexpr int kMaxThreads = 256;
+
+// "N" for a square frame or "WxH"; both at least 1.
+bool ParseSize(const QString& text, Options& options, QString& error)
+{
+    static const QRegularExpression form(QStringLiteral("^(-?\\d+)(?:[xX](-?\\d+))?$"));
+    const QRegularExpressionMatch match = form.match(text);
+    if (!match.hasMatch()) {
+        error = QStringLiteral("invalid --size '%1': expected N or WxH").arg(text);
+        return false;
+    }
+    bool okW = false;
+    bool okH = true;
+    const qlonglong w = match.captured(1).toLongLong(&okW);
+    const qlonglong h = match.captured(2).isEmpty() ? w : match.captured(2).toLongLong(&okH);
+    if (okW && okH && (w < 1 || h < 1)) {
+        error = QStringLiteral("invalid --size '%1': width and height must be at least 1").arg(text);
+        return false;
+    }
+    if (!okW || !okH || w > INT32_MAX || h > INT32_MAX) {
+        error = QStringLiteral("--size '%1' is too large to render").arg(text);
+        return false;
+    }
+    options.width = static_cast<std::int32_t>(w);
+    options.height = static_cast<std::int32_t>(h);
+    return true;
+}
+
+bool ParseOutput(const QString& path, Options& options, QString& error)
+{
+    if (path.endsWith(QStringLiteral(".png"), Qt::CaseInsensitive)) {
+        options.format = Format::Png;
+    } else if (path.endsWith(QStringLiteral(".ppm"), Qt::CaseInsensitive)) {
+        options.format = Format::Ppm;
+    } else {
+        error = QStringLiteral("cannot tell the image format of '%1': the output must end in .png or .ppm")
+                    .arg(path);
+        return false;
+    }
+    options.output = path;
+    return true;
+}
+
+// Either --output and at most one material, or --output-dir and the
+// materials as arguments.
+bool ParseTargets(const QString& output, const QString& outputDir, const QString& material,
+                  const QStringList& files, Options& options, QString& error)
+{
+    if (outputDir.isEmpty()) {
+        if (!files.isEmpty()) {
+            error = QStringLiteral("unexpected argument '%1'").arg(files.first());
+            return false;
+        }
+        if (output.isEmpty()) {
+            error = QStringLiteral("--output (or --output-dir with material files) is required");
+            return false;
+        }
+        options.material = material;
+        return ParseOutput(output, options, error);
+    }
+    if (!output.isEmpty() || !material.isEmpty()) {
+        error = QStringLiteral("--output-dir takes the materials as arguments, without --output or --material");
+        return false;
+    }
+    if (files.isEmpty()) {
+        error = QStringLiteral("--output-dir needs at least one material FILE");
+        return false;
+    }
+    options.outputDir = outputDir;
+    options.files = files;
+    return true;
+}
+
+} // namespace
+
+bool ParseOptions(QCommandLineParser& parser, const QStringList& arguments, Options& options, QString& error)
+{
+    const QCommandLineOption material(QStringLiteral("material"),
+                                      QStringLiteral("Material to render: an attribute file (.qva) or its JSON form "
+                                                     "(.json). Without it, the default material."),
+                                      QStringLiteral("FILE"));
+    const QCommandLineOption shape(QStringLiteral("shape"),
+                                   QStringLiteral("Sample shape: 1 plate with a dimple (default), 2 low dome, "
+                                                  "3 flattened hemisphere, 4 ring."),
+                                   QStringLiteral("N"));
+    const QCommandLineOption size(QStringLiteral("size"),
+                                  QStringLiteral("Frame size in pixels: N for N x N (default 120) or WxH."),
+                                  QStringLiteral("N|WxH"));
+    const QCommandLineOption colorBind(QStringLiteral("color-bind"),
+                                       QStringLiteral("Show the sample white, as the editor does while the host "
+                                                      "controls the colour."));
+    const QCommandLineOption seed(QStringLiteral("seed"),
+                                  QStringLiteral("Seed the random generator instead of the time, so the groove "
+                                                 "depth variation of anisotropic materials is reproducible."),
+                                  QStringLiteral("S"));
+    const QCommandLineOption threads(QStringLiteral("threads"),
+                                     QStringLiteral("Render with N threads: 0 (the default) for one per processor. "
+                                                    "The picture is the same whatever N is."),
+                                     QStringLiteral("N"));
+    const QCommandLineOption output(QStringLiteral("output"),
+                                    QStringLiteral("Image to write: .png, or .ppm (binary P6, top row first)."),
+                                    QStringLiteral("OUT"));
+    const QCommandLineOption outputDir(QStringLiteral("output-dir"),
+                                       QStringLiteral("Render every material FILE given as an argument into "
+                                                      "DIR/<its name>.png, building the shape once."),
+                                       QStringLiteral("DIR"));
+    parser.setApplicationDescription(
+        QStringLiteral("Renders a material on a sample shape, as the material editor's preview shows it."));
+    parser.addOptions({material, shape, size, colorBind, seed, threads, output, outputDir});
+    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Materials to render with --output-dir."),
+                                 QStringLiteral("[FILE...]"));
+    parser.addHelpOption();
+
+    if (!parser.parse(arguments)) {
+        error = parser.errorText();
+        return false;
+    }
+    if (parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("help-all")))
+        parser.showHelp(0);
+    options.colorBind = parser.isSet(colorBind);
+    if (parser.isSet(shape)) {
+        bool ok = false;
+        options.shape = parser.value(shape).toInt(&ok);
+        if (!ok || options.shape < 1 || options.shape > 4) {
+            error = QStringLiteral("invalid --shape '%1': expected 1, 2, 3 or 4").arg(parser.value(shape));
+            return false;
+        }
+    }
+    if (parser.isSet(size) && !ParseSize(parser.value(size), options, error))
+        return false;
+    if (parser.isSet(seed)) {
+        bool ok = false;
+        const uint value = parser.value(seed).toUInt(&ok);
+        if (!ok) {
+            error = QStringLiteral("invalid --seed '%1': expected a number from 0 to 4294967295")
+                        .arg(parser.value(seed));
+            return false;
+        }
+        options.seed = value;
+    }
+    if (parser.isSet(threads)) {
+        bool ok = false;
+        options.threads = parser.value(threads).toInt(&ok);
+        if (!ok || options.threads < 0 || options.threads > kMaxThreads) {
+            error = QStringLiteral("invalid --threads '%1': expected a number from 0 to %2")
+                        .arg(parser.value(threads))
+                        .arg(kMaxThreads);
+            return false;
+        }
+    }
+    return ParseTargets(parser.value(output), parser.value(outputDir), parser.value(material),
+                        parser.positionalArguments(), options, error);
+}
+
