@@ -49,7 +49,7 @@ public:
     static constexpr std::int16_t kTranslation = 1;
     static constexpr std::int16_t kGeneral = 4;
 
-    float m[4][4];  // left unset by the constructor, as with any new matrix
+    float m[4][4];  // left unset by the constructor, like any plain array
     std::int16_t kind = kGeneral;
 
     void SetIdentity();
