@@ -6,8 +6,8 @@
 //   tamerisk-render [--shape N] [--size N|WxH] [--color-bind] [--seed S]
 //                   [--threads N] --output-dir DIR FILE...
 //
-// The picture is made through the panel's own calls (SetUpFrame,
-// BuildSampleShape, ApplyMaterial), so a thumbnail made here and the dialog's
+// The picture is made through the panel's own calls (SetUpFrame with the
+// shape, ApplyMaterial), so a thumbnail made here and the dialog's
 // preview agree pixel for pixel. A batch builds the shape once and applies
 // each material in turn, as the dialog does when the user loads another.
 // Every image is written to a temporary file beside the target and renamed
@@ -90,15 +90,13 @@ bool WriteImage(const QImage& image, const QString& path, Format format, QString
 // when it cannot be built.
 bool SetUp(const Options& options, CPreviewPanel& panel, QString& error)
 {
-    FZResult made = panel.SetUpFrame(options.width, options.height);
+    const FZResult made = panel.SetUpFrame(options.width, options.height, options.shape);
     if (made == FZResult::OutOfMemory) {
         error = QStringLiteral("a frame of %1 x %2 pixels is too large to render")
                     .arg(options.width)
                     .arg(options.height);
         return false;
     }
-    if (made == FZResult::Ok)
-        made = panel.BuildSampleShape(options.shape);
     if (made != FZResult::Ok) {
         error = QStringLiteral("the preview could not be set up (result code %1)").arg(ResultCode(made));
         return false;

@@ -40,7 +40,7 @@ void PaintChecker(FZLayer& ground)
 
 } // namespace
 
-FZResult CPreviewPanel::SetUpFrame(std::int32_t w, std::int32_t h)
+FZResult CPreviewPanel::SetUpFrame(std::int32_t w, std::int32_t h, std::int32_t shape)
 {
     if (w < 1 || h < 1)
         return FZResult::BadParameter;
@@ -62,12 +62,9 @@ FZResult CPreviewPanel::SetUpFrame(std::int32_t w, std::int32_t h)
     if (const FZResult shaded = ShadeLayerAt(*scene, groundIndex); shaded != FZResult::Ok)
         return shaded;
 
-    const FZResult built = BuildSampleShape(1);
-    if (built != FZResult::Ok)
-        return built;
-    if (FZLayer* sample = scene->LayerAt(sampleIndex))
-        sample->SetColorSource(0);
-    return RenderScene(*scene);
+    // The new sample layer takes the material's colour (source 0), and
+    // building it shades and renders the first frame.
+    return BuildSampleShape(shape);
 }
 
 FZResult CPreviewPanel::BuildSampleShape(std::int32_t n)

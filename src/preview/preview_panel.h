@@ -30,10 +30,12 @@ public:
     // Builds the scene for the control's client size and renders the first
     // frame. A null control does nothing.
     FZResult SetUp(QWidget* control);
-    // The same for a frame of w x h pixels, with no window. BadParameter
-    // when w or h is below 1, OutOfMemory for a frame beyond 8192 x 8192
-    // pixels, or what building the scene or the first shape gives.
-    FZResult SetUpFrame(std::int32_t w, std::int32_t h);
+    // The same for a frame of w x h pixels, with no window, and sample shape
+    // `shape` (the dialogs start with 1; a tool asks for its shape at once
+    // rather than building shape 1 to throw it away). BadParameter when w or
+    // h is below 1, OutOfMemory for a frame beyond 8192 x 8192 pixels, or
+    // what building the scene or the shape gives.
+    FZResult SetUpFrame(std::int32_t w, std::int32_t h, std::int32_t shape = 1);
 
     // Replaces the sample layer by shape n (1 to 4; others leave it empty),
     // keeping its material and colour source, and renders.
