@@ -20,7 +20,7 @@ FZResult FZImage::Create(std::int32_t w, std::int32_t h, std::int32_t bpp)
     const std::int64_t rowBytes = (std::int64_t{w} * bpp + 3) / 4 * 4;
     if (rowBytes > kMaxImageBytes || rowBytes * h > kMaxImageBytes)  // both below 2^31: no overflow
         return FZResult::OutOfMemory;
-    data.assign(static_cast<std::size_t>(rowBytes * h), 0);
+    data = FZZeroedArray<std::uint8_t>(static_cast<std::size_t>(rowBytes * h));
     width = w;
     height = h;
     bytesPerPixel = bpp;

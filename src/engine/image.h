@@ -7,8 +7,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
+#include "engine/zeroed_array.h"
 #include "material/result_codes.h"
 
 class FZImage {
@@ -17,7 +17,7 @@ public:
     std::int32_t height = 0;
     std::int32_t bytesPerPixel = 0;
     std::int32_t stride = 0;
-    std::vector<std::uint8_t> data;
+    FZZeroedArray<std::uint8_t> data;
 
     // Replaces the contents by a zeroed image. OutOfMemory when the pixels
     // would exceed 2 GiB, BadParameter for a negative size or a bytesPerPixel

@@ -6,13 +6,14 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+
+#include "engine/zeroed_array.h"
 
 template <typename T>
 class FZRaster {
 public:
     FZRaster() = default;
-    // w x h value-initialised entries; std::bad_alloc when they cannot be had.
+    // w x h zero entries; std::bad_alloc when they cannot be had.
     FZRaster(std::int32_t w, std::int32_t h)
         : width(w), height(h), stride(w), values(static_cast<std::size_t>(w) * static_cast<std::size_t>(h))
     {
@@ -30,7 +31,7 @@ public:
     std::int32_t stride = 0;
 
 private:
-    std::vector<T> values;
+    FZZeroedArray<T> values;
 };
 
 #endif

@@ -246,15 +246,16 @@ FZResult FZScene::SetUpFrame(std::int32_t w, std::int32_t h, const float backgro
     const float white[3] = {1.0f, 1.0f, 1.0f};
     lights.emplace_back().SetDirectional(1.0f, direction, white);
 
-    FZLayer ground;
-    if (const FZResult result = ground.Create(0, 0, w, h, groundDepth); result != FZResult::Ok)
+    // Built in place: a copy of a full-frame layer costs as much as making it.
+    auto ground = std::make_unique<FZLayer>();
+    if (const FZResult result = ground->Create(0, 0, w, h, groundDepth); result != FZResult::Ok)
         return result;
-    ground.FillDepth(0.0f);
-    ground.SetColorSource(0);
+    ground->FillDepth(0.0f);
+    ground->SetColorSource(0);
     FZAttributeEx groundMaterial;
     groundMaterial.color.SetFloats(backgroundColor);
-    ground.SetMaterial(groundMaterial);
-    AddLayer(ground);
+    ground->SetMaterial(groundMaterial);
+    layers.push_back(std::move(ground));
     return FZResult::Ok;
 }
 

@@ -30,7 +30,7 @@ void SetPixel(FZImage& image, int x, int y, Rgb rgb)
 
 std::vector<std::uint8_t> Bytes(const FZImage& image)
 {
-    return image.data;
+    return {image.data.data(), image.data.data() + image.data.size()};
 }
 
 // A material lit by its ambient term alone: it shades to ambient x colour.

@@ -1,0 +1,75 @@
+#include "engine/zeroed_array.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
+
+namespace {
+
+#if defined(__linux__)
+// From this size a block is mapped from the system: a 1024 x 1024 layer's
+// coverage is the smallest buffer that gains from huge pages.
+constexpr std::size_t kMapFrom = std::size_t{1} << 20;
+constexpr std::size_t kHugePage = std::size_t{2} << 20;
+
+std::size_t RoundUp(std::size_t n, std::size_t unit)
+{
+    return (n + unit - 1) / unit * unit;
+}
+
+// Whole huge pages, aligned to one, so that all of the block can be backed
+// by them. One more page is mapped than needed and the ends beyond the
+// aligned block are given back.
+void* MapZeroed(std::size_t length)
+{
+    void* raw = mmap(nullptr, length + kHugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (raw == MAP_FAILED)
+        throw std::bad_alloc();
+    const auto address = reinterpret_cast<std::uintptr_t>(raw);
+    const std::uintptr_t start = RoundUp(address, kHugePage);
+    const std::size_t head = start - address;
+    if (head != 0)
+        munmap(raw, head);
+    if (kHugePage - head != 0)
+        munmap(reinterpret_cast<void*>(start + length), kHugePage - head);
+    // Only a hint: without huge pages the block works the same.
+    (void)madvise(reinterpret_cast<void*>(start), length, MADV_HUGEPAGE);
+    return reinterpret_cast<void*>(start);
+}
+#endif
+
+} // namespace
+
+FZZeroedBlock::FZZeroedBlock(std::size_t bytes)
+{
+    if (bytes == 0)
+        return;
+#if defined(__linux__)
+    if (bytes >= kMapFrom) {
+        const std::size_t length = RoundUp(bytes, kHugePage);
+        if (length < bytes)
+            throw std::bad_alloc();
+        memory = std::unique_ptr<void, FZZeroedRelease>(MapZeroed(length), FZZeroedRelease{length});
+        return;
+    }
+#endif
+    void* p = std::calloc(bytes, 1);
+    if (p == nullptr)
+        throw std::bad_alloc();
+    memory = std::unique_ptr<void, FZZeroedRelease>(p, FZZeroedRelease{0});
+}
+
+void FZZeroedRelease::operator()(void* p) const
+{
+#if defined(__linux__)
+    if (mapped != 0) {
+        munmap(p, mapped);
+        return;
+    }
+#endif
+    std::free(p);
+}
