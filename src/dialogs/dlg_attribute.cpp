@@ -303,9 +303,7 @@ void CDlgAttribute::OnScreenChanged()
     // preview is made again for it rather than shown stretched.
     if (preview->FitsControl(controls->preview))
         return;
-    static_cast<void>(preview->SetUp(controls->preview));
-    if (sampleShape != 1)
-        static_cast<void>(preview->BuildSampleShape(sampleShape));
+    static_cast<void>(preview->SetUp(controls->preview, sampleShape));
     ReDraw();
 }
 

@@ -64,8 +64,7 @@ void CParameterDialog::Refresh()
 void CParameterDialog::SetUpPreview()
 {
     // A failed set-up leaves the preview blank; the dialog works without it.
-    static_cast<void>(preview.SetUp(previewControl));
-    if (preview.BuildSampleShape(sampleShape) == FZResult::Ok)
+    if (preview.SetUp(previewControl, sampleShape) == FZResult::Ok)
         Refresh();
 }
 

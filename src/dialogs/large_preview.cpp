@@ -70,7 +70,7 @@ void CLargePreview::Render()
         shown = false;
         // An area the scene cannot be made for (none yet, or too large for
         // the memory) keeps the last picture until its next size.
-        if (panel.SetUpFrame(pixels.width(), pixels.height()) != FZResult::Ok) {
+        if (panel.SetUpFrame(pixels.width(), pixels.height(), shape) != FZResult::Ok) {
             panel.ReleaseScene();
             return;
         }

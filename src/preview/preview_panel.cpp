@@ -62,20 +62,27 @@ FZResult CPreviewPanel::SetUpFrame(std::int32_t w, std::int32_t h, std::int32_t 
     if (const FZResult shaded = ShadeLayerAt(*scene, groundIndex); shaded != FZResult::Ok)
         return shaded;
 
-    // The new sample layer takes the material's colour (source 0), and
-    // building it shades and renders the first frame.
-    return BuildSampleShape(shape);
+    // The new sample layer takes the material's colour (source 0). It is
+    // shaded and the frame rendered by the ApplyMaterial that follows: every
+    // user of the panel gives the sample its material next, and shading it
+    // here first would only be thrown away.
+    return MakeSample(shape);
 }
 
 FZResult CPreviewPanel::BuildSampleShape(std::int32_t n)
 {
-    if (scene == nullptr)
+    if (scene == nullptr || (scene->LayerCount() == 2 && n == shapeNumber))
         return FZResult::Ok;
+    if (const FZResult made = MakeSample(n); made != FZResult::Ok)
+        return made;
+    return ShadeAndRender();
+}
+
+FZResult CPreviewPanel::MakeSample(std::int32_t n)
+{
     std::int16_t source = 0;
     FZAttributeEx material;
     if (scene->LayerCount() == 2) {
-        if (n == shapeNumber)
-            return FZResult::Ok;
         const FZLayer* old = scene->LayerAt(sampleIndex);
         source = old->GetColorSource();
         old->GetMaterial(material);
@@ -87,13 +94,12 @@ FZResult CPreviewPanel::BuildSampleShape(std::int32_t n)
     const float r = static_cast<float>(h / 2.3);
     if (const FZResult added = scene->AddFullFrameLayer(); added != FZResult::Ok)
         return added;
-    if (FZLayer* sample = scene->LayerAt(sampleIndex)) {
-        sample->SetColorSource(source);
-        sample->SetMaterial(material);
-        DrawSampleShape(*sample, n, static_cast<float>(w * 0.5), static_cast<float>(h * 0.5), r);
-    }
+    FZLayer* sample = scene->LayerAt(sampleIndex);
+    sample->SetColorSource(source);
+    sample->SetMaterial(material);
+    DrawSampleShape(*sample, n, static_cast<float>(w * 0.5), static_cast<float>(h * 0.5), r);
     shapeNumber = n;
-    return ShadeAndRender(sampleIndex, true);
+    return PrepareLayer(*scene, sampleIndex);
 }
 
 FZResult CPreviewPanel::ApplyMaterial(const FZAttributeEx& material, std::int32_t bind)
@@ -103,27 +109,19 @@ FZResult CPreviewPanel::ApplyMaterial(const FZAttributeEx& material, std::int32_
     if (FZLayer* sample = scene->LayerAt(sampleIndex)) {
         sample->SetMaterial(material);
         // While the host controls the colour, the sample shows white.
-        if (bind == 1) {
-            FZAttributeEx bound;
-            sample->GetMaterial(bound);
-            bound.color.SetBytes(255, 255, 255);
-            sample->SetMaterial(bound);
-        }
+        if (bind == 1)
+            sample->material.color.SetBytes(255, 255, 255);
     }
-    return ShadeAndRender(sampleIndex, false);
+    return ShadeAndRender();
 }
 
-FZResult CPreviewPanel::ShadeAndRender(std::int32_t index, bool prepare)
+FZResult CPreviewPanel::ShadeAndRender()
 {
     // A scene without the sample layer (its shape could not be built) still
     // renders the ground.
-    if (scene->LayerAt(index) != nullptr) {
-        if (prepare)
-            if (const FZResult prepared = PrepareLayer(*scene, index); prepared != FZResult::Ok)
-                return prepared;
-        if (const FZResult shaded = ShadeLayerAt(*scene, index); shaded != FZResult::Ok)
+    if (scene->LayerAt(sampleIndex) != nullptr)
+        if (const FZResult shaded = ShadeLayerAt(*scene, sampleIndex); shaded != FZResult::Ok)
             return shaded;
-    }
     return RenderScene(*scene);
 }
 

@@ -27,18 +27,20 @@ public:
     CPreviewPanel(const CPreviewPanel&) = delete;
     CPreviewPanel& operator=(const CPreviewPanel&) = delete;
 
-    // Builds the scene for the control's client size and renders the first
-    // frame. A null control does nothing.
-    FZResult SetUp(QWidget* control);
-    // The same for a frame of w x h pixels, with no window, and sample shape
-    // `shape` (the dialogs start with 1; a tool asks for its shape at once
-    // rather than building shape 1 to throw it away). BadParameter when w or
-    // h is below 1, OutOfMemory for a frame beyond 8192 x 8192 pixels, or
-    // what building the scene or the shape gives.
+    // Builds the scene for the control's client size with sample shape
+    // `shape`. A null control does nothing.
+    FZResult SetUp(QWidget* control, std::int32_t shape = 1);
+    // The same for a frame of w x h pixels, with no window. The sample is
+    // built but neither shaded nor rendered: the first frame comes from the
+    // ApplyMaterial that gives the sample its material (until then the
+    // scene has no frame). BadParameter when w or h is below 1, OutOfMemory
+    // for a frame beyond 8192 x 8192 pixels, or what building the scene or
+    // the shape gives.
     FZResult SetUpFrame(std::int32_t w, std::int32_t h, std::int32_t shape = 1);
 
     // Replaces the sample layer by shape n (1 to 4; others leave it empty),
-    // keeping its material and colour source, and renders.
+    // keeping its material and colour source, and renders. The shape it
+    // already shows does nothing.
     FZResult BuildSampleShape(std::int32_t n);
     // Gives the sample layer the material (white when bind is 1), shades it
     // and renders.
@@ -55,7 +57,9 @@ public:
     const FZScene* Scene() const { return scene.get(); }
 
 private:
-    FZResult ShadeAndRender(std::int32_t index, bool prepare);
+    // Draws shape n into a new sample layer and prepares its surface.
+    FZResult MakeSample(std::int32_t n);
+    FZResult ShadeAndRender();
 
     std::unique_ptr<FZScene> scene;
     std::int32_t groundIndex = 0;

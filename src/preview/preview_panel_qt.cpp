@@ -8,12 +8,12 @@
 #include "engine/display/image_display.h"
 #include "preview/preview_panel.h"
 
-FZResult CPreviewPanel::SetUp(QWidget* control)
+FZResult CPreviewPanel::SetUp(QWidget* control, std::int32_t shape)
 {
     if (control == nullptr)
         return FZResult::Ok;
     const qreal ratio = control->devicePixelRatioF();
-    return SetUpFrame(qRound(control->width() * ratio), qRound(control->height() * ratio));
+    return SetUpFrame(qRound(control->width() * ratio), qRound(control->height() * ratio), shape);
 }
 
 bool CPreviewPanel::FitsControl(const QWidget* control) const

@@ -72,6 +72,9 @@ TEST(PreviewPanel, OnlyAnotherShapeNumberRebuilds)
 {
     CPreviewPanel panel;
     ASSERT_EQ(panel.SetUpFrame(40, 40), FZResult::Ok);
+    // The first frame waits for the sample's material.
+    EXPECT_EQ(panel.Scene()->frame, nullptr);
+    ASSERT_EQ(panel.ApplyMaterial(FZAttributeEx(), 0), FZResult::Ok);
     std::uint8_t* marked = panel.Scene()->frame->PixelAddress(20, 20);
     marked[0] = 7;
     EXPECT_EQ(panel.BuildSampleShape(1), FZResult::Ok);
