@@ -38,16 +38,6 @@ void ClampToOne(float rgb[3])
             rgb[c] = 1.0f;
 }
 
-// The surface colour at the pixel. Any colour source but 1, and a layer
-// without own colour rows, take the material's colour.
-void BaseColor(const FZLayer& layer, std::int32_t x, std::int32_t y, float rgb[3])
-{
-    if (layer.colorSource == 1 && !layer.colors.empty())
-        layer.colors[y][x].GetFloats(rgb);
-    else
-        layer.material.color.GetFloats(rgb);
-}
-
 FZResult EnsureShadedImage(FZLayer& layer)
 {
     const FZImage* image = layer.shaded.get();
@@ -292,19 +282,24 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
     RowMemo memo;
-    // With the material's colour everywhere, the stored bytes too depend
-    // on the normal alone, and the colour is read once for the row.
+    // The stored bytes depend on the normal and the surface colour alone.
+    // With the material's colour everywhere the colour is read once for the
+    // row; with own colours (the checkered ground) the last colour is kept
+    // beside the last normal, as neighbours mostly share both.
     const bool uniform = !(layer.colorSource == 1 && !layer.colors.empty());
+    const FZColor* own = uniform ? nullptr : layer.colors[y];
+    FZColor lastColour = layer.material.color;
+    bool haveBytes = false;
     std::uint8_t bytes[3] = {0, 0, 0};
-    float material[3];
-    layer.material.color.GetFloats(material);
     for (std::int32_t x = 0; x < layer.width; ++x) {
         if (layer.coverage[y][x] == 0)
             continue;
         const FZPackedVector& normal = layer.normals[y][x];
         const bool known = memo.Has(normal);
-        if (known && uniform) {
-            std::uint8_t* p = layer.shaded->PixelAddress(x, y);
+        const FZColor colour = uniform ? lastColour : own[x];
+        const bool sameColour = colour.r == lastColour.r && colour.g == lastColour.g && colour.b == lastColour.b;
+        std::uint8_t* p = layer.shaded->PixelAddress(x, y);
+        if (known && sameColour && haveBytes) {
             p[0] = bytes[0];
             p[1] = bytes[1];
             p[2] = bytes[2];
@@ -323,15 +318,14 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
             }
             memo.Keep(normal, acc);
         }
-        float own[3];
-        if (!uniform)
-            BaseColor(layer, x, y, own);
-        const float* base = uniform ? material : own;
+        float base[3];
+        colour.GetFloats(base);
         for (int c = 0; c < 3; ++c)
             acc[c] = static_cast<float>(static_cast<double>(acc[c]) * base[c]);
         ClampToOne(acc);
         FZStorePixel(*layer.shaded, x, y, acc);
-        const std::uint8_t* p = layer.shaded->PixelAddress(x, y);
+        lastColour = colour;
+        haveBytes = true;
         bytes[0] = p[0];
         bytes[1] = p[1];
         bytes[2] = p[2];
