@@ -64,17 +64,6 @@ FZResult EnsureFrameSizedImage(const FZScene& scene, std::unique_ptr<FZImage>& i
     return result;
 }
 
-// Colour (R, G, B floats) of an image pixel, stored blue, green, red; from
-// a table of the 256 byte values when one is given.
-inline void ReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, float rgb[3],
-                      const float* values = nullptr)
-{
-    const std::uint8_t* p = image.PixelAddress(x, y);
-    for (int c = 0; c < 3; ++c)
-        rgb[c] = values != nullptr ? values[p[2 - c]] : FZByteToFloat(p[2 - c]);
-}
-
-void SampleBox(const FZScene& scene, double sx, double sy, float out[3], const float* values);
 
 void CopyBackground(const FZScene& scene, float rgb[3])
 {
@@ -111,7 +100,6 @@ struct ComposeShortcuts {
     bool opaqueTable = false;
     const std::uint8_t* table = nullptr;
     float attenuation = 0.0f;
-    const float* byteValues = nullptr;  // b / 255 for every byte
 };
 
 // Everything that stays the same for all pixels of one layer.
@@ -209,7 +197,7 @@ void RefractedColour(const LayerPass& pass, std::int32_t x, std::int32_t y, std:
     float sx = 0.0f;
     float sy = 0.0f;
     if (RefractedPoint(pass, x, y, lx, ly, d, n, memo, sx, sy))
-        SampleBox(pass.scene, sx, sy, out, pass.shortcuts.byteValues);
+        SampleBehind(pass.scene, sx, sy, out);
     else
         CopyBackground(pass.scene, out);
 }
@@ -254,7 +242,7 @@ std::uint8_t CompositeByte(float shade, float a, float through, float under)
 void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t x,
                   std::int32_t y, std::int32_t lx, std::int32_t ly, NormalMemo& memo)
 {
-    const float a = static_cast<float>(pass.layer.coverage[ly][lx] / 255.0);
+    const float a = FZByteToFloat(pass.layer.coverage[ly][lx]);
     if (!(a > 0.0f))
         return;
     const float d = pass.layer.depth[ly][lx];
@@ -284,7 +272,7 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
     float under[3] = {0.0f, 0.0f, 0.0f};
     const float uncovered = static_cast<float>(1.0 - a);
     if (uncovered != 0.0f) {
-        ReadPixel(behind, x, y, under, pass.shortcuts.byteValues);
+        FZReadPixel(behind, x, y, under);
         for (int c = 0; c < 3; ++c)
             under[c] = static_cast<float>(static_cast<double>(under[c]) * uncovered);
     }
@@ -340,20 +328,16 @@ void SetUpShortcuts(const LayerPass& pass, ComposeShortcuts& shortcuts)
     shortcuts.opaqueTable = !pass.reflects && !pass.refracts && shaded != nullptr && !shaded->data.empty()
                             && shaded->bytesPerPixel == 3 && shaded->width >= layer.width
                             && shaded->height >= layer.height;
-    struct Tables {
+    struct Table {
         std::uint8_t opaque[256];
-        float values[256];
     };
-    static const Tables tables = [] {
-        Tables t;
-        for (int b = 0; b < 256; ++b) {
+    static const Table table = [] {
+        Table t;
+        for (int b = 0; b < 256; ++b)
             t.opaque[b] = CompositeByte(FZByteToFloat(static_cast<std::uint8_t>(b)), 1.0f, 0.0f, 0.0f);
-            t.values[b] = FZByteToFloat(static_cast<std::uint8_t>(b));
-        }
         return t;
     }();
-    shortcuts.table = tables.opaque;
-    shortcuts.byteValues = tables.values;
+    shortcuts.table = table.opaque;
     shortcuts.attenuation = AttenuationFactor(layer);
 }
 
@@ -459,7 +443,7 @@ void DimEmissionRow(const FZLayer* front, const FZRect& renderRect, const FZRect
         return;
     const double clear = front->material.transparency;
     for (std::int32_t fx = frontRect.x0; fx <= frontRect.x1; ++fx) {
-        const float aj = static_cast<float>(front->coverage[y - front->y][fx - front->x] / 255.0);
+        const float aj = FZByteToFloat(front->coverage[y - front->y][fx - front->x]);
         float& cell = row[fx - rect.x0];
         cell = static_cast<float>(cell * (1.0 - aj + aj * clear));
     }
@@ -477,7 +461,7 @@ void GatherEmission(const FZScene& scene, std::int32_t index, const FZRect& rend
     ParallelRows(0, m.height, [&](std::int32_t r) {
         for (std::int32_t c = 0; c < m.width; ++c) {
             const std::uint8_t cov = layer.coverage[rect.y0 + r - layer.y][rect.x0 + c - layer.x];
-            m[r][c] = static_cast<float>(cov / 255.0 * emission * 200.0);
+            m[r][c] = static_cast<float>(FZByteRatio(cov) * emission * 200.0);
         }
         for (std::int32_t j = 1; j < index; ++j)
             DimEmissionRow(scene.LayerAt(j), renderRect, rect, rect.y0 + r, m[r]);
@@ -617,14 +601,6 @@ FZResult ComposeLayers(FZScene& scene, const FZRect& rect, FZImage& frame)
 
 void SampleBehind(const FZScene& scene, double sx, double sy, float out[3])
 {
-    SampleBox(scene, sx, sy, out, nullptr);
-}
-
-namespace {
-
-// SampleBehind, reading bytes through the table of their values when given.
-void SampleBox(const FZScene& scene, double sx, double sy, float out[3], const float* values)
-{
     CopyBackground(scene, out);
     const FZImage* image = scene.behind.get();
     // A ray that lands nowhere (a material's NaN or infinity) sees the
@@ -654,7 +630,7 @@ void SampleBox(const FZScene& scene, double sx, double sy, float out[3], const f
                 continue;
             const double weight = static_cast<double>(hx) * hy;
             float rgb[3];
-            ReadPixel(*image, c, r, rgb, values);
+            FZReadPixel(*image, c, r, rgb);
             for (int ch = 0; ch < 3; ++ch)
                 sum[ch] = static_cast<float>(sum[ch] + rgb[ch] * weight);
             total = static_cast<float>(total + weight);
@@ -667,8 +643,6 @@ void SampleBox(const FZScene& scene, double sx, double sy, float out[3], const f
         out[ch] = static_cast<float>(static_cast<double>(sum[ch]) / total * total
                                      + (1.0 - total) * scene.background[ch]);
 }
-
-} // namespace
 
 FZResult AddEmissionLight(FZScene& scene, const FZRect& rect, FZImage& frame)
 {
