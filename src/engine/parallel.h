@@ -42,4 +42,20 @@ void ParallelRows(std::int32_t begin, std::int32_t end, RowFunction&& row)
     RunRowChunks(begin, end, chunk, const_cast<void*>(static_cast<const void*>(std::addressof(row))));
 }
 
+// Copies and fills of fewer bytes than this run on the calling thread:
+// waking the pool costs more than the copy (a 120 x 120 frame is 43 KB).
+constexpr std::int64_t kFZParallelCopyBytes = std::int64_t{1} << 19;
+
+// ParallelRows for a pass that only moves bytes, rowBytes a row.
+template <typename RowFunction>
+void ParallelCopyRows(std::int32_t begin, std::int32_t end, std::int64_t rowBytes, RowFunction&& row)
+{
+    if (rowBytes * (std::int64_t{end} - begin) >= kFZParallelCopyBytes) {
+        ParallelRows(begin, end, row);
+        return;
+    }
+    for (std::int32_t y = begin; y < end; ++y)
+        row(y);
+}
+
 #endif

@@ -82,15 +82,16 @@ void FillRect(FZImage& frame, const FZRect& rect, const std::uint8_t bgr[3])
         first[i + 1] = bgr[1];
         first[i + 2] = bgr[2];
     }
-    ParallelRows(rect.y0 + 1, rect.y1 + 1,
-                 [&](std::int32_t y) { std::memcpy(frame.PixelAddress(rect.x0, y), first, bytes); });
+    ParallelCopyRows(rect.y0 + 1, rect.y1 + 1, static_cast<std::int64_t>(bytes),
+                     [&](std::int32_t y) { std::memcpy(frame.PixelAddress(rect.x0, y), first, bytes); });
 }
 
 void CopyRect(const FZImage& from, FZImage& to, const FZRect& rect)
 {
     const std::size_t bytes = static_cast<std::size_t>(rect.x1 - rect.x0 + 1) * 3;
-    ParallelRows(rect.y0, rect.y1 + 1,
-                 [&](std::int32_t y) { std::memcpy(to.PixelAddress(rect.x0, y), from.PixelAddress(rect.x0, y), bytes); });
+    ParallelCopyRows(rect.y0, rect.y1 + 1, static_cast<std::int64_t>(bytes), [&](std::int32_t y) {
+        std::memcpy(to.PixelAddress(rect.x0, y), from.PixelAddress(rect.x0, y), bytes);
+    });
 }
 
 // What is worked out once for a layer: a fully covered pixel
