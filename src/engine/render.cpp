@@ -10,6 +10,7 @@
 #include "engine/fz_math.h"
 #include "engine/parallel.h"
 #include "engine/pixel.h"
+#include "engine/refraction_rows.h"
 #include "engine/scratch.h"
 #include "engine/shading/lighting.h"
 #include "engine/shading/surface.h"
@@ -111,21 +112,16 @@ struct LayerPass {
     float bias;     // z of the layer's depth 0
     bool reflects;
     bool refracts;
-    float eta;
+    FZRefraction refraction;
     ComposeShortcuts shortcuts;
 };
 
-// The memory along a row: neighbouring pixels often share
-// their normal, and the sky a normal reflects and the direction it
-// refracts the view into depend on the normal alone.
+// The memory along a row: neighbouring pixels often share their normal,
+// and the sky a normal reflects depends on the normal alone.
 struct NormalMemo {
     FZPackedVector skyNormal;
     bool hasSky = false;
     float sky[3] = {0.0f, 0.0f, 0.0f};
-    FZPackedVector refractNormal;
-    bool hasRefraction = false;
-    bool refracted = false;
-    FZPackedVector refractedDirection;
 };
 
 bool SameVector(const FZPackedVector& a, const FZPackedVector& b)
@@ -133,72 +129,19 @@ bool SameVector(const FZPackedVector& a, const FZPackedVector& b)
     return a.x == b.x && a.y == b.y && a.z == b.z;
 }
 
-// The view refracted at normal n; false on total internal reflection.
-bool RefractedDirection(const LayerPass& pass, const FZPackedVector& n, NormalMemo& memo, FZPackedVector& r)
-{
-    if (!memo.hasRefraction || !SameVector(memo.refractNormal, n)) {
-        memo.refracted = FZPackedVector::Refract(memo.refractedDirection, ViewDirection(), n, pass.eta);
-        memo.refractNormal = n;
-        memo.hasRefraction = true;
-    }
-    r = memo.refractedDirection;
-    return memo.refracted;
-}
-
-// Where the refracted ray meets the plane z = 0; false when it never does
-// (total internal reflection, a ray parallel to the plane).
-bool RefractedPoint(const LayerPass& pass, std::int32_t x, std::int32_t y, std::int32_t lx,
-                    std::int32_t ly, float d, const FZPackedVector& n, NormalMemo& memo, float& sx, float& sy)
-{
-    const FZPackedVector view = ViewDirection();
-    FZPackedVector r;
-    if (!RefractedDirection(pass, n, memo, r))
-        return false;
-    float rx, ry, rz;
-    r.GetFloats(rx, ry, rz);
-    if (rz == 0.0f)
-        return false;
-
-    if (!pass.material.thinGlass) {
-        float s = static_cast<float>(-(static_cast<double>(d) + pass.bias));
-        if (!(s < 0.0f))
-            s = 0.0f;
-        const float p = static_cast<float>(static_cast<double>(s) / rz);
-        sx = static_cast<float>(x + 0.5 + static_cast<double>(rx) * p);
-        sy = static_cast<float>(y + 0.5 + static_cast<double>(ry) * p);
-        return true;
-    }
-
-    // A plate of the material's thickness: the ray crosses the plate along
-    // the refracted direction, then leaves it along the view direction when
-    // the plate ends above the surface's base, else goes on refracted.
-    const float thick = static_cast<float>(pass.material.thickness / std::fabs(static_cast<double>(rz)));
-    const float s = d < thick ? -d : -thick;
-    const float p = static_cast<float>(static_cast<double>(s) / rz);
-    const float px = static_cast<float>(lx + 0.5 + static_cast<double>(rx) * p);
-    const float py = static_cast<float>(ly + 0.5 + static_cast<double>(ry) * p);
-    const float z1 = static_cast<float>(static_cast<double>(d) - s);
-    if (d >= thick)
-        view.GetFloats(rx, ry, rz);
-    float s2 = static_cast<float>(-(static_cast<double>(z1) + pass.bias));
-    if (!(s2 < 0.0f))
-        s2 = 0.0f;
-    const float p2 = static_cast<float>(static_cast<double>(s2) / rz);
-    sx = static_cast<float>(pass.layer.x + static_cast<double>(px) + static_cast<double>(rx) * p2);
-    sy = static_cast<float>(pass.layer.y + static_cast<double>(py) + static_cast<double>(ry) * p2);
-    return true;
-}
-
-// The colour seen through the layer at one pixel: what lies behind, where
-// the refracted ray meets the plane z = 0; the background where refraction
-// fails.
-void RefractedColour(const LayerPass& pass, std::int32_t x, std::int32_t y, std::int32_t lx,
-                     std::int32_t ly, float d, const FZPackedVector& n, NormalMemo& memo, float out[3])
-{
+// Where a pixel's refracted view meets the plane z = 0, if it does.
+struct Landing {
+    bool lands = false;
     float sx = 0.0f;
     float sy = 0.0f;
-    if (RefractedPoint(pass, x, y, lx, ly, d, n, memo, sx, sy))
-        SampleBehind(pass.scene, sx, sy, out);
+};
+
+// The colour seen through the layer at one pixel: what lies behind where
+// the refracted ray lands; the background where refraction fails.
+void RefractedColour(const LayerPass& pass, const Landing& landing, float out[3])
+{
+    if (landing.lands)
+        SampleBehind(pass.scene, landing.sx, landing.sy, out);
     else
         CopyBackground(pass.scene, out);
 }
@@ -239,9 +182,10 @@ std::uint8_t CompositeByte(float shade, float a, float through, float under)
     return FZFloatToByte(out);
 }
 
-// Composites one covered layer pixel (lx, ly) over frame pixel (x, y).
+// Composites one covered layer pixel (lx, ly) over frame pixel (x, y);
+// landing is where its refracted view lands when the layer refracts.
 void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t x,
-                  std::int32_t y, std::int32_t lx, std::int32_t ly, NormalMemo& memo)
+                  std::int32_t y, std::int32_t lx, std::int32_t ly, NormalMemo& memo, const Landing& landing)
 {
     const float a = FZByteToFloat(pass.layer.coverage[ly][lx]);
     if (!(a > 0.0f))
@@ -265,7 +209,7 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
 
     float through[3] = {0.0f, 0.0f, 0.0f};
     if (pass.refracts) {
-        RefractedColour(pass, x, y, lx, ly, d, n, memo, through);
+        RefractedColour(pass, landing, through);
         for (int c = 0; c < 3; ++c)
             through[c] = static_cast<float>(static_cast<double>(through[c]) * a * t);
     }
@@ -314,7 +258,34 @@ void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, st
             to[2] = shortcuts.table[from[2]];
             continue;
         }
-        ComposePixel(pass, behind, frame, x, y, lx, ly, memo);
+        ComposePixel(pass, behind, frame, x, y, lx, ly, memo, Landing());
+    }
+}
+
+// ComposeRow for a layer that refracts: the landing points of a piece of
+// the row are found together, then its covered pixels composited.
+void ComposeRefractingRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t y,
+                          std::int32_t x0, std::int32_t x1)
+{
+    const FZLayer& layer = pass.layer;
+    const std::int32_t ly = ClampToInt32(std::int64_t{y} - layer.y);
+    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, layer.x) - layer.x);
+    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{layer.x} + layer.width - 1) - layer.x);
+    const std::uint8_t* coverage = layer.coverage[ly];
+    const FZPackedVector* normals = layer.normals.empty() ? nullptr : layer.normals[ly];
+    NormalMemo memo;
+    FZLandingPoints points;
+    for (std::int32_t start = first; start <= last; start += kFZRefractionPiece) {
+        const FZRefractionPiece piece{start, FZMin(kFZRefractionPiece, last - start + 1), ly};
+        if (std::all_of(coverage + start, coverage + start + piece.n, [](std::uint8_t c) { return c == 0; }))
+            continue;
+        RefractRowPiece(pass.refraction, piece, normals, layer.depth[ly], points);
+        for (std::int32_t k = 0; k < piece.n; ++k) {
+            const std::int32_t lx = start + k;
+            if (coverage[lx] != 0)
+                ComposePixel(pass, behind, frame, lx + layer.x, y, lx, ly, memo,
+                             Landing{points.lands[k] != 0, points.sx[k], points.sy[k]});
+        }
     }
 }
 
@@ -371,14 +342,15 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
 {
     const FZAttributeEx& m = layer.material;
     const float eta = m.refractiveIndex < 0.01f ? 1.0f : m.refractiveIndex;
+    const float bias = index == 0 ? scene.groundDepth : scene.layerDepth;
     LayerPass pass{scene,
-                         layer,
-                         m,
-                         index == 0 ? scene.groundDepth : scene.layerDepth,
-                         m.reflection > 0.0f && scene.environment.IsOn(),
-                         m.transparency > 0.0f,
-                         eta,
-                         {}};
+                   layer,
+                   m,
+                   bias,
+                   m.reflection > 0.0f && scene.environment.IsOn(),
+                   m.transparency > 0.0f,
+                   FZRefraction{eta, bias, m.thinGlass != 0, m.thickness, layer.x, layer.y},
+                   {}};
     CopyRect(frame, *scene.behind, rect);
     if (layer.coverage.empty() || layer.depth.empty())
         return;
@@ -390,7 +362,11 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
     if (pass.reflects)
         PrepareSky(pass, y0, y1, rect);
     SetUpShortcuts(pass, pass.shortcuts);
-    ParallelRows(y0, y1 + 1, [&](std::int32_t y) { ComposeRow(pass, *scene.behind, frame, y, rect.x0, rect.x1); });
+    if (pass.refracts)
+        ParallelRows(y0, y1 + 1,
+                     [&](std::int32_t y) { ComposeRefractingRow(pass, *scene.behind, frame, y, rect.x0, rect.x1); });
+    else
+        ParallelRows(y0, y1 + 1, [&](std::int32_t y) { ComposeRow(pass, *scene.behind, frame, y, rect.x0, rect.x1); });
 }
 
 bool IsEmitter(const FZLayer* layer)

@@ -1,0 +1,49 @@
+// Where the view, refracted at the surface of a transparent layer, meets
+// the plane z = 0 behind it, for a piece of a row at once. No two pixels of
+// a shape's curved parts share a normal, so nothing is remembered from pixel
+// to pixel: the refraction of each is worked out in one straight run of
+// arithmetic, the same float and double operations in the same order as
+// FZPackedVector::Refract, and the scattered reads of the image behind come
+// afterwards.
+#ifndef TAMERISK_ENGINE_REFRACTION_ROWS_H
+#define TAMERISK_ENGINE_REFRACTION_ROWS_H
+
+#include <cstdint>
+
+#include <tamerisk/attribute.h>
+
+// What stays the same for all pixels of the layer.
+struct FZRefraction {
+    float eta = 1.0f;          // refractive index
+    float bias = 0.0f;         // z of the layer's depth 0
+    bool thinGlass = false;
+    float thickness = 0.0f;    // of a thin glass plate
+    std::int32_t layerX = 0;   // frame position of layer pixel (0, 0)
+    std::int32_t layerY = 0;
+};
+
+// Pixels first .. first + n - 1 of layer row ly (frame row ly + layerY),
+// n at most kFZRefractionPiece.
+struct FZRefractionPiece {
+    std::int32_t first = 0;
+    std::int32_t n = 0;
+    std::int32_t ly = 0;
+};
+
+inline constexpr std::int32_t kFZRefractionPiece = 64;
+
+// Where the pixels' rays land, in frame coordinates; lands[k] is 0 where a
+// ray never reaches the plane (total internal reflection, a ray parallel
+// to it).
+struct FZLandingPoints {
+    float sx[kFZRefractionPiece];
+    float sy[kFZRefractionPiece];
+    std::int32_t lands[kFZRefractionPiece];
+};
+
+// normals and depths are the layer row's, from pixel 0; a null normals row
+// takes every pixel as facing the viewer.
+void RefractRowPiece(const FZRefraction& setup, const FZRefractionPiece& piece, const FZPackedVector* normals,
+                     const float* depths, FZLandingPoints& out);
+
+#endif

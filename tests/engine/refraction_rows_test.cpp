@@ -1,0 +1,78 @@
+// The refraction kernel works the view's refraction out without branches;
+// the goldens see only the normals their shapes make. Here every kind of
+// normal and index (grazing, straight on, total internal reflection, NaN)
+// must land where FZPackedVector::Refract's direction leads.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <random>
+
+#include "engine/refraction_rows.h"
+
+namespace {
+
+FZPackedVector Packed(std::int16_t x, std::int16_t y, std::int16_t z)
+{
+    FZPackedVector v;
+    v.x = x;
+    v.y = y;
+    v.z = z;
+    return v;
+}
+
+bool SameFloat(float a, float b)
+{
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+// With the surface one unit above z = 0 the ray walks -1 / rz along the
+// refracted direction.
+void ExpectLandsAsRefractLeads(const FZPackedVector* normals, float eta)
+{
+    const FZRefraction setup{eta, 1.0f, false, 0.0f, 10, 20};
+    const float depths[kFZRefractionPiece] = {};
+    FZLandingPoints points;
+    RefractRowPiece(setup, FZRefractionPiece{0, kFZRefractionPiece, 3}, normals, depths, points);
+    FZPackedVector view;
+    view.z = -30000;
+    for (int k = 0; k < kFZRefractionPiece; ++k) {
+        FZPackedVector r;
+        const bool refracted = FZPackedVector::Refract(r, view, normals[k], eta);
+        float rx, ry, rz;
+        r.GetFloats(rx, ry, rz);
+        ASSERT_EQ(points.lands[k] != 0, refracted && rz != 0.0f) << k << " eta " << eta;
+        if (!points.lands[k])
+            continue;
+        const float p = static_cast<float>(-1.0 / rz);
+        EXPECT_TRUE(SameFloat(points.sx[k], static_cast<float>(k + 10 + 0.5 + static_cast<double>(rx) * p))) << k;
+        EXPECT_TRUE(SameFloat(points.sy[k], static_cast<float>(23 + 0.5 + static_cast<double>(ry) * p))) << k;
+    }
+}
+
+} // namespace
+
+TEST(RefractionRows, LandWhereRefractsDirectionLeads)
+{
+    std::mt19937 random(7);
+    std::uniform_int_distribution<int> component(-32768, 32767);
+    FZPackedVector normals[kFZRefractionPiece];
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    for (const float eta : {1.5f, 1.0f, 0.7f, 0.01f, 3.0f, nan}) {
+        for (int round = 0; round < 50; ++round) {
+            for (FZPackedVector& n : normals)
+                n = Packed(static_cast<std::int16_t>(component(random)), static_cast<std::int16_t>(component(random)),
+                           static_cast<std::int16_t>(component(random) / 2 + 16384));
+            // Straight on, flat, lying down and the extremes.
+            normals[0] = Packed(0, 0, 30000);
+            normals[1] = Packed(0, 0, 0);
+            normals[2] = Packed(30000, 0, 0);
+            normals[3] = Packed(-32768, -32768, -32768);
+            normals[4] = Packed(32767, 32767, 32767);
+            normals[5] = Packed(21213, 0, 21213);
+            ExpectLandsAsRefractLeads(normals, eta);
+        }
+    }
+}
