@@ -131,9 +131,10 @@ public:
         stream.next_in = const_cast<Bytef*>(data);
         stream.avail_in = static_cast<uInt>(size);
         // zlib has finished with the input, and with the flush, once it
-        // returns with output space to spare.
+        // returns with output space to spare. A flush that has barely any
+        // room may be written twice.
         do {
-            if (used == out.size())
+            if (out.size() - used < 64)
                 out.resize(std::max<std::size_t>(out.size() * 2, 4096));
             stream.next_out = out.data() + used;
             stream.avail_out = static_cast<uInt>(std::min<std::size_t>(out.size() - used, 1u << 30));
