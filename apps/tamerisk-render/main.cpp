@@ -12,25 +12,24 @@
 // each material in turn, as the dialog does when the user loads another.
 // Every image is written to a temporary file beside the target and renamed
 // into place only when it is complete.
-#include <QBuffer>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
-#include <QImage>
-#include <QImageWriter>
 
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <new>
+#include <vector>
 
 #include <tamerisk/attribute.h>
 
 #include "json/material_json.h"
-#include "engine/display/image_display.h"
 #include "engine/parallel.h"
 #include "engine/random.h"
+#include "image_file.h"
 #include "material/file_replace.h"
 #include "options.h"
 #include "preview/preview_panel.h"
@@ -47,38 +46,40 @@ void PrintError(const QString& message)
     std::fprintf(stderr, "tamerisk-render: %s\n", qPrintable(message));
 }
 
-// The whole image file, encoded in memory.
-bool EncodeImage(const QImage& image, Format format, QByteArray& bytes)
+enum class Encoded { Ok, Failed, OutOfMemory };
+
+// The whole image file, in memory. Running out of memory here ends only
+// this picture: a batch goes on with the next.
+Encoded EncodeImage(const FZImage& image, Format format, std::vector<std::uint8_t>& bytes)
 {
-    if (format == Format::Ppm) {
-        bytes = QStringLiteral("P6\n%1 %2\n255\n").arg(image.width()).arg(image.height()).toLatin1();
-        const qsizetype rowBytes = qsizetype{image.width()} * 3;
-        for (int row = 0; row < image.height(); ++row)
-            bytes.append(reinterpret_cast<const char*>(image.constScanLine(row)), rowBytes);
-        return true;
+    try {
+        const bool done = format == Format::Ppm ? EncodePpm(image, bytes) : EncodePng(image, bytes);
+        return done ? Encoded::Ok : Encoded::Failed;
+    } catch (const std::bad_alloc&) {
+        bytes = {};
+        return Encoded::OutOfMemory;
     }
-    QBuffer buffer(&bytes);
-    QImageWriter writer(&buffer, "png");
-    // zlib's fastest level (Qt's ratio 12 of 100): at 1024 x 1024 the default
-    // level costs more than the render, for files only a third smaller.
-    writer.setCompression(12);
-    return buffer.open(QIODevice::WriteOnly) && writer.write(image);
 }
 
 // Writes the whole image or nothing: a failed write leaves the old file as
 // it was and no temporary file behind.
-// Nothing is written once Ctrl+C was pressed.
-bool WriteImage(const QImage& image, const QString& path, Format format, QString& error)
+// Nothing is written once Ctrl+C was pressed, which may also stop the
+// encoding half-way.
+bool WriteImage(const FZImage& image, const QString& path, Format format, QString& error)
 {
-    QByteArray bytes;
-    if (!EncodeImage(image, format, bytes)) {
+    std::vector<std::uint8_t> bytes;
+    const Encoded encoded = EncodeImage(image, format, bytes);
+    if (Progress::Interrupted())
+        return true;
+    if (encoded == Encoded::OutOfMemory) {
+        error = QStringLiteral("out of memory for a picture of %1 x %2 pixels").arg(image.width).arg(image.height);
+        return false;
+    }
+    if (encoded == Encoded::Failed) {
         error = QStringLiteral("cannot encode the image for '%1'").arg(path);
         return false;
     }
-    if (Progress::Interrupted())
-        return true;
-    const FileWriteResult written =
-        ReplaceFile(QFile::encodeName(path).constData(), bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    const FileWriteResult written = ReplaceFile(QFile::encodeName(path).constData(), bytes.data(), bytes.size());
     if (!written.Ok()) {
         error = QStringLiteral("cannot write '%1': %2").arg(path, QString::fromLocal8Bit(written.reason));
         return false;
@@ -104,29 +105,21 @@ bool SetUp(const Options& options, CPreviewPanel& panel, QString& error)
     return true;
 }
 
-// The material on the panel's shape, as the preview shows it; false with a
-// message when there is no picture.
-bool Render(const Options& options, CPreviewPanel& panel, const FZAttributeEx& material, QImage& image,
-            QString& error)
+// The material on the panel's shape, as the preview shows it: the panel's
+// frame, or null with a message when there is no picture.
+const FZImage* Render(const Options& options, CPreviewPanel& panel, const FZAttributeEx& material, QString& error)
 {
     const FZResult applied = panel.ApplyMaterial(material, options.colorBind ? 1 : 0);
     if (applied != FZResult::Ok) {
         error = QStringLiteral("the material could not be rendered (result code %1)").arg(ResultCode(applied));
-        return false;
+        return nullptr;
     }
     const FZScene* scene = panel.Scene();
     if (scene == nullptr || scene->frame == nullptr || scene->frame->data.empty()) {
         error = QStringLiteral("the preview rendered no frame");
-        return false;
+        return nullptr;
     }
-    image = MakeBitmap(*scene->frame);
-    if (image.isNull()) {
-        error = QStringLiteral("out of memory for a picture of %1 x %2 pixels")
-                    .arg(options.width)
-                    .arg(options.height);
-        return false;
-    }
-    return true;
+    return scene->frame.get();
 }
 
 int RunSingle(const Options& options, Progress& progress)
@@ -142,9 +135,8 @@ int RunSingle(const Options& options, Progress& progress)
     }
     progress.Start(0, options.output);
     CPreviewPanel panel;
-    QImage image;
-    const bool done = SetUp(options, panel, error) && Render(options, panel, material, image, error)
-                      && WriteImage(image, options.output, options.format, error);
+    const FZImage* frame = SetUp(options, panel, error) ? Render(options, panel, material, error) : nullptr;
+    const bool done = frame != nullptr && WriteImage(*frame, options.output, options.format, error);
     if (Progress::Interrupted())
         return kInterrupted;
     if (!done) {
@@ -172,8 +164,8 @@ bool RenderOne(const Options& options, CPreviewPanel& panel, const QString& file
         error = ErrorLine(loaded, error);
         return false;
     }
-    QImage image;
-    return Render(options, panel, material, image, error) && WriteImage(image, target, Format::Png, error);
+    const FZImage* frame = Render(options, panel, material, error);
+    return frame != nullptr && WriteImage(*frame, target, Format::Png, error);
 }
 
 int RunBatch(const Options& options, Progress& progress)
