@@ -379,6 +379,15 @@ TAMERISK_ROW_KERNEL void InteriorNormals(const Neighbourhood& around, std::int32
     }
 }
 
+TAMERISK_ROW_KERNEL void StoreNormals(const NormalLanes& lanes, std::int32_t n, FZPackedVector* normals)
+{
+    for (std::int32_t k = 0; k < n; ++k) {
+        normals[k].x = static_cast<std::int16_t>(lanes.x[k]);
+        normals[k].y = static_cast<std::int16_t>(lanes.y[k]);
+        normals[k].z = static_cast<std::int16_t>(lanes.z[k]);
+    }
+}
+
 // Whether every covered pixel of the three rows from column 0 to n + 1 has
 // the finite depth of the middle row's column 1. The weighted differences
 // around each of the n pixels between are then all 0, and so are both
@@ -419,12 +428,7 @@ void NormalsOfCoveredRun(FZLayer& layer, std::int32_t y, std::int32_t x0, std::i
             continue;
         }
         InteriorNormals(around, n, lanes);
-        for (std::int32_t k = 0; k < n; ++k) {
-            FZPackedVector& normal = normals[start + k];
-            normal.x = static_cast<std::int16_t>(lanes.x[k]);
-            normal.y = static_cast<std::int16_t>(lanes.y[k]);
-            normal.z = static_cast<std::int16_t>(lanes.z[k]);
-        }
+        StoreNormals(lanes, n, normals + start);
         for (std::int32_t k = 0; k < n; ++k)
             if (lanes.general[k] != 0)
                 normals[start + k] = NormalAt(layer, start + k, y);
