@@ -1,6 +1,9 @@
 #include "preview/shapes.h"
 
+#include <array>
 #include <cmath>
+#include <cstring>
+#include <initializer_list>
 
 #include "engine/fz_math.h"
 #include "engine/row_kernel.h"
@@ -34,6 +37,26 @@ TAMERISK_ROW_KERNEL void SquaredOffsets(const float* xs, std::int32_t n, float c
         const double dx = static_cast<double>(xs[k]) - cx;
         squares[k] = dx * dx;
     }
+}
+
+// The room a reach leaves for rounding: relative to the radius, and in
+// pixels. The tests round to float, some parts in a hundred million.
+constexpr double kRelativeRoom = 1e-4;
+constexpr double kRoom = 0.01;
+
+bool Finite(std::initializer_list<double> values)
+{
+    for (const double v : values)
+        if (!std::isfinite(v))
+            return false;
+    return true;
+}
+
+// Half the chord at distance dy from the centre of a circle of the given
+// radius, or -1 where the row misses the circle.
+double HalfChord(double radius, double dy)
+{
+    return radius > std::fabs(dy) ? std::sqrt(radius * radius - dy * dy) : -1.0;
 }
 
 }  // namespace
@@ -91,6 +114,25 @@ TAMERISK_ROW_KERNEL void FZRoundedDisc::HeightRow(float y, const double* terms, 
     }
 }
 
+FZRowReach FZRoundedDisc::Reach(float y) const
+{
+    FZRowReach reach;
+    if (!Finite({cx, cy, z0, radius, rimRadius, y}))
+        return reach;
+    const double dy = static_cast<double>(y) - cy;
+    reach.centre = cx;
+    reach.outer = HalfChord(std::fabs(radius) * (1.0 + kRelativeRoom) + kRoom, dy);
+    // With a rim of no negative width the flat part lies within the radius,
+    // so its points are inside.
+    const float flatRadius = Difference(radius, rimRadius);
+    if (rimRadius >= 0.0f) {
+        reach.inner = HalfChord(flatRadius * (1.0 - kRelativeRoom) - kRoom, dy);
+        reach.solid = true;
+        reach.height = Sum(z0, rimRadius);
+    }
+    return reach;
+}
+
 void FZDome::Set(float centerX, float centerY, float semiA, float semiB, float baseHeight, float domeHeight)
 {
     cx = centerX;
@@ -135,6 +177,23 @@ TAMERISK_ROW_KERNEL void FZDome::HeightRow(float y, const double* terms, std::in
     }
 }
 
+FZRowReach FZDome::Reach(float y) const
+{
+    FZRowReach reach;
+    if (!Finite({cx, cy, a, b, y}))
+        return reach;
+    reach.centre = cx;
+    reach.outer = -1.0;
+    if (!(y >= box.y0 && y <= box.y1))
+        return reach;
+    // Inside, u^2 + v^2 is at most 1.
+    const double v = (static_cast<double>(y) - cy) / b;
+    const double room = 1.0 + kRelativeRoom - v * v;
+    if (room > 0.0)
+        reach.outer = std::fabs(a) * std::sqrt(room) * (1.0 + kRelativeRoom) + kRoom;
+    return reach;
+}
+
 void FZTorus::Set(float centerX, float centerY, float baseHeight, float outer, float inner, float scale)
 {
     cx = centerX;
@@ -176,6 +235,24 @@ TAMERISK_ROW_KERNEL void FZTorus::HeightRow(float y, const double* terms, std::i
         out.inside[k] = hasWidth & (q >= 0.0f) ? 1.0f : 0.0f;
         out.z[k] = static_cast<float>(s.z0 + std::sqrt(static_cast<double>(q)) * s.heightScale / halfWidth);
     }
+}
+
+FZRowReach FZTorus::Reach(float y) const
+{
+    FZRowReach reach;
+    if (!Finite({cx, cy, z0, outerRadius, innerRadius, heightScale, y}))
+        return reach;
+    const double dy = static_cast<double>(y) - cy;
+    const float mid = static_cast<float>((static_cast<double>(outerRadius) + innerRadius) / 2.0);
+    const float halfWidth = static_cast<float>((static_cast<double>(outerRadius) - innerRadius) / 2.0);
+    reach.centre = cx;
+    reach.outer = -1.0;
+    if (!(halfWidth > 0.0f))
+        return reach;
+    // Inside, the distance from the centre lies within halfWidth of mid.
+    reach.outer = HalfChord((std::fabs(mid) + halfWidth) * (1.0 + kRelativeRoom) + kRoom, dy);
+    reach.inner = HalfChord((static_cast<double>(mid) - halfWidth) * (1.0 - kRelativeRoom) - kRoom, dy);
+    return reach;
 }
 
 // ---------------------------------------------------------------- drawing
@@ -227,9 +304,15 @@ TAMERISK_ROW_KERNEL void StoreIntoEmpty(const float* count, const float* sum, st
     }
 }
 
-bool SameColor(const FZColor& p, const FZColor& q)
+// A piece's worth of the sample colour, to compare colours with.
+const FZColor* SampleColorPiece()
 {
-    return (p.r == q.r) & (p.g == q.g) & (p.b == q.b);
+    static const std::array<FZColor, kFZSamplePixels> piece = [] {
+        std::array<FZColor, kFZSamplePixels> colors;
+        colors.fill(kFZShapeSampleColor);
+        return colors;
+    }();
+    return piece.data();
 }
 
 // The sample colour for the pixels with a sample inside. Colours that
@@ -237,10 +320,7 @@ bool SameColor(const FZColor& p, const FZColor& q)
 // so their pages are never written.
 void ColorDrawnPixels(FZColor* colors, const float* count, std::int32_t n)
 {
-    bool differs = false;
-    for (std::int32_t k = 0; k < n; ++k)
-        differs |= (count[k] > 0.0f) & !SameColor(colors[k], kFZShapeSampleColor);
-    if (!differs)
+    if (std::memcmp(colors, SampleColorPiece(), sizeof(FZColor) * static_cast<std::size_t>(n)) == 0)
         return;
     for (std::int32_t k = 0; k < n; ++k)
         if (count[k] > 0.0f)
@@ -276,15 +356,62 @@ void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py, cons
     }
 }
 
-bool NoneCovered(const std::uint8_t* coverage, std::int32_t n)
+// The pixel column of the point x, held well within the 32-bit range.
+std::int64_t PixelOf(double x)
+{
+    constexpr double kFar = 1e15;
+    return static_cast<std::int64_t>(std::floor(FZMax(-kFar, FZMin(x, kFar))));
+}
+
+std::int32_t HeldColumn(std::int64_t column)
+{
+    return static_cast<std::int32_t>(FZMax<std::int64_t>(INT32_MIN, FZMin<std::int64_t>(column, INT32_MAX)));
+}
+
+}  // namespace
+
+FZPixelSpans::FZPixelSpans(const FZRowReach& reach)
+{
+    if (reach.outer < 0.0) {
+        outerFirst = 1;
+        outerLast = 0;
+        return;
+    }
+    // A pixel's points lie within its column and the next.
+    if (reach.outer < HUGE_VAL) {
+        outerFirst = HeldColumn(PixelOf(reach.centre - reach.outer) - 1);
+        outerLast = HeldColumn(PixelOf(reach.centre + reach.outer) + 1);
+    }
+    if (reach.inner > 0.0) {
+        innerFirst = HeldColumn(PixelOf(reach.centre - reach.inner) + 2);
+        innerLast = HeldColumn(PixelOf(reach.centre + reach.inner) - 2);
+        solid = reach.solid;
+        height = reach.height;
+    }
+}
+
+bool FZPixelSpans::AllOutside(std::int32_t first, std::int32_t last) const
+{
+    const bool beyond = last < outerFirst || first > outerLast;
+    const bool inHole = !solid && innerFirst <= first && last <= innerLast;
+    return beyond || inHole;
+}
+
+void FZFillSamples(FZSampleRow out, std::int32_t first, std::int32_t last, float inside, float z)
+{
+    for (std::int32_t k = first; k < last; ++k) {
+        out.inside[k] = inside;
+        out.z[k] = z;
+    }
+}
+
+bool FZNoneCovered(const std::uint8_t* coverage, std::int32_t n)
 {
     int any = 0;
     for (std::int32_t k = 0; k < n; ++k)
         any |= coverage[k];
     return any == 0;
 }
-
-}  // namespace
 
 void CompositeSamplePiece(FZLayer& layer, std::int32_t py, std::int32_t start, std::int32_t n,
                           const FZSamplePiece& piece)
@@ -296,7 +423,7 @@ void CompositeSamplePiece(FZLayer& layer, std::int32_t py, std::int32_t start, s
     float* depth = layer.depth[py] + start;
     FZColor* colors = layer.colors.empty() ? nullptr : layer.colors[py] + start;
     // Where nothing is drawn yet, every pixel takes the same simple path.
-    if (NoneCovered(coverage, n)) {
+    if (FZNoneCovered(coverage, n)) {
         StoreIntoEmpty(count, sum, n, coverage, depth);
         if (colors != nullptr)
             ColorDrawnPixels(colors, count, n);
@@ -357,23 +484,25 @@ DimpleColumns::DimpleColumns(std::int32_t firstPixel, std::int32_t lastPixel, fl
 
 // The dimpled depths of the n pixels of a piece, from the squared offsets
 // of their sample columns and of the row's four sample rows. Points within
-// the radius are lowered by the bowl, the others keep the depth.
+// the radius are lowered by the bowl, the others keep the depth. Only the
+// pixels from first to last - 1 can reach into the bowl; the others take
+// what sixteen points outside give, which is their depth with 0 added.
 TAMERISK_ROW_KERNEL void DimpleDepths(const FZSmoothStep& bowl, double radiusSquared, const double* columnSquares,
-                                      const double (&rowSquares)[4], std::int32_t n, const float* depth,
-                                      float* dimpled)
+                                      const double (&rowSquares)[4], std::int32_t first, std::int32_t last,
+                                      std::int32_t n, const float* depth, float* dimpled)
 {
     // A copy, which the stores through dimpled cannot change.
     const FZSmoothStep b = bowl;
     // Summed in double: sixteen equal heights give the height back exactly,
     // so pixels outside the bowl keep their depth.
     double sum[kFZSamplePixels];
-    for (std::int32_t k = 0; k < n; ++k)
+    for (std::int32_t k = first; k < last; ++k)
         sum[k] = 0.0;
     for (int j = 0; j < 4; ++j) {
         const double sy2 = rowSquares[j];
         for (int i = 0; i < 4; ++i) {
             const double* sx2 = columnSquares + i * kFZSamplePixels;
-            for (std::int32_t k = 0; k < n; ++k) {
+            for (std::int32_t k = first; k < last; ++k) {
                 const float zp = depth[k];
                 const float s2 = static_cast<float>(sx2[k] + sy2);
                 const double distance = std::sqrt(static_cast<double>(s2));
@@ -382,8 +511,22 @@ TAMERISK_ROW_KERNEL void DimpleDepths(const FZSmoothStep& bowl, double radiusSqu
             }
         }
     }
-    for (std::int32_t k = 0; k < n; ++k)
-        dimpled[k] = static_cast<float>(sum[k] * (1.0 / 16.0));
+    for (std::int32_t k = 0; k < n; ++k) {
+        const bool reached = (k >= first) & (k < last);
+        dimpled[k] = static_cast<float>(reached ? sum[k] * (1.0 / 16.0) : 0.0 + depth[k]);
+    }
+}
+
+// The reach of the dimple's points along a row whose nearest sample row is
+// that far from the centre: points farther out lie beyond the radius.
+FZRowReach DimpleReach(float cx, float radius, double nearest)
+{
+    FZRowReach reach;
+    if (Finite({cx, radius, nearest})) {
+        reach.centre = cx;
+        reach.outer = HalfChord(std::fabs(radius) * (1.0 + kRelativeRoom) + kRoom, nearest);
+    }
+    return reach;
 }
 
 TAMERISK_ROW_KERNEL void StoreCovered(const std::uint8_t* coverage, const float* values, std::int32_t n, float* depth)
@@ -417,18 +560,24 @@ void AddDimple(FZLayer& layer, float cx, float cy, float radius, float depth)
 
     ParallelRows(rowFirst, rowLast + 1, [&](std::int32_t py) {
         double rowSquares[4];
+        double nearest = HUGE_VAL;
         for (int j = 0; j < 4; ++j) {
             const double sy = DimpleOffset(py, j, cy);
             rowSquares[j] = sy * sy;
+            nearest = FZMin(nearest, std::fabs(sy));
         }
+        const FZPixelSpans reach(DimpleReach(cx, radius, nearest));
         for (std::int32_t p = 0; p < columns.Pieces(); ++p) {
             const std::int32_t start = columns.PieceStart(p);
             const std::int32_t n = columns.PiecePixels(p);
             const std::uint8_t* coverage = layer.coverage[py] + start;
-            if (NoneCovered(coverage, n))
+            if (FZNoneCovered(coverage, n))
                 continue;
+            const std::int32_t first = FZPixelSpans::Within(reach.outerFirst, start, n);
+            const std::int32_t last = FZMax(FZPixelSpans::Within(std::int64_t{reach.outerLast} + 1, start, n), first);
             float dimpled[kFZSamplePixels];
-            DimpleDepths(bowl, radiusSquared, columns.Piece(p), rowSquares, n, layer.depth[py] + start, dimpled);
+            DimpleDepths(bowl, radiusSquared, columns.Piece(p), rowSquares, first, last, n, layer.depth[py] + start,
+                         dimpled);
             StoreCovered(coverage, dimpled, n, layer.depth[py] + start);
         }
     });

@@ -5,11 +5,12 @@
 //
 // Every outline offers Set (its parameters in the order of its fields; also
 // computes the bounding box), Bounds and HeightAt (frame coordinates; false
-// outside the outline). Parameters that are NaN give an outline that
-// contains no point.
+// outside the outline), and for drawing ColumnTerms, HeightRow and Reach.
+// Parameters that are NaN give an outline that contains no point.
 #ifndef TAMERISK_PREVIEW_SHAPES_H
 #define TAMERISK_PREVIEW_SHAPES_H
 
+#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -46,6 +47,20 @@ struct FZShapeBox {
     }
 };
 
+// What an outline tells of one sample row before its points are tested:
+// points farther than outer from the centre column lie outside; points
+// nearer than inner all lie inside at height (solid) or all outside. Both
+// leave room for the rounding of the tests, so that no point is taken for
+// what its test would not give. An outer of infinity and an inner below 0
+// tell nothing; an outer below 0 says that no point of the row is inside.
+struct FZRowReach {
+    double centre = 0.0;
+    double outer = HUGE_VAL;
+    double inner = -1.0;
+    bool solid = false;
+    float height = 0.0f;
+};
+
 // A flat round plate of radius R whose rim falls off as a quarter circle of
 // radius rho, from height z0 + rho to z0 at the edge.
 struct FZRoundedDisc {
@@ -64,6 +79,7 @@ struct FZRoundedDisc {
     void ColumnTerms(const float* xs, std::int32_t n, double* terms) const;
     // HeightAt for the n points of row y whose column terms are given.
     void HeightRow(float y, const double* terms, std::int32_t n, FZSampleRow out) const;
+    FZRowReach Reach(float y) const;
 };
 
 // Half an ellipsoid over the ellipse of semi-axes a and b.
@@ -84,6 +100,7 @@ struct FZDome {
     void ColumnTerms(const float* xs, std::int32_t n, double* terms) const;
     // HeightAt for the n points of row y whose column terms are given.
     void HeightRow(float y, const double* terms, std::int32_t n, FZSampleRow out) const;
+    FZRowReach Reach(float y) const;
 };
 
 // A ring between the radii Ri and R whose cross-section is half an ellipse:
@@ -105,6 +122,7 @@ struct FZTorus {
     void ColumnTerms(const float* xs, std::int32_t n, double* terms) const;
     // HeightAt for the n points of row y whose column terms are given.
     void HeightRow(float y, const double* terms, std::int32_t n, FZSampleRow out) const;
+    FZRowReach Reach(float y) const;
 };
 
 // The colour handed to the layer with every drawn sample. The sample layer
@@ -170,16 +188,48 @@ FZSampleColumns::FZSampleColumns(const Shape& shape, std::int32_t firstPixel, st
     }
 }
 
+// The pixel columns of a reach: pixels outside outerFirst to outerLast
+// have no sample point inside; the points of innerFirst to innerLast are
+// all inside at height (solid) or all outside.
+struct FZPixelSpans {
+    std::int32_t outerFirst = INT32_MIN;
+    std::int32_t outerLast = INT32_MAX;
+    std::int32_t innerFirst = 0;
+    std::int32_t innerLast = -1;
+    bool solid = false;
+    float height = 0.0f;
+
+    explicit FZPixelSpans(const FZRowReach& reach);
+    // Whether no sample point of the pixels first to last is inside.
+    bool AllOutside(std::int32_t first, std::int32_t last) const;
+    // A column as an offset from start, held within 0 to n.
+    static std::int32_t Within(std::int64_t column, std::int32_t start, std::int32_t n)
+    {
+        return static_cast<std::int32_t>(FZMin<std::int64_t>(FZMax<std::int64_t>(column - start, 0), n));
+    }
+};
+
+// The samples of one sample column (at y, with the given column terms) of
+// the n pixels from start on: those the spans tell are filled in, the rest
+// are tested.
+template <typename Shape>
+void TestSampleColumn(const Shape& shape, float y, const double* terms, std::int32_t start, std::int32_t n,
+                      const FZPixelSpans& spans, FZSampleRow out);
+
 // Merges the samples of a piece, the n pixels of row py from start on,
 // into the layer with CompositeSample.
 void CompositeSamplePiece(FZLayer& layer, std::int32_t py, std::int32_t start, std::int32_t n,
                           const FZSamplePiece& piece);
+// Whether the n coverage values are all 0.
+bool FZNoneCovered(const std::uint8_t* coverage, std::int32_t n);
 
 // Draws an outline into the layer: every pixel of its bounding box (clipped
 // to the layer) is tested at 3 x 3 points and merged with CompositeSample.
 // Single-precision arithmetic throughout. Each pixel reads and writes only
 // itself, so rows run in parallel; the outline is tested a piece of a
 // sample row at a time, with the terms of the sample columns computed once.
+// Points the outline's reach tells need no test, and pieces that neither
+// hold coverage nor reach into the outline are left alone.
 template <typename Shape>
 void RasterizeShape(FZLayer& layer, const Shape& shape)
 {
@@ -198,15 +248,48 @@ void RasterizeShape(FZLayer& layer, const Shape& shape)
     ParallelRows(rowFirst, rowLast + 1, [&](std::int32_t py) {
         float ys[3];
         FZSampleOffsets(py, ys);
+        const FZPixelSpans spans[3] = {FZPixelSpans(shape.Reach(ys[0])), FZPixelSpans(shape.Reach(ys[1])),
+                                       FZPixelSpans(shape.Reach(ys[2]))};
         FZSamplePiece piece;
         for (std::int32_t p = 0; p < columns.Pieces(); ++p) {
+            const std::int32_t start = columns.PieceStart(p);
             const std::int32_t n = columns.PiecePixels(p);
+            const std::int32_t last = start + n - 1;
+            if (spans[0].AllOutside(start, last) && spans[1].AllOutside(start, last)
+                && spans[2].AllOutside(start, last) && FZNoneCovered(layer.coverage[py] + start, n))
+                continue;
             for (int j = 0; j < 3; ++j)
                 for (int i = 0; i < 3; ++i)
-                    shape.HeightRow(ys[j], columns.Terms(p, i), n, FZSampleRow{piece.inside[j][i], piece.z[j][i]});
-            CompositeSamplePiece(layer, py, columns.PieceStart(p), n, piece);
+                    TestSampleColumn(shape, ys[j], columns.Terms(p, i), start, n, spans[j],
+                                     FZSampleRow{piece.inside[j][i], piece.z[j][i]});
+            CompositeSamplePiece(layer, py, start, n, piece);
         }
     });
+}
+
+// Fills the samples from first to last - 1 with whether they are inside
+// (1 or 0) and their height.
+void FZFillSamples(FZSampleRow out, std::int32_t first, std::int32_t last, float inside, float z);
+
+template <typename Shape>
+void TestSampleColumn(const Shape& shape, float y, const double* terms, std::int32_t start, std::int32_t n,
+                      const FZPixelSpans& spans, FZSampleRow out)
+{
+    // Pixels [0, a) and [d, n) lie outside, [b, c) is the inner span, and
+    // [a, b) and [c, d) are tested.
+    const std::int32_t a = FZPixelSpans::Within(spans.outerFirst, start, n);
+    const std::int32_t d = FZMax(FZPixelSpans::Within(std::int64_t{spans.outerLast} + 1, start, n), a);
+    std::int32_t b = d;
+    std::int32_t c = d;
+    if (spans.innerFirst <= spans.innerLast) {
+        b = FZMin(FZMax(FZPixelSpans::Within(spans.innerFirst, start, n), a), d);
+        c = FZMin(FZMax(FZPixelSpans::Within(std::int64_t{spans.innerLast} + 1, start, n), b), d);
+    }
+    FZFillSamples(out, 0, a, 0.0f, 0.0f);
+    shape.HeightRow(y, terms + a, b - a, FZSampleRow{out.inside + a, out.z + a});
+    FZFillSamples(out, b, c, spans.solid ? 1.0f : 0.0f, spans.height);
+    shape.HeightRow(y, terms + c, d - c, FZSampleRow{out.inside + c, out.z + c});
+    FZFillSamples(out, d, n, 0.0f, 0.0f);
 }
 
 // Lowers the covered depths within radius of (cx, cy) by a smooth bowl that
