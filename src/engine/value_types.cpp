@@ -122,12 +122,3 @@ void FZSmoothStep::Setup(float ax0, float ay0, float ax1, float ay1)
     y0 = ay0;
     invWidth = ax1 == ax0 ? 0.0f : static_cast<float>(1.0 / (static_cast<double>(ax1) - ax0));
 }
-
-// t stays in double; only its square and cube are rounded to float.
-double FZSmoothStep::Evaluate(double x) const
-{
-    const double t = (x - x0) * invWidth;
-    const float t2 = static_cast<float>(t * t);
-    const float t3 = static_cast<float>(t * t * t);
-    return static_cast<double>(a) * t3 + static_cast<double>(b) * t2 + y0;
-}

@@ -76,7 +76,15 @@ struct FZSmoothStep {
     float invWidth = 0.0f;
 
     void Setup(float ax0, float ay0, float ax1, float ay1);
-    double Evaluate(double x) const;
+    // t stays in double; only its square and cube are rounded to float.
+    // Inline, so that loops over many points can run as vector code.
+    double Evaluate(double x) const
+    {
+        const double t = (x - x0) * invWidth;
+        const float t2 = static_cast<float>(t * t);
+        const float t3 = static_cast<float>(t * t * t);
+        return static_cast<double>(a) * t3 + static_cast<double>(b) * t2 + y0;
+    }
 };
 
 #endif

@@ -1,18 +1,13 @@
 #include "preview/shapes.h"
 
+#include <array>
 #include <cmath>
+#include <cstring>
+#include <initializer_list>
 
 #include "engine/fz_math.h"
-
-// The row kernels come in a plain form and in vector forms chosen when the
-// program starts; every lane does the plain form's float operations. Their
-// loops have no branches (both heights are computed, then one is taken), so
-// that they can run as vector code.
-#if defined(__GNUC__) && !defined(__clang__) && (defined(__x86_64__) || defined(__i386__))
-#define TAMERISK_ROW_KERNEL __attribute__((target_clones("avx512f", "avx2", "default")))
-#else
-#define TAMERISK_ROW_KERNEL
-#endif
+#include "engine/row_kernel.h"
+#include "engine/shading/surface.h"
 
 namespace {
 
@@ -25,24 +20,43 @@ float Product(float p, float q) { return static_cast<float>(static_cast<double>(
 template <typename Shape>
 bool HeightOfOneSample(const Shape& shape, float x, float y, float& z)
 {
-    bool inside = false;
+    double term = 0.0;
+    shape.ColumnTerms(&x, 1, &term);
+    float inside = 0.0f;
     float height = 0.0f;
-    shape.HeightRow(y, &x, 1, FZSampleRow{&inside, &height});
-    if (inside)
+    shape.HeightRow(y, &term, 1, FZSampleRow{&inside, &height});
+    if (inside != 0.0f)
         z = height;
-    return inside;
+    return inside != 0.0f;
 }
 
-// Calls visit(depth) for every covered pixel of the layer.
-template <typename Visit>
-void ForEachCoveredDepth(FZLayer& layer, Visit visit)
+// The squared distances of the points xs[k] from the column cx, in double.
+TAMERISK_ROW_KERNEL void SquaredOffsets(const float* xs, std::int32_t n, float cx, double* squares)
 {
-    if (layer.coverage.empty() || layer.depth.empty())
-        return;
-    for (std::int32_t y = 0; y < layer.height; ++y)
-        for (std::int32_t x = 0; x < layer.width; ++x)
-            if (layer.coverage[y][x] != 0)
-                visit(layer.depth[y][x]);
+    for (std::int32_t k = 0; k < n; ++k) {
+        const double dx = static_cast<double>(xs[k]) - cx;
+        squares[k] = dx * dx;
+    }
+}
+
+// The room a reach leaves for rounding: relative to the radius, and in
+// pixels. The tests round to float, some parts in a hundred million.
+constexpr double kRelativeRoom = 1e-4;
+constexpr double kRoom = 0.01;
+
+bool Finite(std::initializer_list<double> values)
+{
+    for (const double v : values)
+        if (!std::isfinite(v))
+            return false;
+    return true;
+}
+
+// Half the chord at distance dy from the centre of a circle of the given
+// radius, or -1 where the row misses the circle.
+double HalfChord(double radius, double dy)
+{
+    return radius > std::fabs(dy) ? std::sqrt(radius * radius - dy * dy) : -1.0;
 }
 
 }  // namespace
@@ -72,7 +86,14 @@ bool FZRoundedDisc::HeightAt(float x, float y, float& z) const
     return HeightOfOneSample(*this, x, y, z);
 }
 
-TAMERISK_ROW_KERNEL void FZRoundedDisc::HeightRow(float y, const float* xs, std::int32_t n, FZSampleRow out) const
+void FZRoundedDisc::ColumnTerms(const float* xs, std::int32_t n, double* terms) const
+{
+    SquaredOffsets(xs, n, cx, terms);
+}
+
+// The column terms are the squared distances from the centre column.
+TAMERISK_ROW_KERNEL void FZRoundedDisc::HeightRow(float y, const double* terms, std::int32_t n,
+                                                  FZSampleRow out) const
 {
     // A copy, which the stores through out cannot change.
     const FZRoundedDisc s = *this;
@@ -82,16 +103,34 @@ TAMERISK_ROW_KERNEL void FZRoundedDisc::HeightRow(float y, const float* xs, std:
     const float flatHeight = Sum(s.z0, s.rimRadius);
     const float rim2 = Product(s.rimRadius, s.rimRadius);
     for (std::int32_t k = 0; k < n; ++k) {
-        const double dx = static_cast<double>(xs[k]) - s.cx;
-        const float d = static_cast<float>(std::sqrt(dx * dx + dy2));
+        const float d = static_cast<float>(std::sqrt(terms[k] + dy2));
         // The rim: a quarter circle from height rho down to 0 at the edge.
         const float e = Difference(d, flatRadius);
         const float q = Difference(rim2, Product(e, e));
         const float rimHeight = static_cast<float>(s.z0 + std::sqrt(static_cast<double>(q)));
         const bool flat = d <= flatRadius;
-        out.inside[k] = (d <= s.radius) & (flat | (q >= 0.0f));
+        out.inside[k] = (d <= s.radius) & (flat | (q >= 0.0f)) ? 1.0f : 0.0f;
         out.z[k] = flat ? flatHeight : rimHeight;
     }
+}
+
+FZRowReach FZRoundedDisc::Reach(float y) const
+{
+    FZRowReach reach;
+    if (!Finite({cx, cy, z0, radius, rimRadius, y}))
+        return reach;
+    const double dy = static_cast<double>(y) - cy;
+    reach.centre = cx;
+    reach.outer = HalfChord(std::fabs(radius) * (1.0 + kRelativeRoom) + kRoom, dy);
+    // With a rim of no negative width the flat part lies within the radius,
+    // so its points are inside.
+    const float flatRadius = Difference(radius, rimRadius);
+    if (rimRadius >= 0.0f) {
+        reach.inner = HalfChord(flatRadius * (1.0 - kRelativeRoom) - kRoom, dy);
+        reach.solid = true;
+        reach.height = Sum(z0, rimRadius);
+    }
+    return reach;
 }
 
 void FZDome::Set(float centerX, float centerY, float semiA, float semiB, float baseHeight, float domeHeight)
@@ -110,7 +149,21 @@ bool FZDome::HeightAt(float x, float y, float& z) const
     return HeightOfOneSample(*this, x, y, z);
 }
 
-TAMERISK_ROW_KERNEL void FZDome::HeightRow(float y, const float* xs, std::int32_t n, FZSampleRow out) const
+// The column terms are the squares of u = (x - cx) / a rounded to float, or
+// infinity for points left or right of the bounding box, which no row then
+// takes as inside.
+TAMERISK_ROW_KERNEL void FZDome::ColumnTerms(const float* xs, std::int32_t n, double* terms) const
+{
+    const FZDome s = *this;
+    for (std::int32_t k = 0; k < n; ++k) {
+        const float x = xs[k];
+        const float u = static_cast<float>((static_cast<double>(x) - s.cx) / s.a);
+        const bool inBox = (x >= s.box.x0) & (x <= s.box.x1);
+        terms[k] = inBox ? Product(u, u) : HUGE_VAL;
+    }
+}
+
+TAMERISK_ROW_KERNEL void FZDome::HeightRow(float y, const double* terms, std::int32_t n, FZSampleRow out) const
 {
     // A copy, which the stores through out cannot change.
     const FZDome s = *this;
@@ -118,12 +171,27 @@ TAMERISK_ROW_KERNEL void FZDome::HeightRow(float y, const float* xs, std::int32_
     const float v = static_cast<float>((static_cast<double>(y) - s.cy) / s.b);
     const float v2 = Product(v, v);
     for (std::int32_t k = 0; k < n; ++k) {
-        const float x = xs[k];
-        const float u = static_cast<float>((static_cast<double>(x) - s.cx) / s.a);
-        const float q = Sum(Product(u, u), v2);
-        out.inside[k] = rowInside & (x >= s.box.x0) & (x <= s.box.x1) & (q <= 1.0f);
+        const float q = static_cast<float>(terms[k] + v2);
+        out.inside[k] = rowInside & (q <= 1.0f) ? 1.0f : 0.0f;
         out.z[k] = static_cast<float>(s.z0 + s.height * std::sqrt(1.0 - q));
     }
+}
+
+FZRowReach FZDome::Reach(float y) const
+{
+    FZRowReach reach;
+    if (!Finite({cx, cy, a, b, y}))
+        return reach;
+    reach.centre = cx;
+    reach.outer = -1.0;
+    if (!(y >= box.y0 && y <= box.y1))
+        return reach;
+    // Inside, u^2 + v^2 is at most 1.
+    const double v = (static_cast<double>(y) - cy) / b;
+    const double room = 1.0 + kRelativeRoom - v * v;
+    if (room > 0.0)
+        reach.outer = std::fabs(a) * std::sqrt(room) * (1.0 + kRelativeRoom) + kRoom;
+    return reach;
 }
 
 void FZTorus::Set(float centerX, float centerY, float baseHeight, float outer, float inner, float scale)
@@ -142,7 +210,13 @@ bool FZTorus::HeightAt(float x, float y, float& z) const
     return HeightOfOneSample(*this, x, y, z);
 }
 
-TAMERISK_ROW_KERNEL void FZTorus::HeightRow(float y, const float* xs, std::int32_t n, FZSampleRow out) const
+void FZTorus::ColumnTerms(const float* xs, std::int32_t n, double* terms) const
+{
+    SquaredOffsets(xs, n, cx, terms);
+}
+
+// The column terms are the squared distances from the centre column.
+TAMERISK_ROW_KERNEL void FZTorus::HeightRow(float y, const double* terms, std::int32_t n, FZSampleRow out) const
 {
     // A copy, which the stores through out cannot change.
     const FZTorus s = *this;
@@ -155,18 +229,35 @@ TAMERISK_ROW_KERNEL void FZTorus::HeightRow(float y, const float* xs, std::int32
     // no point; this also keeps the height from dividing by zero.
     const bool hasWidth = halfWidth > 0.0f;
     for (std::int32_t k = 0; k < n; ++k) {
-        const double dx = static_cast<double>(xs[k]) - s.cx;
-        const float d = static_cast<float>(std::sqrt(dx * dx + dy2));
+        const float d = static_cast<float>(std::sqrt(terms[k] + dy2));
         const float t = std::fabs(Difference(d, mid));
         const float q = Difference(halfWidth2, Product(t, t));
-        out.inside[k] = hasWidth & (q >= 0.0f);
+        out.inside[k] = hasWidth & (q >= 0.0f) ? 1.0f : 0.0f;
         out.z[k] = static_cast<float>(s.z0 + std::sqrt(static_cast<double>(q)) * s.heightScale / halfWidth);
     }
 }
 
+FZRowReach FZTorus::Reach(float y) const
+{
+    FZRowReach reach;
+    if (!Finite({cx, cy, z0, outerRadius, innerRadius, heightScale, y}))
+        return reach;
+    const double dy = static_cast<double>(y) - cy;
+    const float mid = static_cast<float>((static_cast<double>(outerRadius) + innerRadius) / 2.0);
+    const float halfWidth = static_cast<float>((static_cast<double>(outerRadius) - innerRadius) / 2.0);
+    reach.centre = cx;
+    reach.outer = -1.0;
+    if (!(halfWidth > 0.0f))
+        return reach;
+    // Inside, the distance from the centre lies within halfWidth of mid.
+    reach.outer = HalfChord((std::fabs(mid) + halfWidth) * (1.0 + kRelativeRoom) + kRoom, dy);
+    reach.inner = HalfChord((static_cast<double>(mid) - halfWidth) * (1.0 - kRelativeRoom) - kRoom, dy);
+    return reach;
+}
+
 // ---------------------------------------------------------------- drawing
 
-void FZSampleOffsets(std::int32_t p, float* out)
+void FZSampleOffsets(std::int32_t p, float out[3])
 {
     const float third = 1.0f / 3.0f;
     float d = 1.0f / 6.0f;
@@ -174,8 +265,71 @@ void FZSampleOffsets(std::int32_t p, float* out)
         out[i] = static_cast<float>(p) + d;
 }
 
-void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py,
-                          const bool (&inside)[3][3 * kFZSamplePixels], const float (&z)[3][3 * kFZSamplePixels],
+namespace {
+
+// For pixels that hold nothing yet: how many of the nine samples are
+// inside (a float count is exact) and the sum of their heights in sample
+// order. A sample outside adds +0 to both, which changes no sum: one that
+// starts at +0 never becomes -0.
+TAMERISK_ROW_KERNEL void CountInside(const FZSamplePiece& piece, std::int32_t n, float* __restrict count,
+                                     float* __restrict sum)
+{
+    for (std::int32_t k = 0; k < n; ++k) {
+        count[k] = 0.0f;
+        sum[k] = 0.0f;
+    }
+    for (int j = 0; j < 3; ++j) {
+        for (int i = 0; i < 3; ++i) {
+            const float* inside = piece.inside[j][i];
+            const float* z = piece.z[j][i];
+            for (std::int32_t k = 0; k < n; ++k) {
+                count[k] += inside[k];
+                sum[k] += inside[k] != 0.0f ? z[k] : 0.0f;
+            }
+        }
+    }
+}
+
+// CompositeSample into pixels that hold nothing (coverage 0): where a
+// sample is inside, the pixel takes the mean height and the coverage of the
+// count. A count of 0 gives coverage 0, which leaves it as it was.
+TAMERISK_ROW_KERNEL void StoreIntoEmpty(const float* count, const float* sum, std::int32_t n, std::uint8_t* coverage,
+                                        float* depth)
+{
+    for (std::int32_t k = 0; k < n; ++k) {
+        const float c = count[k];
+        const float mean = sum[k] * (1.0f / c);
+        coverage[k] = static_cast<std::uint8_t>(static_cast<std::int32_t>(c * (1.0f / 9.0f) * 255.0f));
+        depth[k] = c > 0.0f ? mean : depth[k];
+    }
+}
+
+// A piece's worth of the sample colour, to compare colours with.
+const FZColor* SampleColorPiece()
+{
+    static const std::array<FZColor, kFZSamplePixels> piece = [] {
+        std::array<FZColor, kFZSamplePixels> colors;
+        colors.fill(kFZShapeSampleColor);
+        return colors;
+    }();
+    return piece.data();
+}
+
+// The sample colour for the pixels with a sample inside. Colours that
+// already are the sample colour (as a new layer's all are) are only read,
+// so their pages are never written.
+void ColorDrawnPixels(FZColor* colors, const float* count, std::int32_t n)
+{
+    if (std::memcmp(colors, SampleColorPiece(), sizeof(FZColor) * static_cast<std::size_t>(n)) == 0)
+        return;
+    for (std::int32_t k = 0; k < n; ++k)
+        if (count[k] > 0.0f)
+            colors[k] = kFZShapeSampleColor;
+}
+
+// Merges the nine samples of the piece's pixel k into the layer pixel (px,
+// py), whatever it holds.
+void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py, const FZSamplePiece& piece,
                           std::int32_t k)
 {
     const float a0 = layer.coverage[py][px] / 255.0f;
@@ -183,10 +337,10 @@ void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py,
     float weightSum = 0.0f;
     float heightSum = 0.0f;
     for (int j = 0; j < 3; ++j) {
-        for (int i = k; i < k + 3; ++i) {
-            if (inside[j][i]) {
+        for (int i = 0; i < 3; ++i) {
+            if (piece.inside[j][i][k] != 0.0f) {
                 // Over an earlier surface the higher of the two shows.
-                const float zs = z[j][i];
+                const float zs = piece.z[j][i][k];
                 weightSum += 1.0f;
                 heightSum += a0 == 0.0f || zs >= z0p ? zs : z0p;
             } else if (a0 > 0.0f) {
@@ -202,19 +356,189 @@ void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py,
     }
 }
 
+// The pixel column of the point x, held well within the 32-bit range.
+std::int64_t PixelOf(double x)
+{
+    constexpr double kFar = 1e15;
+    return static_cast<std::int64_t>(std::floor(FZMax(-kFar, FZMin(x, kFar))));
+}
+
+std::int32_t HeldColumn(std::int64_t column)
+{
+    return static_cast<std::int32_t>(FZMax<std::int64_t>(INT32_MIN, FZMin<std::int64_t>(column, INT32_MAX)));
+}
+
+}  // namespace
+
+FZPixelSpans::FZPixelSpans(const FZRowReach& reach)
+{
+    if (reach.outer < 0.0) {
+        outerFirst = 1;
+        outerLast = 0;
+        return;
+    }
+    // A pixel's points lie within its column and the next.
+    if (reach.outer < HUGE_VAL) {
+        outerFirst = HeldColumn(PixelOf(reach.centre - reach.outer) - 1);
+        outerLast = HeldColumn(PixelOf(reach.centre + reach.outer) + 1);
+    }
+    if (reach.inner > 0.0) {
+        innerFirst = HeldColumn(PixelOf(reach.centre - reach.inner) + 2);
+        innerLast = HeldColumn(PixelOf(reach.centre + reach.inner) - 2);
+        solid = reach.solid;
+        height = reach.height;
+    }
+}
+
+bool FZPixelSpans::AllOutside(std::int32_t first, std::int32_t last) const
+{
+    const bool beyond = last < outerFirst || first > outerLast;
+    const bool inHole = !solid && innerFirst <= first && last <= innerLast;
+    return beyond || inHole;
+}
+
+void FZFillSamples(FZSampleRow out, std::int32_t first, std::int32_t last, float inside, float z)
+{
+    for (std::int32_t k = first; k < last; ++k) {
+        out.inside[k] = inside;
+        out.z[k] = z;
+    }
+}
+
+bool FZNoneCovered(const std::uint8_t* coverage, std::int32_t n)
+{
+    int any = 0;
+    for (std::int32_t k = 0; k < n; ++k)
+        any |= coverage[k];
+    return any == 0;
+}
+
+void CompositeSamplePiece(FZLayer& layer, std::int32_t py, std::int32_t start, std::int32_t n,
+                          const FZSamplePiece& piece)
+{
+    float count[kFZSamplePixels];
+    float sum[kFZSamplePixels];
+    CountInside(piece, n, count, sum);
+    std::uint8_t* coverage = layer.coverage[py] + start;
+    float* depth = layer.depth[py] + start;
+    FZColor* colors = layer.colors.empty() ? nullptr : layer.colors[py] + start;
+    // Where nothing is drawn yet, every pixel takes the same simple path.
+    if (FZNoneCovered(coverage, n)) {
+        StoreIntoEmpty(count, sum, n, coverage, depth);
+        if (colors != nullptr)
+            ColorDrawnPixels(colors, count, n);
+        return;
+    }
+    for (std::int32_t k = 0; k < n; ++k) {
+        if (coverage[k] != 0) {
+            CompositeNineSamples(layer, start + k, py, piece, k);
+            continue;
+        }
+        StoreIntoEmpty(count + k, sum + k, 1, coverage + k, depth + k);
+        if (colors != nullptr)
+            ColorDrawnPixels(colors + k, count + k, 1);
+    }
+}
+
 // ---------------------------------------------------------------- finishing
 
 namespace {
 
-// The squared distances of the points (sx[k], sy) from the dimple's centre
-// (the coordinates already relative to it), rounded to float, and their
-// square roots.
-TAMERISK_ROW_KERNEL void DimpleDistances(const double* sx, double sy, std::int32_t n, float* s2, double* distance)
-{
-    for (std::int32_t k = 0; k < n; ++k) {
-        s2[k] = static_cast<float>(sx[k] * sx[k] + sy * sy);
-        distance[k] = std::sqrt(static_cast<double>(s2[k]));
+// The squared offsets from the dimple's centre of the four sample columns
+// (or rows) of every pixel, computed once for all rows; pixel k of a piece
+// has sample column i at [i][k].
+struct DimpleColumns {
+    std::int32_t first = 0;
+    std::int32_t last = -1;
+    std::vector<double> squares;
+
+    DimpleColumns(std::int32_t firstPixel, std::int32_t lastPixel, float centre);
+    std::int32_t Pieces() const { return (last - first) / kFZSamplePixels + 1; }
+    std::int32_t PieceStart(std::int32_t piece) const { return first + piece * kFZSamplePixels; }
+    std::int32_t PiecePixels(std::int32_t piece) const { return FZMin(kFZSamplePixels, last - PieceStart(piece) + 1); }
+    const double* Piece(std::int32_t piece) const
+    {
+        return squares.data() + static_cast<std::size_t>(piece) * 4 * kFZSamplePixels;
     }
+};
+
+// The offset of sample i (0 to 3) of pixel p from the centre c.
+double DimpleOffset(std::int32_t p, int i, float c)
+{
+    return p + (i + 0.5) * 0.25 - c;
+}
+
+DimpleColumns::DimpleColumns(std::int32_t firstPixel, std::int32_t lastPixel, float centre)
+    : first(firstPixel), last(lastPixel), squares(static_cast<std::size_t>(Pieces()) * 4 * kFZSamplePixels)
+{
+    for (std::int32_t p = 0; p < Pieces(); ++p) {
+        double* piece = squares.data() + static_cast<std::size_t>(p) * 4 * kFZSamplePixels;
+        for (int i = 0; i < 4; ++i) {
+            for (std::int32_t k = 0; k < PiecePixels(p); ++k) {
+                const double sx = DimpleOffset(PieceStart(p) + k, i, centre);
+                piece[i * kFZSamplePixels + k] = sx * sx;
+            }
+        }
+    }
+}
+
+// The dimpled depths of the n pixels of a piece, from the squared offsets
+// of their sample columns and of the row's four sample rows. Points within
+// the radius are lowered by the bowl, the others keep the depth. Only the
+// pixels from first to last - 1 can reach into the bowl; the others take
+// what sixteen points outside give, which is their depth with 0 added.
+TAMERISK_ROW_KERNEL void DimpleDepths(const FZSmoothStep& bowl, double radiusSquared, const double* columnSquares,
+                                      const double (&rowSquares)[4], std::int32_t first, std::int32_t last,
+                                      std::int32_t n, const float* depth, float* dimpled)
+{
+    // A copy, which the stores through dimpled cannot change.
+    const FZSmoothStep b = bowl;
+    // Summed in double: sixteen equal heights give the height back exactly,
+    // so pixels outside the bowl keep their depth.
+    double sum[kFZSamplePixels];
+    for (std::int32_t k = first; k < last; ++k)
+        sum[k] = 0.0;
+    for (int j = 0; j < 4; ++j) {
+        const double sy2 = rowSquares[j];
+        for (int i = 0; i < 4; ++i) {
+            const double* sx2 = columnSquares + i * kFZSamplePixels;
+            for (std::int32_t k = first; k < last; ++k) {
+                const float zp = depth[k];
+                const float s2 = static_cast<float>(sx2[k] + sy2);
+                const double distance = std::sqrt(static_cast<double>(s2));
+                const float lowered = static_cast<float>(zp + b.Evaluate(distance));
+                sum[k] += s2 < radiusSquared ? lowered : zp;
+            }
+        }
+    }
+    for (std::int32_t k = 0; k < n; ++k) {
+        const bool reached = (k >= first) & (k < last);
+        dimpled[k] = static_cast<float>(reached ? sum[k] * (1.0 / 16.0) : 0.0 + depth[k]);
+    }
+}
+
+// The reach of the dimple's points along a row whose nearest sample row is
+// that far from the centre: points farther out lie beyond the radius.
+FZRowReach DimpleReach(float cx, float radius, double nearest)
+{
+    FZRowReach reach;
+    if (Finite({cx, radius, nearest})) {
+        reach.centre = cx;
+        reach.outer = HalfChord(std::fabs(radius) * (1.0 + kRelativeRoom) + kRoom, nearest);
+    }
+    return reach;
+}
+
+TAMERISK_ROW_KERNEL void StoreCovered(const std::uint8_t* coverage, const float* values, std::int32_t n, float* depth)
+{
+    for (std::int32_t k = 0; k < n; ++k)
+        depth[k] = coverage[k] != 0 ? values[k] : depth[k];
+}
+
+TAMERISK_ROW_KERNEL void ClampCovered(const std::uint8_t* coverage, float level, std::int32_t n, float* depth)
+{
+    for (std::int32_t k = 0; k < n; ++k)
+        depth[k] = (coverage[k] != 0) & (depth[k] > level) ? level : depth[k];
 }
 
 }  // namespace
@@ -230,44 +554,46 @@ void AddDimple(FZLayer& layer, float cx, float cy, float radius, float depth)
     const std::int32_t columnLast = FZTruncateClamped(static_cast<double>(cx) + radius, INT32_MIN, layer.width - 1);
     const std::int32_t rowFirst = FZTruncateClamped(static_cast<double>(cy) - radius, 0, INT32_MAX);
     const std::int32_t rowLast = FZTruncateClamped(static_cast<double>(cy) + radius, INT32_MIN, layer.height - 1);
-    constexpr std::int32_t kPoints = 4 * kFZSamplePixels;
+    if (columnFirst > columnLast || rowFirst > rowLast)
+        return;
+    const DimpleColumns columns(columnFirst, columnLast, cx);
 
     ParallelRows(rowFirst, rowLast + 1, [&](std::int32_t py) {
-        for (std::int32_t start = columnFirst; start <= columnLast; start += kFZSamplePixels) {
-            const std::int32_t pixels = FZMin(kFZSamplePixels, columnLast - start + 1);
-            double sx[kPoints];
-            for (std::int32_t k = 0; k < pixels; ++k)
-                for (int i = 0; i < 4; ++i)
-                    sx[4 * k + i] = start + k + (i + 0.5) * 0.25 - cx;
-            float s2[4][kPoints];
-            double distance[4][kPoints];
-            for (int j = 0; j < 4; ++j)
-                DimpleDistances(sx, py + (j + 0.5) * 0.25 - cy, 4 * pixels, s2[j], distance[j]);
-            for (std::int32_t k = 0; k < pixels; ++k) {
-                const std::int32_t px = start + k;
-                if (layer.coverage[py][px] == 0)
-                    continue;
-                const float zp = layer.depth[py][px];
-                // Summed in double: sixteen equal heights give the height back
-                // exactly, so pixels outside the bowl keep their depth.
-                double sum = 0.0;
-                for (int j = 0; j < 4; ++j)
-                    for (int i = 4 * k; i < 4 * k + 4; ++i)
-                        sum += s2[j][i] < radiusSquared ? static_cast<float>(zp + bowl.Evaluate(distance[j][i])) : zp;
-                layer.depth[py][px] = static_cast<float>(sum * (1.0 / 16.0));
-            }
+        double rowSquares[4];
+        double nearest = HUGE_VAL;
+        for (int j = 0; j < 4; ++j) {
+            const double sy = DimpleOffset(py, j, cy);
+            rowSquares[j] = sy * sy;
+            nearest = FZMin(nearest, std::fabs(sy));
+        }
+        const FZPixelSpans reach(DimpleReach(cx, radius, nearest));
+        for (std::int32_t p = 0; p < columns.Pieces(); ++p) {
+            const std::int32_t start = columns.PieceStart(p);
+            const std::int32_t n = columns.PiecePixels(p);
+            const std::uint8_t* coverage = layer.coverage[py] + start;
+            if (FZNoneCovered(coverage, n))
+                continue;
+            const std::int32_t first = FZPixelSpans::Within(reach.outerFirst, start, n);
+            const std::int32_t last = FZMax(FZPixelSpans::Within(std::int64_t{reach.outerLast} + 1, start, n), first);
+            float dimpled[kFZSamplePixels];
+            DimpleDepths(bowl, radiusSquared, columns.Piece(p), rowSquares, first, last, n, layer.depth[py] + start,
+                         dimpled);
+            StoreCovered(coverage, dimpled, n, layer.depth[py] + start);
         }
     });
 }
 
 void FlattenTop(FZLayer& layer, float k)
 {
-    float lo = 0.0f;
-    float hi = 0.0f;
-    ForEachCoveredDepth(layer, [&](float& z) {
-        lo = z < lo ? z : lo;
-        hi = z > hi ? z : hi;
-    });
+    float minimum = 0.0f;
+    float maximum = 0.0f;
+    if (layer.coverage.empty() || layer.depth.empty()
+        || DepthRange(layer, FZRect(0, 0, layer.width - 1, layer.height - 1), minimum, maximum) != FZResult::Ok)
+        return;
+    // The range starts from 0: a covered depth takes over only when it lies
+    // strictly beyond, so of the zeros 0 itself stays.
+    const float lo = minimum < 0.0f ? minimum : 0.0f;
+    const float hi = maximum > 0.0f ? maximum : 0.0f;
     const float span = Difference(hi, lo);
     if (span > 0.0f)
         ClampDepth(layer, Sum(lo, Product(span, k)));
@@ -275,10 +601,10 @@ void FlattenTop(FZLayer& layer, float k)
 
 void ClampDepth(FZLayer& layer, float level)
 {
-    ForEachCoveredDepth(layer, [level](float& z) {
-        if (z > level)
-            z = level;
-    });
+    if (layer.coverage.empty() || layer.depth.empty())
+        return;
+    ParallelRows(0, layer.height,
+                 [&](std::int32_t y) { ClampCovered(layer.coverage[y], level, layer.width, layer.depth[y]); });
 }
 
 // ---------------------------------------------------------------- catalogue

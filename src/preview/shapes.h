@@ -5,12 +5,14 @@
 //
 // Every outline offers Set (its parameters in the order of its fields; also
 // computes the bounding box), Bounds and HeightAt (frame coordinates; false
-// outside the outline). Parameters that are NaN give an outline that
-// contains no point.
+// outside the outline), and for drawing ColumnTerms, HeightRow and Reach.
+// Parameters that are NaN give an outline that contains no point.
 #ifndef TAMERISK_PREVIEW_SHAPES_H
 #define TAMERISK_PREVIEW_SHAPES_H
 
+#include <cmath>
 #include <cstdint>
+#include <vector>
 
 #include <tamerisk/fz_truncate.h>
 
@@ -18,10 +20,12 @@
 #include "engine/parallel.h"
 #include "engine/scene.h"
 
-// Where a row kernel writes each sample point: whether it lies inside the
-// outline, and its height there (any value where it does not).
+// Where a row kernel writes each sample point: 1 where it lies inside the
+// outline and 0 where it does not (floats, which vector code takes lane by
+// lane with the heights), and its height there (any value where it does
+// not).
 struct FZSampleRow {
-    bool* inside;
+    float* inside;
     float* z;
 };
 
@@ -43,6 +47,20 @@ struct FZShapeBox {
     }
 };
 
+// What an outline tells of one sample row before its points are tested:
+// points farther than outer from the centre column lie outside; points
+// nearer than inner all lie inside at height (solid) or all outside. Both
+// leave room for the rounding of the tests, so that no point is taken for
+// what its test would not give. An outer of infinity and an inner below 0
+// tell nothing; an outer below 0 says that no point of the row is inside.
+struct FZRowReach {
+    double centre = 0.0;
+    double outer = HUGE_VAL;
+    double inner = -1.0;
+    bool solid = false;
+    float height = 0.0f;
+};
+
 // A flat round plate of radius R whose rim falls off as a quarter circle of
 // radius rho, from height z0 + rho to z0 at the edge.
 struct FZRoundedDisc {
@@ -56,8 +74,12 @@ struct FZRoundedDisc {
     void Set(float centerX, float centerY, float baseHeight, float outerRadius, float rim);
     void Bounds(float& bx0, float& by0, float& bx1, float& by1) const { box.Get(bx0, by0, bx1, by1); }
     bool HeightAt(float x, float y, float& z) const;
-    // HeightAt for the n points (xs[k], y), all at once.
-    void HeightRow(float y, const float* xs, std::int32_t n, FZSampleRow out) const;
+    // What HeightAt computes from x alone, for the points xs[0] to
+    // xs[n - 1]: the same for every row.
+    void ColumnTerms(const float* xs, std::int32_t n, double* terms) const;
+    // HeightAt for the n points of row y whose column terms are given.
+    void HeightRow(float y, const double* terms, std::int32_t n, FZSampleRow out) const;
+    FZRowReach Reach(float y) const;
 };
 
 // Half an ellipsoid over the ellipse of semi-axes a and b.
@@ -73,8 +95,12 @@ struct FZDome {
     void Set(float centerX, float centerY, float semiA, float semiB, float baseHeight, float domeHeight);
     void Bounds(float& bx0, float& by0, float& bx1, float& by1) const { box.Get(bx0, by0, bx1, by1); }
     bool HeightAt(float x, float y, float& z) const;
-    // HeightAt for the n points (xs[k], y), all at once.
-    void HeightRow(float y, const float* xs, std::int32_t n, FZSampleRow out) const;
+    // What HeightAt computes from x alone, for the points xs[0] to
+    // xs[n - 1]: the same for every row.
+    void ColumnTerms(const float* xs, std::int32_t n, double* terms) const;
+    // HeightAt for the n points of row y whose column terms are given.
+    void HeightRow(float y, const double* terms, std::int32_t n, FZSampleRow out) const;
+    FZRowReach Reach(float y) const;
 };
 
 // A ring between the radii Ri and R whose cross-section is half an ellipse:
@@ -91,43 +117,119 @@ struct FZTorus {
     void Set(float centerX, float centerY, float baseHeight, float outer, float inner, float scale);
     void Bounds(float& bx0, float& by0, float& bx1, float& by1) const { box.Get(bx0, by0, bx1, by1); }
     bool HeightAt(float x, float y, float& z) const;
-    // HeightAt for the n points (xs[k], y), all at once.
-    void HeightRow(float y, const float* xs, std::int32_t n, FZSampleRow out) const;
+    // What HeightAt computes from x alone, for the points xs[0] to
+    // xs[n - 1]: the same for every row.
+    void ColumnTerms(const float* xs, std::int32_t n, double* terms) const;
+    // HeightAt for the n points of row y whose column terms are given.
+    void HeightRow(float y, const double* terms, std::int32_t n, FZSampleRow out) const;
+    FZRowReach Reach(float y) const;
 };
 
 // The colour handed to the layer with every drawn sample. The sample layer
 // shows its material's colour, so this one is never seen.
 inline constexpr FZColor kFZShapeSampleColor{};
 
-// The sample columns of a row of pixels from px0 to px1 and the sample rows
-// of a pixel row: the pixel coordinate plus 1/6, 1/2 and 5/6, the offsets
-// built by adding 1/3 to 1/6 in float.
-void FZSampleOffsets(std::int32_t p, float out[3]);
-
-// Merges the nine samples of one pixel (three sample rows of three) into
-// the layer with CompositeSample.
-void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py, const bool* const inside[3],
-                          const float* const z[3]);
-
 // The pixels a row kernel takes at a time: enough points for its vector
 // instructions, few enough to stay on the stack.
-inline constexpr std::int32_t kFZSamplePixels = 64;
-
-// Merges the nine samples of pixel k of a piece (three sample rows of
-// three) into the layer pixel (px, py) with CompositeSample.
-void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py,
-                          const bool (&inside)[3][3 * kFZSamplePixels], const float (&z)[3][3 * kFZSamplePixels],
-                          std::int32_t k);
+inline constexpr std::int32_t kFZSamplePixels = 128;
 
 // The three sample offsets of pixel p along one axis: p + 1/6, p + 1/2 and
 // p + 5/6, the offsets built by adding 1/3 to 1/6 in float.
-void FZSampleOffsets(std::int32_t p, float* out);
+void FZSampleOffsets(std::int32_t p, float out[3]);
+
+// The sample points of a piece of a pixel row, sample row j and sample
+// column i of the piece's pixel k at [j][i][k].
+struct FZSamplePiece {
+    float inside[3][3][kFZSamplePixels];
+    float z[3][3][kFZSamplePixels];
+};
+
+// The sample columns of the pixels first to last, piece by piece, with the
+// column terms of a shape.
+class FZSampleColumns {
+public:
+    template <typename Shape>
+    FZSampleColumns(const Shape& shape, std::int32_t first, std::int32_t last);
+
+    std::int32_t Pieces() const { return pieces; }
+    std::int32_t PieceStart(std::int32_t piece) const { return first + piece * kFZSamplePixels; }
+    std::int32_t PiecePixels(std::int32_t piece) const { return FZMin(kFZSamplePixels, last - PieceStart(piece) + 1); }
+    // The terms of sample column i of the piece's pixels.
+    const double* Terms(std::int32_t piece, int i) const { return terms.data() + Offset(piece, i); }
+
+private:
+    static std::size_t Offset(std::int32_t piece, int i)
+    {
+        return (static_cast<std::size_t>(piece) * 3 + static_cast<std::size_t>(i)) * kFZSamplePixels;
+    }
+
+    std::int32_t first;
+    std::int32_t last;
+    std::int32_t pieces;
+    std::vector<double> terms;
+};
+
+template <typename Shape>
+FZSampleColumns::FZSampleColumns(const Shape& shape, std::int32_t firstPixel, std::int32_t lastPixel)
+    : first(firstPixel), last(lastPixel), pieces((lastPixel - firstPixel) / kFZSamplePixels + 1),
+      terms(static_cast<std::size_t>(pieces) * 3 * kFZSamplePixels)
+{
+    for (std::int32_t p = 0; p < pieces; ++p) {
+        float xs[3][kFZSamplePixels];
+        const std::int32_t n = PiecePixels(p);
+        for (std::int32_t k = 0; k < n; ++k) {
+            float offsets[3];
+            FZSampleOffsets(PieceStart(p) + k, offsets);
+            for (int i = 0; i < 3; ++i)
+                xs[i][k] = offsets[i];
+        }
+        for (int i = 0; i < 3; ++i)
+            shape.ColumnTerms(xs[i], n, terms.data() + Offset(p, i));
+    }
+}
+
+// The pixel columns of a reach: pixels outside outerFirst to outerLast
+// have no sample point inside; the points of innerFirst to innerLast are
+// all inside at height (solid) or all outside.
+struct FZPixelSpans {
+    std::int32_t outerFirst = INT32_MIN;
+    std::int32_t outerLast = INT32_MAX;
+    std::int32_t innerFirst = 0;
+    std::int32_t innerLast = -1;
+    bool solid = false;
+    float height = 0.0f;
+
+    explicit FZPixelSpans(const FZRowReach& reach);
+    // Whether no sample point of the pixels first to last is inside.
+    bool AllOutside(std::int32_t first, std::int32_t last) const;
+    // A column as an offset from start, held within 0 to n.
+    static std::int32_t Within(std::int64_t column, std::int32_t start, std::int32_t n)
+    {
+        return static_cast<std::int32_t>(FZMin<std::int64_t>(FZMax<std::int64_t>(column - start, 0), n));
+    }
+};
+
+// The samples of one sample column (at y, with the given column terms) of
+// the n pixels from start on: those the spans tell are filled in, the rest
+// are tested.
+template <typename Shape>
+void TestSampleColumn(const Shape& shape, float y, const double* terms, std::int32_t start, std::int32_t n,
+                      const FZPixelSpans& spans, FZSampleRow out);
+
+// Merges the samples of a piece, the n pixels of row py from start on,
+// into the layer with CompositeSample.
+void CompositeSamplePiece(FZLayer& layer, std::int32_t py, std::int32_t start, std::int32_t n,
+                          const FZSamplePiece& piece);
+// Whether the n coverage values are all 0.
+bool FZNoneCovered(const std::uint8_t* coverage, std::int32_t n);
 
 // Draws an outline into the layer: every pixel of its bounding box (clipped
 // to the layer) is tested at 3 x 3 points and merged with CompositeSample.
 // Single-precision arithmetic throughout. Each pixel reads and writes only
 // itself, so rows run in parallel; the outline is tested a piece of a
-// sample row at a time.
+// sample row at a time, with the terms of the sample columns computed once.
+// Points the outline's reach tells need no test, and pieces that neither
+// hold coverage nor reach into the outline are left alone.
 template <typename Shape>
 void RasterizeShape(FZLayer& layer, const Shape& shape)
 {
@@ -139,23 +241,55 @@ void RasterizeShape(FZLayer& layer, const Shape& shape)
     const std::int32_t columnLast = FZTruncateClamped(bx1 + 0.1f, INT32_MIN, layer.width - 1);
     const std::int32_t rowFirst = FZTruncateClamped(by0, 0, INT32_MAX);
     const std::int32_t rowLast = FZTruncateClamped(by1 + 0.1f, INT32_MIN, layer.height - 1);
+    if (columnFirst > columnLast || rowFirst > rowLast)
+        return;
+    const FZSampleColumns columns(shape, columnFirst, columnLast);
 
     ParallelRows(rowFirst, rowLast + 1, [&](std::int32_t py) {
         float ys[3];
         FZSampleOffsets(py, ys);
-        for (std::int32_t start = columnFirst; start <= columnLast; start += kFZSamplePixels) {
-            const std::int32_t pixels = FZMin(kFZSamplePixels, columnLast - start + 1);
-            float xs[3 * kFZSamplePixels];
-            bool inside[3][3 * kFZSamplePixels];
-            float z[3][3 * kFZSamplePixels];
-            for (std::int32_t k = 0; k < pixels; ++k)
-                FZSampleOffsets(start + k, xs + 3 * k);
+        const FZPixelSpans spans[3] = {FZPixelSpans(shape.Reach(ys[0])), FZPixelSpans(shape.Reach(ys[1])),
+                                       FZPixelSpans(shape.Reach(ys[2]))};
+        FZSamplePiece piece;
+        for (std::int32_t p = 0; p < columns.Pieces(); ++p) {
+            const std::int32_t start = columns.PieceStart(p);
+            const std::int32_t n = columns.PiecePixels(p);
+            const std::int32_t last = start + n - 1;
+            if (spans[0].AllOutside(start, last) && spans[1].AllOutside(start, last)
+                && spans[2].AllOutside(start, last) && FZNoneCovered(layer.coverage[py] + start, n))
+                continue;
             for (int j = 0; j < 3; ++j)
-                shape.HeightRow(ys[j], xs, 3 * pixels, FZSampleRow{inside[j], z[j]});
-            for (std::int32_t k = 0; k < pixels; ++k)
-                CompositeNineSamples(layer, start + k, py, inside, z, 3 * k);
+                for (int i = 0; i < 3; ++i)
+                    TestSampleColumn(shape, ys[j], columns.Terms(p, i), start, n, spans[j],
+                                     FZSampleRow{piece.inside[j][i], piece.z[j][i]});
+            CompositeSamplePiece(layer, py, start, n, piece);
         }
     });
+}
+
+// Fills the samples from first to last - 1 with whether they are inside
+// (1 or 0) and their height.
+void FZFillSamples(FZSampleRow out, std::int32_t first, std::int32_t last, float inside, float z);
+
+template <typename Shape>
+void TestSampleColumn(const Shape& shape, float y, const double* terms, std::int32_t start, std::int32_t n,
+                      const FZPixelSpans& spans, FZSampleRow out)
+{
+    // Pixels [0, a) and [d, n) lie outside, [b, c) is the inner span, and
+    // [a, b) and [c, d) are tested.
+    const std::int32_t a = FZPixelSpans::Within(spans.outerFirst, start, n);
+    const std::int32_t d = FZMax(FZPixelSpans::Within(std::int64_t{spans.outerLast} + 1, start, n), a);
+    std::int32_t b = d;
+    std::int32_t c = d;
+    if (spans.innerFirst <= spans.innerLast) {
+        b = FZMin(FZMax(FZPixelSpans::Within(spans.innerFirst, start, n), a), d);
+        c = FZMin(FZMax(FZPixelSpans::Within(std::int64_t{spans.innerLast} + 1, start, n), b), d);
+    }
+    FZFillSamples(out, 0, a, 0.0f, 0.0f);
+    shape.HeightRow(y, terms + a, b - a, FZSampleRow{out.inside + a, out.z + a});
+    FZFillSamples(out, b, c, spans.solid ? 1.0f : 0.0f, spans.height);
+    shape.HeightRow(y, terms + c, d - c, FZSampleRow{out.inside + c, out.z + c});
+    FZFillSamples(out, d, n, 0.0f, 0.0f);
 }
 
 // Lowers the covered depths within radius of (cx, cy) by a smooth bowl that

@@ -98,5 +98,108 @@ TEST(Surface, WildDepths)
     FZLayer all;
     MakeHeightField(all, 2, 2, [](int, int) { return std::nanf(""); });
     EXPECT_EQ(PrepareSurface(all), FZResult::Ok);
+}
 
+TEST(Surface, OfEqualDepthsTheFirstInRowOrderIsTheRange)
+{
+    // +0 and -0 are equal, so the range holds whichever comes first; the
+    // range is taken many columns at a time, yet the answer is the one a
+    // pixel-by-pixel scan gives.
+    FZLayer layer;
+    MakeHeightField(layer, 40, 3, [](int x, int y) {
+        if (y == 1 && x == 3)
+            return 0.0f;
+        if ((y == 1 && x == 16) || (y == 2 && x == 0))
+            return -0.0f;
+        return x % 2 == 0 ? 5.0f : 7.0f;
+    });
+    float lo = 1.0f, hi = 1.0f;
+    EXPECT_EQ(DepthRange(layer, FZRect(0, 0, 39, 2), lo, hi), FZResult::Ok);
+    EXPECT_EQ(lo, 0.0f);
+    EXPECT_FALSE(std::signbit(lo));
+    EXPECT_EQ(hi, 7.0f);
+    EXPECT_EQ(DepthRange(layer, FZRect(4, 0, 39, 2), lo, hi), FZResult::Ok);
+    EXPECT_TRUE(std::signbit(lo));
+
+    MakeHeightField(layer, 40, 1, [](int x, int) { return x == 2 ? 0.0f : (x == 17 ? -0.0f : -1.0f); });
+    EXPECT_EQ(DepthRange(layer, FZRect(0, 0, 39, 0), lo, hi), FZResult::Ok);
+    EXPECT_FALSE(std::signbit(hi));
+}
+
+TEST(Surface, LevelGroundIsLevelWhateverLiesBesideIt)
+{
+    // Uncovered pixels count for nothing, however deep they are; one bump
+    // tilts its eight neighbours and no pixel further away.
+    FZLayer layer;
+    MakeHeightField(layer, 300, 5, [](int x, int y) { return x == 200 && y == 3 ? 2.75f : 2.5f; });
+    layer.coverage[0][150] = 0;
+    layer.depth[0][150] = 100.0f;
+    layer.coverage[2][40] = 1;
+    ASSERT_EQ(PrepareSurface(layer), FZResult::Ok);
+    for (int y = 0; y < 5; ++y) {
+        for (int x = 0; x < 300; ++x) {
+            const bool tilted = std::abs(x - 200) == 1 || std::abs(y - 3) == 1;
+            if (layer.coverage[y][x] == 0)
+                continue;
+            if (std::abs(x - 200) <= 1 && std::abs(y - 3) <= 1) {
+                EXPECT_EQ(layer.normals[y][x].z < 30000, tilted) << x << ", " << y;
+            } else {
+                EXPECT_TRUE(NormalIs(layer, x, y, 0, 0, 30000));
+            }
+        }
+    }
+    EXPECT_TRUE(NormalIs(layer, 150, 0, 0, 0, 0));
+}
+
+namespace {
+
+// The normal of an inner pixel whose neighbours are all covered, each step
+// of the sums rounded from double to float.
+FZPackedVector SobelNormal(const FZLayer& layer, int x, int y)
+{
+    static constexpr int kx[3][3] = {{-1, 0, 1}, {-2, 0, 2}, {-1, 0, 1}};
+    static constexpr int ky[3][3] = {{-1, -2, -1}, {0, 0, 0}, {1, 2, 1}};
+    const double zc = layer.depth[y][x];
+    float sx = 0.0f, sy = 0.0f, wx = 0.0f, wy = 0.0f;
+    for (int r = 0; r < 3; ++r)
+        for (int c = 0; c < 3; ++c) {
+            const int m = layer.coverage[y + r - 1][x + c - 1];
+            const float d = static_cast<float>((layer.depth[y + r - 1][x + c - 1] - zc) * m);
+            sx = static_cast<float>(sx + static_cast<double>(kx[r][c]) * d);
+            sy = static_cast<float>(sy + static_cast<double>(ky[r][c]) * d);
+            wx = static_cast<float>(wx + static_cast<double>(std::abs(kx[r][c])) * m);
+            wy = static_cast<float>(wy + static_cast<double>(std::abs(ky[r][c])) * m);
+        }
+    FZPackedVector n;
+    n.SetFloats(static_cast<float>(-sx / static_cast<double>(wx)), static_cast<float>(-sy / static_cast<double>(wy)),
+                1.0f, true);
+    return n;
+}
+
+}  // namespace
+
+TEST(Surface, SteepSlopesKeepTheirRoundingSteps)
+{
+    // Around pixel (20, 1) the slope across sums -2^127 and twice 2^127,
+    // which is beyond the float range while the sum is not, and comes back
+    // to exactly 0: the pixel is level.
+    const float p126 = std::ldexp(1.0f, 126);
+    FZLayer layer;
+    MakeHeightField(layer, 40, 3, [](int, int) { return 0.0f; });
+    const struct {
+        int x, y;
+        float z;
+    } steep[] = {{19, 0, p126}, {21, 0, -p126}, {19, 1, -2.0f * p126}, {21, 1, -p126}};
+    for (const auto& p : steep) {
+        layer.coverage[p.y][p.x] = 1;
+        layer.depth[p.y][p.x] = p.z;
+    }
+    layer.coverage[1][10] = 77;
+    layer.depth[1][11] = 1e-3f;
+    ASSERT_EQ(EstimateNormals(layer, FZRect(0, 0, 39, 2)), FZResult::Ok);
+    EXPECT_TRUE(NormalIs(layer, 20, 1, 0, 0, 30000));
+    for (int x = 1; x < 39; ++x) {
+        const FZPackedVector n = SobelNormal(layer, x, 1);
+        ASSERT_TRUE(NormalIs(layer, x, 1, n.x, n.y, n.z));
+    }
 }

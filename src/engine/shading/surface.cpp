@@ -1,9 +1,14 @@
 #include "engine/shading/surface.h"
 
+#include <cfloat>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
+#include <vector>
 
+#include "engine/fz_math.h"
 #include "engine/parallel.h"
+#include "engine/row_kernel.h"
 
 namespace {
 
@@ -16,6 +21,203 @@ bool HasHeightField(const FZLayer& layer)
 {
     return !layer.coverage.empty() && !layer.depth.empty();
 }
+
+// ---------------------------------------------------------------- coverage
+
+// The first covered column from x0 to x1, or x1 + 1 when there is none.
+// Eight columns at a time: most rows start with a long uncovered stretch.
+std::int32_t FirstCovered(const std::uint8_t* coverage, std::int32_t x0, std::int32_t x1)
+{
+    std::int32_t x = x0;
+    for (; x + 8 <= x1 + 1; x += 8) {
+        std::uint64_t eight;
+        std::memcpy(&eight, coverage + x, sizeof eight);
+        if (eight != 0)
+            break;
+    }
+    while (x <= x1 && coverage[x] == 0)
+        ++x;
+    return x;
+}
+
+// The last covered column from x0 to x1, or x0 - 1 when there is none.
+std::int32_t LastCovered(const std::uint8_t* coverage, std::int32_t x0, std::int32_t x1)
+{
+    std::int32_t x = x1;
+    for (; x - 8 >= x0 - 1; x -= 8) {
+        std::uint64_t eight;
+        std::memcpy(&eight, coverage + x - 7, sizeof eight);
+        if (eight != 0)
+            break;
+    }
+    while (x >= x0 && coverage[x] == 0)
+        --x;
+    return x;
+}
+
+// The first uncovered column from x0 to x1, or x1 + 1 when all are covered.
+std::int32_t FirstUncovered(const std::uint8_t* coverage, std::int32_t x0, std::int32_t x1)
+{
+    const void* gap = std::memchr(coverage + x0, 0, static_cast<std::size_t>(x1 - x0 + 1));
+    return gap == nullptr ? x1 + 1 : static_cast<std::int32_t>(static_cast<const std::uint8_t*>(gap) - coverage);
+}
+
+// ---------------------------------------------------------------- depth range
+
+// The lowest and highest covered depth, starting from 1e10 and -1e10 (the
+// values of a range without covered pixels).
+struct DepthSpan {
+    float minimum = 1e10f;
+    float maximum = -1e10f;
+
+    // A later part of the same scan: a value takes over only when it is
+    // strictly beyond, so of equal values the first one scanned stays.
+    void Add(const DepthSpan& later)
+    {
+        minimum = later.minimum < minimum ? later.minimum : minimum;
+        maximum = later.maximum > maximum ? later.maximum : maximum;
+    }
+};
+
+constexpr int kRangeLanes = 16;
+
+// Spans of the covered depths of columns 0 to n - 1, one for every lane:
+// lane l sees the columns l, l + 16, l + 32, ... (whole groups of 16 only).
+TAMERISK_ROW_KERNEL void LaneRanges(const std::uint8_t* coverage, const float* depth, std::int32_t n,
+                                    float (&low)[kRangeLanes], float (&high)[kRangeLanes])
+{
+    float lo[kRangeLanes];
+    float hi[kRangeLanes];
+    for (int l = 0; l < kRangeLanes; ++l) {
+        lo[l] = 1e10f;
+        hi[l] = -1e10f;
+    }
+    for (std::int32_t x = 0; x + kRangeLanes <= n; x += kRangeLanes) {
+        for (int l = 0; l < kRangeLanes; ++l) {
+            const bool covered = coverage[x + l] != 0;
+            const float z = depth[x + l];
+            lo[l] = covered & (z < lo[l]) ? z : lo[l];
+            hi[l] = covered & (z > hi[l]) ? z : hi[l];
+        }
+    }
+    for (int l = 0; l < kRangeLanes; ++l) {
+        low[l] = lo[l];
+        high[l] = hi[l];
+    }
+}
+
+// The first covered depth of columns 0 to n - 1 that equals zero, with its
+// sign.
+float FirstCoveredZero(const std::uint8_t* coverage, const float* depth, std::int32_t n)
+{
+    for (std::int32_t x = 0; x < n; ++x)
+        if (coverage[x] != 0 && depth[x] == 0.0f)
+            return depth[x];
+    return 0.0f;
+}
+
+// The span of the covered depths of columns 0 to n - 1, as one scan in
+// column order would find it. The lanes see the columns in another order,
+// which gives the same values: equal floats have equal bits, but for +0 and
+// -0, and when a zero is the result the scan's first one is looked up.
+DepthSpan CoveredDepthSpan(const std::uint8_t* coverage, const float* depth, std::int32_t n)
+{
+    float low[kRangeLanes];
+    float high[kRangeLanes];
+    LaneRanges(coverage, depth, n, low, high);
+    DepthSpan span;
+    for (int l = 0; l < kRangeLanes; ++l)
+        span.Add(DepthSpan{low[l], high[l]});
+    for (std::int32_t x = n / kRangeLanes * kRangeLanes; x < n; ++x)
+        if (coverage[x] != 0)
+            span.Add(DepthSpan{depth[x], depth[x]});
+    if (span.minimum == 0.0f)
+        span.minimum = FirstCoveredZero(coverage, depth, n);
+    if (span.maximum == 0.0f)
+        span.maximum = FirstCoveredZero(coverage, depth, n);
+    return span;
+}
+
+// Adds shift to the covered depths of columns 0 to n - 1.
+TAMERISK_ROW_KERNEL void ShiftCoveredDepths(const std::uint8_t* coverage, float* depth, std::int32_t n, double shift)
+{
+    for (std::int32_t x = 0; x < n; ++x) {
+        const float shifted = static_cast<float>(depth[x] + shift);
+        depth[x] = coverage[x] != 0 ? shifted : depth[x];
+    }
+}
+
+// The covered columns of a row and the span of their depths.
+struct RowExtent {
+    std::int32_t first = 0;
+    std::int32_t last = -1;
+    DepthSpan depths;
+
+    bool Empty() const { return first > last; }
+    std::int32_t Count() const { return last - first + 1; }
+};
+
+// The extents of the rows from y0 to y1 within columns x0 to x1, rows run in
+// parallel; depth spans only when withDepth.
+std::vector<RowExtent> MeasureRows(const FZLayer& layer, const FZRect& r, bool withDepth)
+{
+    std::vector<RowExtent> rows(static_cast<std::size_t>(r.y1 - r.y0 + 1));
+    ParallelRows(r.y0, r.y1 + 1, [&](std::int32_t y) {
+        const std::uint8_t* coverage = layer.coverage[y];
+        RowExtent& e = rows[static_cast<std::size_t>(y - r.y0)];
+        e.first = FirstCovered(coverage, r.x0, r.x1);
+        if (e.first > r.x1)
+            return;
+        e.last = LastCovered(coverage, e.first, r.x1);
+        if (withDepth)
+            e.depths = CoveredDepthSpan(coverage + e.first, layer.depth[y] + e.first, e.Count());
+    });
+    return rows;
+}
+
+// The bounding rectangle of the covered columns of the measured rows,
+// whose first row is y0; empty when none is covered.
+FZRect CoveredRect(const std::vector<RowExtent>& rows, std::int32_t y0)
+{
+    FZRect bounds(1000000, 1000000, -1000000, -1000000);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const RowExtent& e = rows[i];
+        if (e.Empty())
+            continue;
+        const std::int32_t y = y0 + static_cast<std::int32_t>(i);
+        bounds.x0 = FZMin(bounds.x0, e.first);
+        bounds.x1 = FZMax(bounds.x1, e.last);
+        bounds.y0 = FZMin(bounds.y0, y);
+        bounds.y1 = y;
+    }
+    return bounds;
+}
+
+// The span of the depths of all measured rows, in scan order.
+DepthSpan CombinedSpan(const std::vector<RowExtent>& rows)
+{
+    DepthSpan span;
+    for (const RowExtent& e : rows)
+        span.Add(e.depths);
+    return span;
+}
+
+// Adds shift to every covered depth of the measured rows (the whole layer's
+// rows) and measures their spans again.
+void ShiftRows(FZLayer& layer, std::vector<RowExtent>& rows, double shift)
+{
+    ParallelRows(0, layer.height, [&](std::int32_t y) {
+        RowExtent& e = rows[static_cast<std::size_t>(y)];
+        if (e.Empty())
+            return;
+        const std::uint8_t* coverage = layer.coverage[y] + e.first;
+        float* depth = layer.depth[y] + e.first;
+        ShiftCoveredDepths(coverage, depth, e.Count(), shift);
+        e.depths = CoveredDepthSpan(coverage, depth, e.Count());
+    });
+}
+
+// ---------------------------------------------------------------- normals
 
 // Sobel kernels, indexed [dy + 1][dx + 1].
 constexpr int kSlopeX[3][3] = {{-1, 0, 1}, {-2, 0, 2}, {-1, 0, 1}};
@@ -65,80 +267,185 @@ FZPackedVector NormalAt(const FZLayer& layer, std::int32_t x, std::int32_t y)
     return normal;
 }
 
-// One step of a slope sum, rounded to float as NormalAt rounds it.
-inline float AddSlope(float sum, int k, float d)
+// A neighbour's depth difference from the centre, weighted by its coverage,
+// as NormalAt forms it.
+inline float Difference(float z, double zc, float m)
 {
-    return static_cast<float>(sum + static_cast<double>(k) * d);
+    return static_cast<float>((z - zc) * m);
 }
 
-// NormalAt for a pixel of a row whose neighbours all lie in the layer and
-// are all covered, or false when the shortcut does not apply. The terms
-// whose kernel weight is 0 are left out: a slope sum starts at +0 and can
-// never become -0, so adding 0 x d leaves it as it is whenever d is finite
-// (when it is not, the full sum runs). The weights are small integers, which
-// float sums hold exactly.
-bool InteriorNormalAt(const std::uint8_t* const cov[3], const float* const depth[3], std::int32_t x,
-                      const FZPackedVector& flat, FZPackedVector& normal)
+inline bool Finite(double v)
 {
-    int m[3][3];
-    for (int r = 0; r < 3; ++r)
-        for (int c = 0; c < 3; ++c)
-            m[r][c] = cov[r][x + c - 1];
-    if ((m[0][0] == 0) | (m[0][1] == 0) | (m[0][2] == 0) | (m[1][0] == 0) | (m[1][2] == 0) | (m[2][0] == 0)
-        | (m[2][1] == 0) | (m[2][2] == 0))
-        return false;
-    const double zc = depth[1][x];
-    float d[3][3];
-    for (int r = 0; r < 3; ++r)
-        for (int c = 0; c < 3; ++c)
-            d[r][c] = static_cast<float>((depth[r][x + c - 1] - zc) * m[r][c]);
-    if (!std::isfinite(d[0][1]) || !std::isfinite(d[2][1]) || !std::isfinite(d[1][0]) || !std::isfinite(d[1][2])
-        || !std::isfinite(zc))
-        return false;
-    float sx = AddSlope(0.0f, -1, d[0][0]);
-    sx = AddSlope(sx, 1, d[0][2]);
-    sx = AddSlope(sx, -2, d[1][0]);
-    sx = AddSlope(sx, 2, d[1][2]);
-    sx = AddSlope(sx, -1, d[2][0]);
-    sx = AddSlope(sx, 1, d[2][2]);
-    float sy = AddSlope(0.0f, -1, d[0][0]);
-    sy = AddSlope(sy, -2, d[0][1]);
-    sy = AddSlope(sy, -1, d[0][2]);
-    sy = AddSlope(sy, 1, d[2][0]);
-    sy = AddSlope(sy, 2, d[2][1]);
-    sy = AddSlope(sy, 1, d[2][2]);
-    if (sx == 0.0f && sy == 0.0f) {
-        normal = flat;
-        return true;
+    return std::fabs(v) <= DBL_MAX;
+}
+
+// Whether twice the difference is still a finite float.
+inline bool Modest(float d)
+{
+    return std::fabs(d) <= FLT_MAX / 2;
+}
+
+// FZPackedVector::Pack without branches: NaN gives 0, and holding the value
+// within the 16-bit range before truncating it gives what truncating first
+// and holding the integer gives, the bounds being integers.
+inline std::int32_t PackComponent(float v)
+{
+    double scaled = v * FZPackedVector::kScale;
+    scaled = scaled == scaled ? scaled : 0.0;
+    scaled = scaled < -32768.0 ? -32768.0 : scaled;
+    scaled = scaled > 32767.0 ? 32767.0 : scaled;
+    return static_cast<std::int32_t>(scaled);
+}
+
+// The pixels a normal kernel takes at a time.
+constexpr std::int32_t kNormalPiece = 128;
+
+// Rows y - 1, y and y + 1 of a piece of a layer and one column on either
+// side: the depths, and the coverages as float weights. The kernels read
+// no bytes, so that their vectors hold as many lanes as their doubles do.
+struct Neighbourhood {
+    float weight[3][kNormalPiece + 2];
+    const float* depth[3];
+};
+
+// The normals of a piece before they are stored: their packed components,
+// and whether NormalAt must be asked instead.
+struct NormalLanes {
+    std::int32_t x[kNormalPiece];
+    std::int32_t y[kNormalPiece];
+    std::int32_t z[kNormalPiece];
+    std::int32_t general[kNormalPiece];
+};
+
+TAMERISK_ROW_KERNEL void CoverageWeights(const std::uint8_t* coverage, std::int32_t n, float* weight)
+{
+    for (std::int32_t k = 0; k < n; ++k)
+        weight[k] = coverage[k];
+}
+
+// The normals of n pixels of a row whose neighbours all lie in the layer,
+// as NormalAt gives them where every neighbour is covered and no weighted
+// difference is wild; elsewhere general is set.
+//
+// The terms whose kernel weight is 0 are left out: a slope sum starts at +0
+// and can never become -0, so adding 0 x d leaves it as it is whenever d is
+// finite. The rest is the same arithmetic in single precision: NormalAt
+// rounds every step of a slope sum, and the quotient of the slope by its
+// weight, from double to float, and a sum or quotient of two floats
+// computed in double and rounded to float is the float sum or quotient
+// (double holds more than twice float's digits). The weights are small
+// integers, which floats hold exactly, and so are the multiples 2d of
+// differences below half the float range. Both slopes 0 give (0, 0, 1) like
+// any level neighbourhood.
+TAMERISK_ROW_KERNEL void InteriorNormals(const Neighbourhood& around, std::int32_t n, NormalLanes& lanes)
+{
+    const float* __restrict w0 = around.weight[0];
+    const float* __restrict w1 = around.weight[1];
+    const float* __restrict w2 = around.weight[2];
+    const float* __restrict z0 = around.depth[0];
+    const float* __restrict z1 = around.depth[1];
+    const float* __restrict z2 = around.depth[2];
+    for (std::int32_t k = 0; k < n; ++k) {
+        const float m00 = w0[k], m01 = w0[k + 1], m02 = w0[k + 2];
+        const float m10 = w1[k], m12 = w1[k + 2];
+        const float m20 = w2[k], m21 = w2[k + 1], m22 = w2[k + 2];
+        const bool covered = (m00 != 0.0f) & (m01 != 0.0f) & (m02 != 0.0f) & (m10 != 0.0f) & (m12 != 0.0f)
+                             & (m20 != 0.0f) & (m21 != 0.0f) & (m22 != 0.0f);
+        const double zc = z1[k + 1];
+        const float d00 = Difference(z0[k], zc, m00);
+        const float d01 = Difference(z0[k + 1], zc, m01);
+        const float d02 = Difference(z0[k + 2], zc, m02);
+        const float d10 = Difference(z1[k], zc, m10);
+        const float d12 = Difference(z1[k + 2], zc, m12);
+        const float d20 = Difference(z2[k], zc, m20);
+        const float d21 = Difference(z2[k + 1], zc, m21);
+        const float d22 = Difference(z2[k + 2], zc, m22);
+        const bool modest = Modest(d00) & Modest(d01) & Modest(d02) & Modest(d10) & Modest(d12) & Modest(d20)
+                            & Modest(d21) & Modest(d22) & Finite(zc);
+        const float sx = 0.0f - d00 + d02 - 2.0f * d10 + 2.0f * d12 - d20 + d22;
+        const float sy = 0.0f - d00 - 2.0f * d01 - d02 + d20 + 2.0f * d21 + d22;
+        const float wx = m00 + m02 + 2.0f * m10 + 2.0f * m12 + m20 + m22;
+        const float wy = m00 + 2.0f * m01 + m02 + m20 + 2.0f * m21 + m22;
+        const float fx = -sx / wx;
+        const float fy = -sy / wy;
+        // NormalizeFloats(fx, fy, 1).
+        const float sq = fx * fx + fy * fy + 1.0f;
+        const float inv = static_cast<float>(1.0 / std::sqrt(static_cast<double>(sq)));
+        const bool positive = sq > 0.0f;
+        lanes.x[k] = PackComponent(positive ? fx * inv : 0.0f);
+        lanes.y[k] = PackComponent(positive ? fy * inv : 0.0f);
+        lanes.z[k] = PackComponent(positive ? inv : 1.0f);
+        lanes.general[k] = !(covered & modest);
     }
-    const int wx = m[0][0] + m[0][2] + 2 * m[1][0] + 2 * m[1][2] + m[2][0] + m[2][2];
-    const int wy = m[0][0] + 2 * m[0][1] + m[0][2] + m[2][0] + 2 * m[2][1] + m[2][2];
-    normal.SetFloats(static_cast<float>(-sx / static_cast<double>(wx)),
-                     static_cast<float>(-sy / static_cast<double>(wy)), 1.0f, true);
-    return true;
 }
 
-// The normals of the covered pixels of row y from x0 to x1.
+TAMERISK_ROW_KERNEL void StoreNormals(const NormalLanes& lanes, std::int32_t n, FZPackedVector* normals)
+{
+    for (std::int32_t k = 0; k < n; ++k) {
+        normals[k].x = static_cast<std::int16_t>(lanes.x[k]);
+        normals[k].y = static_cast<std::int16_t>(lanes.y[k]);
+        normals[k].z = static_cast<std::int16_t>(lanes.z[k]);
+    }
+}
+
+// Whether every covered pixel of the three rows from column 0 to n + 1 has
+// the finite depth of the middle row's column 1. The weighted differences
+// around each of the n pixels between are then all 0, and so are both
+// slopes: their normals are all (0, 0, 1).
+TAMERISK_ROW_KERNEL bool Level(const Neighbourhood& around, std::int32_t n)
+{
+    const float z = around.depth[1][1];
+    // The middle row is all covered: its last pixel tells most slopes at once.
+    int differs = !Finite(z) | (around.depth[1][n] != z);
+    for (int r = 0; r < 3; ++r)
+        for (std::int32_t k = 0; k < n + 2; ++k)
+            differs |= (around.weight[r][k] != 0.0f) & (around.depth[r][k] != z);
+    return differs == 0;
+}
+
+// The normals of the pixels x0 to x1 of row y, all covered.
+void NormalsOfCoveredRun(FZLayer& layer, std::int32_t y, std::int32_t x0, std::int32_t x1)
+{
+    FZPackedVector* normals = layer.normals[y];
+    const bool interiorRow = y > 0 && y + 1 < layer.height;
+    const std::int32_t first = interiorRow ? FZMax(x0, 1) : x1 + 1;
+    const std::int32_t last = interiorRow ? FZMin(x1, layer.width - 2) : x1;
+    for (std::int32_t x = x0; x < first && x <= x1; ++x)
+        normals[x] = NormalAt(layer, x, y);
+    FZPackedVector flat;
+    flat.SetFloats(0.0f, 0.0f, 1.0f, true);
+    Neighbourhood around;
+    NormalLanes lanes;
+    for (std::int32_t start = first; start <= last; start += kNormalPiece) {
+        const std::int32_t n = FZMin(kNormalPiece, last - start + 1);
+        for (int r = 0; r < 3; ++r) {
+            CoverageWeights(layer.coverage[y - 1 + r] + start - 1, n + 2, around.weight[r]);
+            around.depth[r] = layer.depth[y - 1 + r] + start - 1;
+        }
+        if (Level(around, n)) {
+            for (std::int32_t k = 0; k < n; ++k)
+                normals[start + k] = flat;
+            continue;
+        }
+        InteriorNormals(around, n, lanes);
+        StoreNormals(lanes, n, normals + start);
+        for (std::int32_t k = 0; k < n; ++k)
+            if (lanes.general[k] != 0)
+                normals[start + k] = NormalAt(layer, start + k, y);
+    }
+    for (std::int32_t x = FZMax(last + 1, first); x <= x1 && interiorRow; ++x)
+        normals[x] = NormalAt(layer, x, y);
+}
+
+// The normals of the covered pixels of row y from x0 to x1, run by run of
+// covered pixels.
 void EstimateRowNormals(FZLayer& layer, std::int32_t y, std::int32_t x0, std::int32_t x1)
 {
     const std::uint8_t* coverage = layer.coverage[y];
-    FZPackedVector* normals = layer.normals[y];
-    if (y == 0 || y + 1 >= layer.height) {
-        for (std::int32_t x = x0; x <= x1; ++x)
-            if (coverage[x] != 0)
-                normals[x] = NormalAt(layer, x, y);
-        return;
-    }
-    // A level neighbourhood's normal, made once: both slopes 0.
-    FZPackedVector flat;
-    flat.SetFloats(0.0f, 0.0f, 1.0f, true);
-    const std::uint8_t* const cov[3] = {layer.coverage[y - 1], coverage, layer.coverage[y + 1]};
-    const float* const depth[3] = {layer.depth[y - 1], layer.depth[y], layer.depth[y + 1]};
-    for (std::int32_t x = x0; x <= x1; ++x) {
-        if (coverage[x] == 0)
-            continue;
-        if (x == 0 || x + 1 >= layer.width || !InteriorNormalAt(cov, depth, x, flat, normals[x]))
-            normals[x] = NormalAt(layer, x, y);
+    for (std::int32_t x = FirstCovered(coverage, x0, x1); x <= x1;) {
+        const std::int32_t end = FirstUncovered(coverage, x, x1);
+        NormalsOfCoveredRun(layer, y, x, end - 1);
+        x = end > x1 ? end : FirstCovered(coverage, end, x1);
     }
 }
 
@@ -151,32 +458,38 @@ FZResult PrepareSurface(FZLayer& layer)
 
 FZResult PrepareSurface(FZLayer& layer, const FZRect& rect)
 {
-    FZRect bounds;
-    if (CoverageBounds(layer, bounds)) {
-        layer.boundsX0 = bounds.x0;
-        layer.boundsX1 = bounds.x1;
-        layer.boundsY0 = bounds.y0;
-        layer.boundsY1 = bounds.y1;
-        float minimum = 0.0f;
-        float maximum = 0.0f;
-        // Over the whole layer the range cannot miss it.
-        (void)DepthRange(layer, WholeLayer(layer), minimum, maximum);
-        // Covered depths that are all NaN leave the start value 1e10 as the
-        // minimum; shifting by it would only turn NaN into NaN.
-        if (std::isfinite(minimum))
-            OffsetDepth(layer, -minimum, 0);
-        (void)DepthRange(layer, WholeLayer(layer), minimum, maximum);
-        layer.depthMin = minimum;
-        layer.depthMax = maximum;
-    } else {
+    std::vector<RowExtent> rows;
+    if (!layer.coverage.empty())
+        rows = MeasureRows(layer, WholeLayer(layer), HasHeightField(layer));
+    const FZRect bounds = CoveredRect(rows, 0);
+    if (bounds.IsEmpty()) {
         layer.boundsX0 = 0;
         layer.boundsX1 = layer.width - 1;
         layer.boundsY0 = 0;
         layer.boundsY1 = layer.height - 1;
         layer.depthMin = 0.0f;
         layer.depthMax = 0.0f;
+        // Nothing is covered, so no normal is written.
+        return EstimateNormals(layer, FZRect());
     }
-    return EstimateNormals(layer, rect);
+    layer.boundsX0 = bounds.x0;
+    layer.boundsX1 = bounds.x1;
+    layer.boundsY0 = bounds.y0;
+    layer.boundsY1 = bounds.y1;
+    DepthSpan span = CombinedSpan(rows);
+    // Covered depths that are all NaN leave the start value 1e10 as the
+    // minimum; shifting by it would only turn NaN into NaN.
+    if (HasHeightField(layer) && std::isfinite(span.minimum)) {
+        ShiftRows(layer, rows, -span.minimum);
+        span = CombinedSpan(rows);
+    }
+    layer.depthMin = span.minimum;
+    layer.depthMax = span.maximum;
+    // Only covered pixels get a normal.
+    FZRect normalRect = rect;
+    if (!normalRect.Intersect(bounds))
+        normalRect = FZRect();
+    return EstimateNormals(layer, normalRect);
 }
 
 bool CoverageBounds(const FZLayer& layer, FZRect& bounds)
@@ -184,16 +497,7 @@ bool CoverageBounds(const FZLayer& layer, FZRect& bounds)
     bounds.Set(1000000, 1000000, -1000000, -1000000);
     if (layer.coverage.empty())
         return false;
-    for (std::int32_t y = 0; y < layer.height; ++y) {
-        for (std::int32_t x = 0; x < layer.width; ++x) {
-            if (layer.coverage[y][x] == 0)
-                continue;
-            bounds.x0 = x < bounds.x0 ? x : bounds.x0;
-            bounds.x1 = x > bounds.x1 ? x : bounds.x1;
-            bounds.y0 = y < bounds.y0 ? y : bounds.y0;
-            bounds.y1 = y > bounds.y1 ? y : bounds.y1;
-        }
-    }
+    bounds = CoveredRect(MeasureRows(layer, WholeLayer(layer), false), 0);
     return !bounds.IsEmpty();
 }
 
@@ -202,37 +506,12 @@ FZResult DepthRange(const FZLayer& layer, const FZRect& rect, float& minimum, fl
     FZRect r = rect;
     if (!r.ClipTo(0, 0, layer.width - 1, layer.height - 1))
         return FZResult::BadParameter;
-    minimum = 1e10f;
-    maximum = -1e10f;
-    if (!HasHeightField(layer))
-        return FZResult::Ok;
-    for (std::int32_t y = r.y0; y <= r.y1; ++y) {
-        for (std::int32_t x = r.x0; x <= r.x1; ++x) {
-            if (layer.coverage[y][x] == 0)
-                continue;
-            const float z = layer.depth[y][x];
-            if (z < minimum)
-                minimum = z;
-            if (z > maximum)
-                maximum = z;
-        }
-    }
+    DepthSpan span;
+    if (HasHeightField(layer))
+        span = CombinedSpan(MeasureRows(layer, r, true));
+    minimum = span.minimum;
+    maximum = span.maximum;
     return FZResult::Ok;
-}
-
-void OffsetDepth(FZLayer& layer, float value, int weighted)
-{
-    if (!HasHeightField(layer))
-        return;
-    for (std::int32_t y = 0; y < layer.height; ++y) {
-        for (std::int32_t x = 0; x < layer.width; ++x) {
-            const int m = layer.coverage[y][x];
-            if (m == 0)
-                continue;
-            const double shift = weighted != 0 ? static_cast<double>(value) * m / 255.0 : value;
-            layer.depth[y][x] = static_cast<float>(layer.depth[y][x] + shift);
-        }
-    }
 }
 
 FZResult EstimateNormals(FZLayer& layer, const FZRect& rect)

@@ -14,8 +14,6 @@ FZResult PrepareSurface(FZLayer& layer, const FZRect& rect);
 bool CoverageBounds(const FZLayer& layer, FZRect& bounds);
 // Range of the covered depths inside rect; BadParameter when rect misses the layer.
 FZResult DepthRange(const FZLayer& layer, const FZRect& rect, float& minimum, float& maximum);
-// Adds value (times coverage / 255 when weighted) to every covered depth.
-void OffsetDepth(FZLayer& layer, float value, int weighted);
 // Sobel normals for the covered pixels of rect; Ok or OutOfMemory.
 FZResult EstimateNormals(FZLayer& layer, const FZRect& rect);
 

@@ -1,0 +1,16 @@
+// TAMERISK_ROW_KERNEL marks a function whose loop GCC turns into vector
+// code: it is built in a plain form and in vector forms, and the one the
+// processor can run is chosen when the program starts. Every lane does the
+// plain form's float and double operations, so all forms give the same
+// bytes. Such loops have no branches (both alternatives are computed, then
+// one is taken), so that they can run as vector code.
+#ifndef TAMERISK_ENGINE_ROW_KERNEL_H
+#define TAMERISK_ENGINE_ROW_KERNEL_H
+
+#if defined(__GNUC__) && !defined(__clang__) && (defined(__x86_64__) || defined(__i386__))
+#define TAMERISK_ROW_KERNEL __attribute__((target_clones("avx512f", "avx2", "default")))
+#else
+#define TAMERISK_ROW_KERNEL
+#endif
+
+#endif
