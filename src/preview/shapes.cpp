@@ -109,7 +109,7 @@ TAMERISK_ROW_KERNEL void FZRoundedDisc::HeightRow(float y, const double* terms, 
         const float q = Difference(rim2, Product(e, e));
         const float rimHeight = static_cast<float>(s.z0 + std::sqrt(static_cast<double>(q)));
         const bool flat = d <= flatRadius;
-        out.inside[k] = (d <= s.radius) & (flat | (q >= 0.0f)) ? 1.0f : 0.0f;
+        out.inside[k] = ((d <= s.radius) & (flat | (q >= 0.0f))) ? 1.0f : 0.0f;
         out.z[k] = flat ? flatHeight : rimHeight;
     }
 }
@@ -172,7 +172,7 @@ TAMERISK_ROW_KERNEL void FZDome::HeightRow(float y, const double* terms, std::in
     const float v2 = Product(v, v);
     for (std::int32_t k = 0; k < n; ++k) {
         const float q = static_cast<float>(terms[k] + v2);
-        out.inside[k] = rowInside & (q <= 1.0f) ? 1.0f : 0.0f;
+        out.inside[k] = (rowInside & (q <= 1.0f)) ? 1.0f : 0.0f;
         out.z[k] = static_cast<float>(s.z0 + s.height * std::sqrt(1.0 - q));
     }
 }
@@ -232,7 +232,7 @@ TAMERISK_ROW_KERNEL void FZTorus::HeightRow(float y, const double* terms, std::i
         const float d = static_cast<float>(std::sqrt(terms[k] + dy2));
         const float t = std::fabs(Difference(d, mid));
         const float q = Difference(halfWidth2, Product(t, t));
-        out.inside[k] = hasWidth & (q >= 0.0f) ? 1.0f : 0.0f;
+        out.inside[k] = (hasWidth & (q >= 0.0f)) ? 1.0f : 0.0f;
         out.z[k] = static_cast<float>(s.z0 + std::sqrt(static_cast<double>(q)) * s.heightScale / halfWidth);
     }
 }
@@ -491,29 +491,27 @@ TAMERISK_ROW_KERNEL void DimpleDepths(const FZSmoothStep& bowl, double radiusSqu
                                       const double (&rowSquares)[4], std::int32_t first, std::int32_t last,
                                       std::int32_t n, const float* depth, float* dimpled)
 {
-    // A copy, which the stores through dimpled cannot change.
+    // Copies, which the stores through dimpled cannot change.
     const FZSmoothStep b = bowl;
-    // Summed in double: sixteen equal heights give the height back exactly,
-    // so pixels outside the bowl keep their depth.
-    double sum[kFZSamplePixels];
-    for (std::int32_t k = first; k < last; ++k)
-        sum[k] = 0.0;
-    for (int j = 0; j < 4; ++j) {
-        const double sy2 = rowSquares[j];
-        for (int i = 0; i < 4; ++i) {
-            const double* sx2 = columnSquares + i * kFZSamplePixels;
-            for (std::int32_t k = first; k < last; ++k) {
-                const float zp = depth[k];
-                const float s2 = static_cast<float>(sx2[k] + sy2);
+    const double sy2[4] = {rowSquares[0], rowSquares[1], rowSquares[2], rowSquares[3]};
+    for (std::int32_t k = 0; k < n; ++k)
+        dimpled[k] = static_cast<float>(0.0 + depth[k]);
+    for (std::int32_t k = first; k < last; ++k) {
+        const float zp = depth[k];
+        // Summed in double: sixteen equal heights give the height back
+        // exactly, so pixels outside the bowl keep their depth.
+        double sum = 0.0;
+#pragma GCC unroll 4
+        for (int j = 0; j < 4; ++j) {
+#pragma GCC unroll 4
+            for (int i = 0; i < 4; ++i) {
+                const float s2 = static_cast<float>(columnSquares[i * kFZSamplePixels + k] + sy2[j]);
                 const double distance = std::sqrt(static_cast<double>(s2));
                 const float lowered = static_cast<float>(zp + b.Evaluate(distance));
-                sum[k] += s2 < radiusSquared ? lowered : zp;
+                sum += s2 < radiusSquared ? lowered : zp;
             }
         }
-    }
-    for (std::int32_t k = 0; k < n; ++k) {
-        const bool reached = (k >= first) & (k < last);
-        dimpled[k] = static_cast<float>(reached ? sum[k] * (1.0 / 16.0) : 0.0 + depth[k]);
+        dimpled[k] = static_cast<float>(sum * (1.0 / 16.0));
     }
 }
 
@@ -538,7 +536,7 @@ TAMERISK_ROW_KERNEL void StoreCovered(const std::uint8_t* coverage, const float*
 TAMERISK_ROW_KERNEL void ClampCovered(const std::uint8_t* coverage, float level, std::int32_t n, float* depth)
 {
     for (std::int32_t k = 0; k < n; ++k)
-        depth[k] = (coverage[k] != 0) & (depth[k] > level) ? level : depth[k];
+        depth[k] = ((coverage[k] != 0) & (depth[k] > level)) ? level : depth[k];
 }
 
 }  // namespace

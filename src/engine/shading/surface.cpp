@@ -96,8 +96,8 @@ TAMERISK_ROW_KERNEL void LaneRanges(const std::uint8_t* coverage, const float* d
         for (int l = 0; l < kRangeLanes; ++l) {
             const bool covered = coverage[x + l] != 0;
             const float z = depth[x + l];
-            lo[l] = covered & (z < lo[l]) ? z : lo[l];
-            hi[l] = covered & (z > hi[l]) ? z : hi[l];
+            lo[l] = (covered & (z < lo[l])) ? z : lo[l];
+            hi[l] = (covered & (z > hi[l])) ? z : hi[l];
         }
     }
     for (int l = 0; l < kRangeLanes; ++l) {
