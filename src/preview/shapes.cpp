@@ -271,10 +271,10 @@ namespace {
 // inside (a float count is exact) and the sum of their heights in sample
 // order. A sample outside adds +0 to both, which changes no sum: one that
 // starts at +0 never becomes -0.
-TAMERISK_ROW_KERNEL void CountInside(const FZSamplePiece& piece, std::int32_t n, float* __restrict count,
-                                     float* __restrict sum)
+TAMERISK_ROW_KERNEL void CountInside(const FZSamplePiece& piece, std::int32_t first, std::int32_t last,
+                                     float* __restrict count, float* __restrict sum)
 {
-    for (std::int32_t k = 0; k < n; ++k) {
+    for (std::int32_t k = first; k < last; ++k) {
         count[k] = 0.0f;
         sum[k] = 0.0f;
     }
@@ -282,11 +282,23 @@ TAMERISK_ROW_KERNEL void CountInside(const FZSamplePiece& piece, std::int32_t n,
         for (int i = 0; i < 3; ++i) {
             const float* inside = piece.inside[j][i];
             const float* z = piece.z[j][i];
-            for (std::int32_t k = 0; k < n; ++k) {
+            for (std::int32_t k = first; k < last; ++k) {
                 count[k] += inside[k];
                 sum[k] += inside[k] != 0.0f ? z[k] : 0.0f;
             }
         }
+    }
+}
+
+// CountInside for pixels whose nine points are all inside at one height.
+void CountSolid(const FZSolidPixels& solid, float* count, float* sum)
+{
+    float s = 0.0f;
+    for (int point = 0; point < 9; ++point)
+        s += solid.height;
+    for (std::int32_t k = solid.first; k < solid.last; ++k) {
+        count[k] = 9.0f;
+        sum[k] = s;
     }
 }
 
@@ -413,15 +425,19 @@ bool FZNoneCovered(const std::uint8_t* coverage, std::int32_t n)
     return any == 0;
 }
 
-void CompositeSamplePiece(FZLayer& layer, std::int32_t py, std::int32_t start, std::int32_t n,
-                          const FZSamplePiece& piece)
+void CompositeSamplePiece(FZLayer& layer, const FZPiecePlace& place, const FZSamplePiece& piece,
+                          const FZSolidPixels& solid)
 {
+    const std::int32_t n = place.pixels;
     float count[kFZSamplePixels];
     float sum[kFZSamplePixels];
-    CountInside(piece, n, count, sum);
-    std::uint8_t* coverage = layer.coverage[py] + start;
-    float* depth = layer.depth[py] + start;
-    FZColor* colors = layer.colors.empty() ? nullptr : layer.colors[py] + start;
+    const std::int32_t solidFirst = FZMin(solid.first, solid.last);
+    CountInside(piece, 0, solidFirst, count, sum);
+    CountSolid(solid, count, sum);
+    CountInside(piece, FZMax(solid.last, solidFirst), n, count, sum);
+    std::uint8_t* coverage = layer.coverage[place.y] + place.start;
+    float* depth = layer.depth[place.y] + place.start;
+    FZColor* colors = layer.colors.empty() ? nullptr : layer.colors[place.y] + place.start;
     // Where nothing is drawn yet, every pixel takes the same simple path.
     if (FZNoneCovered(coverage, n)) {
         StoreIntoEmpty(count, sum, n, coverage, depth);
@@ -431,7 +447,7 @@ void CompositeSamplePiece(FZLayer& layer, std::int32_t py, std::int32_t start, s
     }
     for (std::int32_t k = 0; k < n; ++k) {
         if (coverage[k] != 0) {
-            CompositeNineSamples(layer, start + k, py, piece, k);
+            CompositeNineSamples(layer, place.start + k, place.y, piece, k);
             continue;
         }
         StoreIntoEmpty(count + k, sum + k, 1, coverage + k, depth + k);
