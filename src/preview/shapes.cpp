@@ -109,7 +109,7 @@ TAMERISK_ROW_KERNEL void FZRoundedDisc::HeightRow(float y, const double* terms, 
         const float q = Difference(rim2, Product(e, e));
         const float rimHeight = static_cast<float>(s.z0 + std::sqrt(static_cast<double>(q)));
         const bool flat = d <= flatRadius;
-        out.inside[k] = (d <= s.radius) & (flat | (q >= 0.0f)) ? 1.0f : 0.0f;
+        out.inside[k] = ((d <= s.radius) & (flat | (q >= 0.0f))) ? 1.0f : 0.0f;
         out.z[k] = flat ? flatHeight : rimHeight;
     }
 }
@@ -172,7 +172,7 @@ TAMERISK_ROW_KERNEL void FZDome::HeightRow(float y, const double* terms, std::in
     const float v2 = Product(v, v);
     for (std::int32_t k = 0; k < n; ++k) {
         const float q = static_cast<float>(terms[k] + v2);
-        out.inside[k] = rowInside & (q <= 1.0f) ? 1.0f : 0.0f;
+        out.inside[k] = (rowInside & (q <= 1.0f)) ? 1.0f : 0.0f;
         out.z[k] = static_cast<float>(s.z0 + s.height * std::sqrt(1.0 - q));
     }
 }
@@ -232,7 +232,7 @@ TAMERISK_ROW_KERNEL void FZTorus::HeightRow(float y, const double* terms, std::i
         const float d = static_cast<float>(std::sqrt(terms[k] + dy2));
         const float t = std::fabs(Difference(d, mid));
         const float q = Difference(halfWidth2, Product(t, t));
-        out.inside[k] = hasWidth & (q >= 0.0f) ? 1.0f : 0.0f;
+        out.inside[k] = (hasWidth & (q >= 0.0f)) ? 1.0f : 0.0f;
         out.z[k] = static_cast<float>(s.z0 + std::sqrt(static_cast<double>(q)) * s.heightScale / halfWidth);
     }
 }
@@ -271,10 +271,10 @@ namespace {
 // inside (a float count is exact) and the sum of their heights in sample
 // order. A sample outside adds +0 to both, which changes no sum: one that
 // starts at +0 never becomes -0.
-TAMERISK_ROW_KERNEL void CountInside(const FZSamplePiece& piece, std::int32_t n, float* __restrict count,
-                                     float* __restrict sum)
+TAMERISK_ROW_KERNEL void CountInside(const FZSamplePiece& piece, std::int32_t first, std::int32_t last,
+                                     float* __restrict count, float* __restrict sum)
 {
-    for (std::int32_t k = 0; k < n; ++k) {
+    for (std::int32_t k = first; k < last; ++k) {
         count[k] = 0.0f;
         sum[k] = 0.0f;
     }
@@ -282,11 +282,23 @@ TAMERISK_ROW_KERNEL void CountInside(const FZSamplePiece& piece, std::int32_t n,
         for (int i = 0; i < 3; ++i) {
             const float* inside = piece.inside[j][i];
             const float* z = piece.z[j][i];
-            for (std::int32_t k = 0; k < n; ++k) {
+            for (std::int32_t k = first; k < last; ++k) {
                 count[k] += inside[k];
                 sum[k] += inside[k] != 0.0f ? z[k] : 0.0f;
             }
         }
+    }
+}
+
+// CountInside for pixels whose nine points are all inside at one height.
+void CountSolid(const FZSolidPixels& solid, float* count, float* sum)
+{
+    float s = 0.0f;
+    for (int point = 0; point < 9; ++point)
+        s += solid.height;
+    for (std::int32_t k = solid.first; k < solid.last; ++k) {
+        count[k] = 9.0f;
+        sum[k] = s;
     }
 }
 
@@ -413,15 +425,19 @@ bool FZNoneCovered(const std::uint8_t* coverage, std::int32_t n)
     return any == 0;
 }
 
-void CompositeSamplePiece(FZLayer& layer, std::int32_t py, std::int32_t start, std::int32_t n,
-                          const FZSamplePiece& piece)
+void CompositeSamplePiece(FZLayer& layer, const FZPiecePlace& place, const FZSamplePiece& piece,
+                          const FZSolidPixels& solid)
 {
+    const std::int32_t n = place.pixels;
     float count[kFZSamplePixels];
     float sum[kFZSamplePixels];
-    CountInside(piece, n, count, sum);
-    std::uint8_t* coverage = layer.coverage[py] + start;
-    float* depth = layer.depth[py] + start;
-    FZColor* colors = layer.colors.empty() ? nullptr : layer.colors[py] + start;
+    const std::int32_t solidFirst = FZMin(solid.first, solid.last);
+    CountInside(piece, 0, solidFirst, count, sum);
+    CountSolid(solid, count, sum);
+    CountInside(piece, FZMax(solid.last, solidFirst), n, count, sum);
+    std::uint8_t* coverage = layer.coverage[place.y] + place.start;
+    float* depth = layer.depth[place.y] + place.start;
+    FZColor* colors = layer.colors.empty() ? nullptr : layer.colors[place.y] + place.start;
     // Where nothing is drawn yet, every pixel takes the same simple path.
     if (FZNoneCovered(coverage, n)) {
         StoreIntoEmpty(count, sum, n, coverage, depth);
@@ -431,7 +447,7 @@ void CompositeSamplePiece(FZLayer& layer, std::int32_t py, std::int32_t start, s
     }
     for (std::int32_t k = 0; k < n; ++k) {
         if (coverage[k] != 0) {
-            CompositeNineSamples(layer, start + k, py, piece, k);
+            CompositeNineSamples(layer, place.start + k, place.y, piece, k);
             continue;
         }
         StoreIntoEmpty(count + k, sum + k, 1, coverage + k, depth + k);
@@ -491,29 +507,27 @@ TAMERISK_ROW_KERNEL void DimpleDepths(const FZSmoothStep& bowl, double radiusSqu
                                       const double (&rowSquares)[4], std::int32_t first, std::int32_t last,
                                       std::int32_t n, const float* depth, float* dimpled)
 {
-    // A copy, which the stores through dimpled cannot change.
+    // Copies, which the stores through dimpled cannot change.
     const FZSmoothStep b = bowl;
-    // Summed in double: sixteen equal heights give the height back exactly,
-    // so pixels outside the bowl keep their depth.
-    double sum[kFZSamplePixels];
-    for (std::int32_t k = first; k < last; ++k)
-        sum[k] = 0.0;
-    for (int j = 0; j < 4; ++j) {
-        const double sy2 = rowSquares[j];
-        for (int i = 0; i < 4; ++i) {
-            const double* sx2 = columnSquares + i * kFZSamplePixels;
-            for (std::int32_t k = first; k < last; ++k) {
-                const float zp = depth[k];
-                const float s2 = static_cast<float>(sx2[k] + sy2);
+    const double sy2[4] = {rowSquares[0], rowSquares[1], rowSquares[2], rowSquares[3]};
+    for (std::int32_t k = 0; k < n; ++k)
+        dimpled[k] = static_cast<float>(0.0 + depth[k]);
+    for (std::int32_t k = first; k < last; ++k) {
+        const float zp = depth[k];
+        // Summed in double: sixteen equal heights give the height back
+        // exactly, so pixels outside the bowl keep their depth.
+        double sum = 0.0;
+#pragma GCC unroll 4
+        for (int j = 0; j < 4; ++j) {
+#pragma GCC unroll 4
+            for (int i = 0; i < 4; ++i) {
+                const float s2 = static_cast<float>(columnSquares[i * kFZSamplePixels + k] + sy2[j]);
                 const double distance = std::sqrt(static_cast<double>(s2));
                 const float lowered = static_cast<float>(zp + b.Evaluate(distance));
-                sum[k] += s2 < radiusSquared ? lowered : zp;
+                sum += s2 < radiusSquared ? lowered : zp;
             }
         }
-    }
-    for (std::int32_t k = 0; k < n; ++k) {
-        const bool reached = (k >= first) & (k < last);
-        dimpled[k] = static_cast<float>(reached ? sum[k] * (1.0 / 16.0) : 0.0 + depth[k]);
+        dimpled[k] = static_cast<float>(sum * (1.0 / 16.0));
     }
 }
 
@@ -538,7 +552,7 @@ TAMERISK_ROW_KERNEL void StoreCovered(const std::uint8_t* coverage, const float*
 TAMERISK_ROW_KERNEL void ClampCovered(const std::uint8_t* coverage, float level, std::int32_t n, float* depth)
 {
     for (std::int32_t k = 0; k < n; ++k)
-        depth[k] = (coverage[k] != 0) & (depth[k] > level) ? level : depth[k];
+        depth[k] = ((coverage[k] != 0) & (depth[k] > level)) ? level : depth[k];
 }
 
 }  // namespace

@@ -199,6 +199,7 @@ struct FZPixelSpans {
     bool solid = false;
     float height = 0.0f;
 
+    FZPixelSpans() = default;
     explicit FZPixelSpans(const FZRowReach& reach);
     // Whether no sample point of the pixels first to last is inside.
     bool AllOutside(std::int32_t first, std::int32_t last) const;
@@ -209,27 +210,133 @@ struct FZPixelSpans {
     }
 };
 
-// The samples of one sample column (at y, with the given column terms) of
-// the n pixels from start on: those the spans tell are filled in, the rest
-// are tested.
-template <typename Shape>
-void TestSampleColumn(const Shape& shape, float y, const double* terms, std::int32_t start, std::int32_t n,
-                      const FZPixelSpans& spans, FZSampleRow out);
+// A piece of a pixel row: the pixels start to start + pixels - 1 of row y.
+struct FZPiecePlace {
+    std::int32_t y;
+    std::int32_t start;
+    std::int32_t pixels;
+};
 
-// Merges the samples of a piece, the n pixels of row py from start on,
-// into the layer with CompositeSample.
-void CompositeSamplePiece(FZLayer& layer, std::int32_t py, std::int32_t start, std::int32_t n,
-                          const FZSamplePiece& piece);
+// The pixels of a piece, as offsets first to last - 1, whose nine points
+// are all inside at one height; their samples are left out.
+struct FZSolidPixels {
+    std::int32_t first = 0;
+    std::int32_t last = 0;
+    float height = 0.0f;
+};
+
+// Merges the samples of a piece into the layer with CompositeSample.
+void CompositeSamplePiece(FZLayer& layer, const FZPiecePlace& place, const FZSamplePiece& piece,
+                          const FZSolidPixels& solid);
 // Whether the n coverage values are all 0.
 bool FZNoneCovered(const std::uint8_t* coverage, std::int32_t n);
+// Fills the samples from first to last - 1 with whether they are inside
+// (1 or 0) and their height.
+void FZFillSamples(FZSampleRow out, std::int32_t first, std::int32_t last, float inside, float z);
+
+// One pixel row of a drawing: its three sample rows, what the outline's
+// reach tells of them, and the samples of the piece at hand. Points the
+// reach tells need no test, pieces that neither hold coverage nor reach
+// into the outline are left alone, and on pixels that hold nothing yet,
+// those whose points are all solid take no samples at all.
+template <typename Shape>
+class FZRowDrawing {
+public:
+    FZRowDrawing(const Shape& outline, const FZSampleColumns& sampleColumns, std::int32_t y);
+    void Draw(FZLayer& layer);
+
+private:
+    FZSolidPixels SolidPixels(const FZPiecePlace& place) const;
+    // The samples of sample row j and sample column i of the piece p.
+    void TestColumn(std::int32_t p, int j, int i, const FZSolidPixels& solid);
+
+    const Shape& shape;
+    const FZSampleColumns& columns;
+    std::int32_t row;
+    float ys[3];
+    FZPixelSpans spans[3];
+    FZSamplePiece piece;
+};
+
+template <typename Shape>
+FZRowDrawing<Shape>::FZRowDrawing(const Shape& outline, const FZSampleColumns& sampleColumns, std::int32_t y)
+    : shape(outline), columns(sampleColumns), row(y)
+{
+    FZSampleOffsets(y, ys);
+    for (int j = 0; j < 3; ++j)
+        spans[j] = FZPixelSpans(shape.Reach(ys[j]));
+}
+
+template <typename Shape>
+void FZRowDrawing<Shape>::Draw(FZLayer& layer)
+{
+    for (std::int32_t p = 0; p < columns.Pieces(); ++p) {
+        const FZPiecePlace place{row, columns.PieceStart(p), columns.PiecePixels(p)};
+        const std::int32_t last = place.start + place.pixels - 1;
+        const bool empty = FZNoneCovered(layer.coverage[row] + place.start, place.pixels);
+        if (empty && spans[0].AllOutside(place.start, last) && spans[1].AllOutside(place.start, last)
+            && spans[2].AllOutside(place.start, last))
+            continue;
+        const FZSolidPixels solid = empty ? SolidPixels(place) : FZSolidPixels{};
+        for (int j = 0; j < 3; ++j)
+            for (int i = 0; i < 3; ++i)
+                TestColumn(p, j, i, solid);
+        CompositeSamplePiece(layer, place, piece, solid);
+    }
+}
+
+// The pixels inside the inner spans of all three sample rows, when these
+// are solid at one height.
+template <typename Shape>
+FZSolidPixels FZRowDrawing<Shape>::SolidPixels(const FZPiecePlace& place) const
+{
+    FZSolidPixels solid;
+    for (const FZPixelSpans& s : spans)
+        if (!s.solid || s.height != spans[0].height || s.innerFirst > s.innerLast)
+            return solid;
+    solid.first = 0;
+    solid.last = place.pixels;
+    for (const FZPixelSpans& s : spans) {
+        solid.first = FZMax(solid.first, FZPixelSpans::Within(s.innerFirst, place.start, place.pixels));
+        solid.last = FZMin(solid.last, FZPixelSpans::Within(std::int64_t{s.innerLast} + 1, place.start, place.pixels));
+    }
+    solid.last = FZMax(solid.last, solid.first);
+    solid.height = spans[0].height;
+    return solid;
+}
+
+template <typename Shape>
+void FZRowDrawing<Shape>::TestColumn(std::int32_t p, int j, int i, const FZSolidPixels& solid)
+{
+    const FZPixelSpans& s = spans[j];
+    const std::int32_t start = columns.PieceStart(p);
+    const std::int32_t n = columns.PiecePixels(p);
+    const double* terms = columns.Terms(p, i);
+    const FZSampleRow out{piece.inside[j][i], piece.z[j][i]};
+    // Pixels [0, a) and [d, n) lie outside, [b, c) is the inner span, and
+    // [a, b) and [c, d) are tested. The solid pixels lie within [b, c).
+    const std::int32_t a = FZPixelSpans::Within(s.outerFirst, start, n);
+    const std::int32_t d = FZMax(FZPixelSpans::Within(std::int64_t{s.outerLast} + 1, start, n), a);
+    std::int32_t b = d;
+    std::int32_t c = d;
+    if (s.innerFirst <= s.innerLast) {
+        b = FZMin(FZMax(FZPixelSpans::Within(s.innerFirst, start, n), a), d);
+        c = FZMin(FZMax(FZPixelSpans::Within(std::int64_t{s.innerLast} + 1, start, n), b), d);
+    }
+    const float innerInside = s.solid ? 1.0f : 0.0f;
+    FZFillSamples(out, 0, a, 0.0f, 0.0f);
+    shape.HeightRow(ys[j], terms + a, b - a, FZSampleRow{out.inside + a, out.z + a});
+    FZFillSamples(out, b, FZMax(solid.first, b), innerInside, s.height);
+    FZFillSamples(out, FZMin(FZMax(solid.last, b), c), c, innerInside, s.height);
+    shape.HeightRow(ys[j], terms + c, d - c, FZSampleRow{out.inside + c, out.z + c});
+    FZFillSamples(out, d, n, 0.0f, 0.0f);
+}
 
 // Draws an outline into the layer: every pixel of its bounding box (clipped
 // to the layer) is tested at 3 x 3 points and merged with CompositeSample.
 // Single-precision arithmetic throughout. Each pixel reads and writes only
 // itself, so rows run in parallel; the outline is tested a piece of a
 // sample row at a time, with the terms of the sample columns computed once.
-// Points the outline's reach tells need no test, and pieces that neither
-// hold coverage nor reach into the outline are left alone.
 template <typename Shape>
 void RasterizeShape(FZLayer& layer, const Shape& shape)
 {
@@ -244,52 +351,8 @@ void RasterizeShape(FZLayer& layer, const Shape& shape)
     if (columnFirst > columnLast || rowFirst > rowLast)
         return;
     const FZSampleColumns columns(shape, columnFirst, columnLast);
-
-    ParallelRows(rowFirst, rowLast + 1, [&](std::int32_t py) {
-        float ys[3];
-        FZSampleOffsets(py, ys);
-        const FZPixelSpans spans[3] = {FZPixelSpans(shape.Reach(ys[0])), FZPixelSpans(shape.Reach(ys[1])),
-                                       FZPixelSpans(shape.Reach(ys[2]))};
-        FZSamplePiece piece;
-        for (std::int32_t p = 0; p < columns.Pieces(); ++p) {
-            const std::int32_t start = columns.PieceStart(p);
-            const std::int32_t n = columns.PiecePixels(p);
-            const std::int32_t last = start + n - 1;
-            if (spans[0].AllOutside(start, last) && spans[1].AllOutside(start, last)
-                && spans[2].AllOutside(start, last) && FZNoneCovered(layer.coverage[py] + start, n))
-                continue;
-            for (int j = 0; j < 3; ++j)
-                for (int i = 0; i < 3; ++i)
-                    TestSampleColumn(shape, ys[j], columns.Terms(p, i), start, n, spans[j],
-                                     FZSampleRow{piece.inside[j][i], piece.z[j][i]});
-            CompositeSamplePiece(layer, py, start, n, piece);
-        }
-    });
-}
-
-// Fills the samples from first to last - 1 with whether they are inside
-// (1 or 0) and their height.
-void FZFillSamples(FZSampleRow out, std::int32_t first, std::int32_t last, float inside, float z);
-
-template <typename Shape>
-void TestSampleColumn(const Shape& shape, float y, const double* terms, std::int32_t start, std::int32_t n,
-                      const FZPixelSpans& spans, FZSampleRow out)
-{
-    // Pixels [0, a) and [d, n) lie outside, [b, c) is the inner span, and
-    // [a, b) and [c, d) are tested.
-    const std::int32_t a = FZPixelSpans::Within(spans.outerFirst, start, n);
-    const std::int32_t d = FZMax(FZPixelSpans::Within(std::int64_t{spans.outerLast} + 1, start, n), a);
-    std::int32_t b = d;
-    std::int32_t c = d;
-    if (spans.innerFirst <= spans.innerLast) {
-        b = FZMin(FZMax(FZPixelSpans::Within(spans.innerFirst, start, n), a), d);
-        c = FZMin(FZMax(FZPixelSpans::Within(std::int64_t{spans.innerLast} + 1, start, n), b), d);
-    }
-    FZFillSamples(out, 0, a, 0.0f, 0.0f);
-    shape.HeightRow(y, terms + a, b - a, FZSampleRow{out.inside + a, out.z + a});
-    FZFillSamples(out, b, c, spans.solid ? 1.0f : 0.0f, spans.height);
-    shape.HeightRow(y, terms + c, d - c, FZSampleRow{out.inside + c, out.z + c});
-    FZFillSamples(out, d, n, 0.0f, 0.0f);
+    ParallelRows(rowFirst, rowLast + 1,
+                 [&](std::int32_t py) { FZRowDrawing<Shape>(shape, columns, py).Draw(layer); });
 }
 
 // Lowers the covered depths within radius of (cx, cy) by a smooth bowl that

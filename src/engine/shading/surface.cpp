@@ -96,8 +96,8 @@ TAMERISK_ROW_KERNEL void LaneRanges(const std::uint8_t* coverage, const float* d
         for (int l = 0; l < kRangeLanes; ++l) {
             const bool covered = coverage[x + l] != 0;
             const float z = depth[x + l];
-            lo[l] = covered & (z < lo[l]) ? z : lo[l];
-            hi[l] = covered & (z > hi[l]) ? z : hi[l];
+            lo[l] = (covered & (z < lo[l])) ? z : lo[l];
+            hi[l] = (covered & (z > hi[l])) ? z : hi[l];
         }
     }
     for (int l = 0; l < kRangeLanes; ++l) {
@@ -279,22 +279,12 @@ inline bool Finite(double v)
     return std::fabs(v) <= DBL_MAX;
 }
 
-// Whether twice the difference is still a finite float.
-inline bool Modest(float d)
+// FZPackedVector::Pack for a component of a unit vector: it lies within 1
+// (give or take the rounding), so the product needs no holding within the
+// 16-bit range.
+inline std::int32_t PackUnit(float v)
 {
-    return std::fabs(d) <= FLT_MAX / 2;
-}
-
-// FZPackedVector::Pack without branches: NaN gives 0, and holding the value
-// within the 16-bit range before truncating it gives what truncating first
-// and holding the integer gives, the bounds being integers.
-inline std::int32_t PackComponent(float v)
-{
-    double scaled = v * FZPackedVector::kScale;
-    scaled = scaled == scaled ? scaled : 0.0;
-    scaled = scaled < -32768.0 ? -32768.0 : scaled;
-    scaled = scaled > 32767.0 ? 32767.0 : scaled;
-    return static_cast<std::int32_t>(scaled);
+    return static_cast<std::int32_t>(v * FZPackedVector::kScale);
 }
 
 // The pixels a normal kernel takes at a time.
@@ -323,20 +313,20 @@ TAMERISK_ROW_KERNEL void CoverageWeights(const std::uint8_t* coverage, std::int3
         weight[k] = coverage[k];
 }
 
-// The normals of n pixels of a row whose neighbours all lie in the layer,
-// as NormalAt gives them where every neighbour is covered and no weighted
-// difference is wild; elsewhere general is set.
+// The normals of n pixels of a row whose neighbours all lie in the layer
+// and whose depths are all tame (see Survey), as NormalAt gives them where
+// every neighbour is covered; elsewhere general is set.
 //
 // The terms whose kernel weight is 0 are left out: a slope sum starts at +0
-// and can never become -0, so adding 0 x d leaves it as it is whenever d is
+// and can never become -0, so adding 0 x d leaves it as it is when d is
 // finite. The rest is the same arithmetic in single precision: NormalAt
 // rounds every step of a slope sum, and the quotient of the slope by its
 // weight, from double to float, and a sum or quotient of two floats
 // computed in double and rounded to float is the float sum or quotient
 // (double holds more than twice float's digits). The weights are small
-// integers, which floats hold exactly, and so are the multiples 2d of
-// differences below half the float range. Both slopes 0 give (0, 0, 1) like
-// any level neighbourhood.
+// integers, which floats hold exactly, and so are the multiples 2d of tame
+// differences. Both slopes 0 give (0, 0, 1) like any level neighbourhood;
+// finite slopes keep the squared length at 1 or more.
 TAMERISK_ROW_KERNEL void InteriorNormals(const Neighbourhood& around, std::int32_t n, NormalLanes& lanes)
 {
     const float* __restrict w0 = around.weight[0];
@@ -349,8 +339,7 @@ TAMERISK_ROW_KERNEL void InteriorNormals(const Neighbourhood& around, std::int32
         const float m00 = w0[k], m01 = w0[k + 1], m02 = w0[k + 2];
         const float m10 = w1[k], m12 = w1[k + 2];
         const float m20 = w2[k], m21 = w2[k + 1], m22 = w2[k + 2];
-        const bool covered = (m00 != 0.0f) & (m01 != 0.0f) & (m02 != 0.0f) & (m10 != 0.0f) & (m12 != 0.0f)
-                             & (m20 != 0.0f) & (m21 != 0.0f) & (m22 != 0.0f);
+        const float thinnest = FZMin(FZMin(FZMin(m00, m01), FZMin(m02, m10)), FZMin(FZMin(m12, m20), FZMin(m21, m22)));
         const double zc = z1[k + 1];
         const float d00 = Difference(z0[k], zc, m00);
         const float d01 = Difference(z0[k + 1], zc, m01);
@@ -360,8 +349,6 @@ TAMERISK_ROW_KERNEL void InteriorNormals(const Neighbourhood& around, std::int32
         const float d20 = Difference(z2[k], zc, m20);
         const float d21 = Difference(z2[k + 1], zc, m21);
         const float d22 = Difference(z2[k + 2], zc, m22);
-        const bool modest = Modest(d00) & Modest(d01) & Modest(d02) & Modest(d10) & Modest(d12) & Modest(d20)
-                            & Modest(d21) & Modest(d22) & Finite(zc);
         const float sx = 0.0f - d00 + d02 - 2.0f * d10 + 2.0f * d12 - d20 + d22;
         const float sy = 0.0f - d00 - 2.0f * d01 - d02 + d20 + 2.0f * d21 + d22;
         const float wx = m00 + m02 + 2.0f * m10 + 2.0f * m12 + m20 + m22;
@@ -371,36 +358,57 @@ TAMERISK_ROW_KERNEL void InteriorNormals(const Neighbourhood& around, std::int32
         // NormalizeFloats(fx, fy, 1).
         const float sq = fx * fx + fy * fy + 1.0f;
         const float inv = static_cast<float>(1.0 / std::sqrt(static_cast<double>(sq)));
-        const bool positive = sq > 0.0f;
-        lanes.x[k] = PackComponent(positive ? fx * inv : 0.0f);
-        lanes.y[k] = PackComponent(positive ? fy * inv : 0.0f);
-        lanes.z[k] = PackComponent(positive ? inv : 1.0f);
-        lanes.general[k] = !(covered & modest);
+        // Where a weight is 0 the quotients may not be numbers; those
+        // lanes are left to NormalAt.
+        const bool covered = thinnest > 0.0f;
+        lanes.x[k] = PackUnit(covered ? fx * inv : 0.0f);
+        lanes.y[k] = PackUnit(covered ? fy * inv : 0.0f);
+        lanes.z[k] = PackUnit(covered ? inv : 0.0f);
+        lanes.general[k] = !covered;
     }
 }
 
-TAMERISK_ROW_KERNEL void StoreNormals(const NormalLanes& lanes, std::int32_t n, FZPackedVector* normals)
+// Stores the normals of the lanes; whether any lane is left to NormalAt.
+TAMERISK_ROW_KERNEL bool StoreNormals(const NormalLanes& lanes, std::int32_t n, FZPackedVector* normals)
 {
+    std::int32_t general = 0;
     for (std::int32_t k = 0; k < n; ++k) {
         normals[k].x = static_cast<std::int16_t>(lanes.x[k]);
         normals[k].y = static_cast<std::int16_t>(lanes.y[k]);
         normals[k].z = static_cast<std::int16_t>(lanes.z[k]);
+        general |= lanes.general[k];
     }
+    return general != 0;
 }
 
-// Whether every covered pixel of the three rows from column 0 to n + 1 has
-// the finite depth of the middle row's column 1. The weighted differences
-// around each of the n pixels between are then all 0, and so are both
-// slopes: their normals are all (0, 0, 1).
-TAMERISK_ROW_KERNEL bool Level(const Neighbourhood& around, std::int32_t n)
+// Depths no larger than this are tame: any difference of two, times a
+// coverage, lies far within half the float range.
+constexpr float kTameDepth = 0x1p100f;
+
+// What the depths of the three rows of a piece, from column 0 to n + 1,
+// allow.
+struct PieceSurvey {
+    // Every covered pixel has the finite depth of the middle row's column
+    // 1: the weighted differences around each of the n pixels between are
+    // all 0, and so are both slopes; their normals are all (0, 0, 1).
+    bool level;
+    // Every depth, covered or not, is tame.
+    bool tame;
+};
+
+TAMERISK_ROW_KERNEL PieceSurvey Survey(const Neighbourhood& around, std::int32_t n)
 {
     const float z = around.depth[1][1];
-    // The middle row is all covered: its last pixel tells most slopes at once.
-    int differs = !Finite(z) | (around.depth[1][n] != z);
-    for (int r = 0; r < 3; ++r)
-        for (std::int32_t k = 0; k < n + 2; ++k)
-            differs |= (around.weight[r][k] != 0.0f) & (around.depth[r][k] != z);
-    return differs == 0;
+    int uneven = 0;
+    int wild = 0;
+    for (int r = 0; r < 3; ++r) {
+        for (std::int32_t k = 0; k < n + 2; ++k) {
+            const float depth = around.depth[r][k];
+            uneven |= (around.weight[r][k] != 0.0f) & (depth != z);
+            wild |= !(std::fabs(depth) <= kTameDepth);
+        }
+    }
+    return PieceSurvey{uneven == 0 && Finite(z), wild == 0};
 }
 
 // The normals of the pixels x0 to x1 of row y, all covered.
@@ -422,13 +430,20 @@ void NormalsOfCoveredRun(FZLayer& layer, std::int32_t y, std::int32_t x0, std::i
             CoverageWeights(layer.coverage[y - 1 + r] + start - 1, n + 2, around.weight[r]);
             around.depth[r] = layer.depth[y - 1 + r] + start - 1;
         }
-        if (Level(around, n)) {
+        const PieceSurvey survey = Survey(around, n);
+        if (survey.level) {
             for (std::int32_t k = 0; k < n; ++k)
                 normals[start + k] = flat;
             continue;
         }
+        if (!survey.tame) {
+            for (std::int32_t k = 0; k < n; ++k)
+                normals[start + k] = NormalAt(layer, start + k, y);
+            continue;
+        }
         InteriorNormals(around, n, lanes);
-        StoreNormals(lanes, n, normals + start);
+        if (!StoreNormals(lanes, n, normals + start))
+            continue;
         for (std::int32_t k = 0; k < n; ++k)
             if (lanes.general[k] != 0)
                 normals[start + k] = NormalAt(layer, start + k, y);
