@@ -11,9 +11,10 @@
 namespace {
 
 #if defined(__linux__)
-// From this size a block is mapped from the system: a 1024 x 1024 layer's
-// coverage is the smallest buffer that gains from huge pages.
-constexpr std::size_t kMapFrom = std::size_t{1} << 20;
+// From this size a block is mapped from the system in huge pages. A block is
+// rounded up to whole huge pages, so a smaller one (a 1024 x 1024 layer's
+// coverage is 1 MB) would hold twice its size.
+constexpr std::size_t kMapFrom = std::size_t{2} << 20;
 constexpr std::size_t kHugePage = std::size_t{2} << 20;
 
 std::size_t RoundUp(std::size_t n, std::size_t unit)
