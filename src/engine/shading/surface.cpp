@@ -79,31 +79,41 @@ struct DepthSpan {
     }
 };
 
-constexpr int kRangeLanes = 16;
+// Floats as integers of the same order: the bits of a positive float,
+// those of a negative one with its magnitude bits turned over (so -0 comes
+// just below +0). Integer minima and maxima run as vector code, float ones
+// (with their rules for NaN) do not.
+struct DepthKeys {
+    std::int32_t low = INT32_MAX;
+    std::int32_t high = INT32_MIN;
+};
 
-// Spans of the covered depths of columns 0 to n - 1, one for every lane:
-// lane l sees the columns l, l + 16, l + 32, ... (whole groups of 16 only).
-TAMERISK_ROW_KERNEL void LaneRanges(const std::uint8_t* coverage, const float* depth, std::int32_t n,
-                                    float (&low)[kRangeLanes], float (&high)[kRangeLanes])
+float FromKey(std::int32_t key)
 {
-    float lo[kRangeLanes];
-    float hi[kRangeLanes];
-    for (int l = 0; l < kRangeLanes; ++l) {
-        lo[l] = 1e10f;
-        hi[l] = -1e10f;
+    const std::uint32_t bits = key < 0 ? (~static_cast<std::uint32_t>(key) | 0x80000000u) : static_cast<std::uint32_t>(key);
+    float z;
+    std::memcpy(&z, &bits, sizeof z);
+    return z;
+}
+
+// The lowest and highest keys of the covered depths of columns 0 to n - 1
+// that are numbers; low > high when there is none.
+TAMERISK_ROW_KERNEL DepthKeys CoveredDepthKeys(const std::uint8_t* coverage, const float* depth, std::int32_t n)
+{
+    std::int32_t low = INT32_MAX;
+    std::int32_t high = INT32_MIN;
+    for (std::int32_t x = 0; x < n; ++x) {
+        std::int32_t bits;
+        std::memcpy(&bits, depth + x, sizeof bits);
+        const std::int32_t magnitude = bits & 0x7fffffff;
+        const std::int32_t key = bits < 0 ? ~magnitude : magnitude;
+        const std::int32_t counts = -static_cast<std::int32_t>((coverage[x] != 0) & (magnitude <= 0x7f800000));
+        const std::int32_t forLow = (key & counts) | (INT32_MAX & ~counts);
+        const std::int32_t forHigh = (key & counts) | (INT32_MIN & ~counts);
+        low = forLow < low ? forLow : low;
+        high = forHigh > high ? forHigh : high;
     }
-    for (std::int32_t x = 0; x + kRangeLanes <= n; x += kRangeLanes) {
-        for (int l = 0; l < kRangeLanes; ++l) {
-            const bool covered = coverage[x + l] != 0;
-            const float z = depth[x + l];
-            lo[l] = (covered & (z < lo[l])) ? z : lo[l];
-            hi[l] = (covered & (z > hi[l])) ? z : hi[l];
-        }
-    }
-    for (int l = 0; l < kRangeLanes; ++l) {
-        low[l] = lo[l];
-        high[l] = hi[l];
-    }
+    return DepthKeys{low, high};
 }
 
 // The first covered depth of columns 0 to n - 1 that equals zero, with its
@@ -117,20 +127,15 @@ float FirstCoveredZero(const std::uint8_t* coverage, const float* depth, std::in
 }
 
 // The span of the covered depths of columns 0 to n - 1, as one scan in
-// column order would find it. The lanes see the columns in another order,
-// which gives the same values: equal floats have equal bits, but for +0 and
-// -0, and when a zero is the result the scan's first one is looked up.
+// column order would find it: NaN never takes over, nor does a value equal
+// to the one held, so of +0 and -0 the first scanned stays; other equal
+// floats have equal bits.
 DepthSpan CoveredDepthSpan(const std::uint8_t* coverage, const float* depth, std::int32_t n)
 {
-    float low[kRangeLanes];
-    float high[kRangeLanes];
-    LaneRanges(coverage, depth, n, low, high);
+    const DepthKeys keys = CoveredDepthKeys(coverage, depth, n);
     DepthSpan span;
-    for (int l = 0; l < kRangeLanes; ++l)
-        span.Add(DepthSpan{low[l], high[l]});
-    for (std::int32_t x = n / kRangeLanes * kRangeLanes; x < n; ++x)
-        if (coverage[x] != 0)
-            span.Add(DepthSpan{depth[x], depth[x]});
+    if (keys.low <= keys.high)
+        span.Add(DepthSpan{FromKey(keys.low), FromKey(keys.high)});
     if (span.minimum == 0.0f)
         span.minimum = FirstCoveredZero(coverage, depth, n);
     if (span.maximum == 0.0f)
