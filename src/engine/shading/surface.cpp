@@ -88,12 +88,16 @@ struct DepthKeys {
     std::int32_t high = INT32_MIN;
 };
 
-float FromKey(std::int32_t key)
+float FromBits(std::int32_t bits)
 {
-    const std::uint32_t bits = key < 0 ? (~static_cast<std::uint32_t>(key) | 0x80000000u) : static_cast<std::uint32_t>(key);
     float z;
     std::memcpy(&z, &bits, sizeof z);
     return z;
+}
+
+float FromKey(std::int32_t key)
+{
+    return FromBits(key < 0 ? static_cast<std::int32_t>(~static_cast<std::uint32_t>(key) | 0x80000000u) : key);
 }
 
 // The lowest and highest keys of the covered depths of columns 0 to n - 1
@@ -273,11 +277,17 @@ FZPackedVector NormalAt(const FZLayer& layer, std::int32_t x, std::int32_t y)
 }
 
 // A neighbour's depth difference from the centre, weighted by its coverage,
-// as NormalAt forms it.
-inline float Difference(float z, double zc, float m)
-{
-    return static_cast<float>((z - zc) * m);
-}
+// as NormalAt forms it: in double, rounded to float once.
+struct WideDifference {
+    static float Of(float z, float zc, float m) { return static_cast<float>((z - static_cast<double>(zc)) * m); }
+};
+
+// The same for depths that lie within a factor of 2 of each other: their
+// difference is exact in float (Sterbenz), and so the float product by the
+// coverage is the one rounding of the exact product, as in double.
+struct NearDifference {
+    static float Of(float z, float zc, float m) { return (z - zc) * m; }
+};
 
 inline bool Finite(double v)
 {
@@ -293,7 +303,7 @@ inline std::int32_t PackUnit(float v)
 }
 
 // The pixels a normal kernel takes at a time.
-constexpr std::int32_t kNormalPiece = 128;
+constexpr std::int32_t kNormalPiece = 64;
 
 // Rows y - 1, y and y + 1 of a piece of a layer and one column on either
 // side: the depths, and the coverages as float weights. The kernels read
@@ -320,7 +330,8 @@ TAMERISK_ROW_KERNEL void CoverageWeights(const std::uint8_t* coverage, std::int3
 
 // The normals of n pixels of a row whose neighbours all lie in the layer
 // and whose depths are all tame (see Survey), as NormalAt gives them where
-// every neighbour is covered; elsewhere general is set.
+// every neighbour is covered; elsewhere general is set. Difference forms
+// the weighted depth differences.
 //
 // The terms whose kernel weight is 0 are left out: a slope sum starts at +0
 // and can never become -0, so adding 0 x d leaves it as it is when d is
@@ -332,7 +343,10 @@ TAMERISK_ROW_KERNEL void CoverageWeights(const std::uint8_t* coverage, std::int3
 // integers, which floats hold exactly, and so are the multiples 2d of tame
 // differences. Both slopes 0 give (0, 0, 1) like any level neighbourhood;
 // finite slopes keep the squared length at 1 or more.
-TAMERISK_ROW_KERNEL void InteriorNormals(const Neighbourhood& around, std::int32_t n, NormalLanes& lanes)
+// Inlined whole into each kernel, so that it runs as that kernel's vector
+// code.
+template <typename Difference>
+[[gnu::always_inline]] inline void NormalsOfPiece(const Neighbourhood& around, std::int32_t n, NormalLanes& lanes)
 {
     const float* __restrict w0 = around.weight[0];
     const float* __restrict w1 = around.weight[1];
@@ -345,15 +359,15 @@ TAMERISK_ROW_KERNEL void InteriorNormals(const Neighbourhood& around, std::int32
         const float m10 = w1[k], m12 = w1[k + 2];
         const float m20 = w2[k], m21 = w2[k + 1], m22 = w2[k + 2];
         const float thinnest = FZMin(FZMin(FZMin(m00, m01), FZMin(m02, m10)), FZMin(FZMin(m12, m20), FZMin(m21, m22)));
-        const double zc = z1[k + 1];
-        const float d00 = Difference(z0[k], zc, m00);
-        const float d01 = Difference(z0[k + 1], zc, m01);
-        const float d02 = Difference(z0[k + 2], zc, m02);
-        const float d10 = Difference(z1[k], zc, m10);
-        const float d12 = Difference(z1[k + 2], zc, m12);
-        const float d20 = Difference(z2[k], zc, m20);
-        const float d21 = Difference(z2[k + 1], zc, m21);
-        const float d22 = Difference(z2[k + 2], zc, m22);
+        const float zc = z1[k + 1];
+        const float d00 = Difference::Of(z0[k], zc, m00);
+        const float d01 = Difference::Of(z0[k + 1], zc, m01);
+        const float d02 = Difference::Of(z0[k + 2], zc, m02);
+        const float d10 = Difference::Of(z1[k], zc, m10);
+        const float d12 = Difference::Of(z1[k + 2], zc, m12);
+        const float d20 = Difference::Of(z2[k], zc, m20);
+        const float d21 = Difference::Of(z2[k + 1], zc, m21);
+        const float d22 = Difference::Of(z2[k + 2], zc, m22);
         const float sx = 0.0f - d00 + d02 - 2.0f * d10 + 2.0f * d12 - d20 + d22;
         const float sy = 0.0f - d00 - 2.0f * d01 - d02 + d20 + 2.0f * d21 + d22;
         const float wx = m00 + m02 + 2.0f * m10 + 2.0f * m12 + m20 + m22;
@@ -371,6 +385,16 @@ TAMERISK_ROW_KERNEL void InteriorNormals(const Neighbourhood& around, std::int32
         lanes.z[k] = PackUnit(covered ? inv : 0.0f);
         lanes.general[k] = !covered;
     }
+}
+
+TAMERISK_ROW_KERNEL void InteriorNormals(const Neighbourhood& around, std::int32_t n, NormalLanes& lanes)
+{
+    NormalsOfPiece<WideDifference>(around, n, lanes);
+}
+
+TAMERISK_ROW_KERNEL void InteriorNormalsOfNearDepths(const Neighbourhood& around, std::int32_t n, NormalLanes& lanes)
+{
+    NormalsOfPiece<NearDifference>(around, n, lanes);
 }
 
 // Stores the normals of the lanes; whether any lane is left to NormalAt.
@@ -399,6 +423,8 @@ struct PieceSurvey {
     bool level;
     // Every depth, covered or not, is tame.
     bool tame;
+    // The depths are tame and lie within a factor of 2 of each other.
+    bool near;
 };
 
 TAMERISK_ROW_KERNEL PieceSurvey Survey(const Neighbourhood& around, std::int32_t n)
@@ -406,14 +432,23 @@ TAMERISK_ROW_KERNEL PieceSurvey Survey(const Neighbourhood& around, std::int32_t
     const float z = around.depth[1][1];
     int uneven = 0;
     int wild = 0;
+    // Positive floats order like their bits.
+    std::int32_t lowest = INT32_MAX;
+    std::int32_t highest = INT32_MIN;
     for (int r = 0; r < 3; ++r) {
         for (std::int32_t k = 0; k < n + 2; ++k) {
             const float depth = around.depth[r][k];
+            std::int32_t bits;
+            std::memcpy(&bits, &depth, sizeof bits);
             uneven |= (around.weight[r][k] != 0.0f) & (depth != z);
             wild |= !(std::fabs(depth) <= kTameDepth);
+            lowest = bits < lowest ? bits : lowest;
+            highest = bits > highest ? bits : highest;
         }
     }
-    return PieceSurvey{uneven == 0 && Finite(z), wild == 0};
+    const bool tame = wild == 0;
+    const bool near = tame && lowest > 0 && FromBits(highest) <= 2.0f * FromBits(lowest);
+    return PieceSurvey{uneven == 0 && Finite(z), tame, near};
 }
 
 // The normals of the pixels x0 to x1 of row y, all covered.
@@ -446,7 +481,10 @@ void NormalsOfCoveredRun(FZLayer& layer, std::int32_t y, std::int32_t x0, std::i
                 normals[start + k] = NormalAt(layer, start + k, y);
             continue;
         }
-        InteriorNormals(around, n, lanes);
+        if (survey.near)
+            InteriorNormalsOfNearDepths(around, n, lanes);
+        else
+            InteriorNormals(around, n, lanes);
         if (!StoreNormals(lanes, n, normals + start))
             continue;
         for (std::int32_t k = 0; k < n; ++k)
