@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 
 #include "engine/shading/surface.h"
 
@@ -202,4 +203,31 @@ TEST(Surface, SteepSlopesKeepTheirRoundingSteps)
         const FZPackedVector n = SobelNormal(layer, x, 1);
         ASSERT_TRUE(NormalIs(layer, x, 1, n.x, n.y, n.z));
     }
+}
+
+TEST(Surface, InnerNormalsFollowTheirRoundingStepsOnAnyDepths)
+{
+    // Neighbourhoods whose depths lie within a factor of 2 of each other
+    // take a shorter way through the arithmetic, the others the full one;
+    // either must give every packed component as each step rounded from
+    // double gives it. Rows of close and of wildly different depths, with
+    // thin and full coverage.
+    std::mt19937 random(20240607u);
+    std::uniform_real_distribution<float> close(100.0f, 190.0f);
+    std::uniform_real_distribution<float> exponent(-12.0f, 12.0f);
+    std::uniform_int_distribution<int> thin(1, 255);
+    FZLayer layer;
+    MakeHeightField(layer, 400, 9, [&](int, int y) {
+        return y < 4 ? close(random) : std::exp2(exponent(random));
+    });
+    for (int y = 0; y < 9; ++y)
+        for (int x = 0; x < 400; ++x)
+            if (x % 3 == 0)
+                layer.coverage[y][x] = static_cast<std::uint8_t>(thin(random));
+    ASSERT_EQ(EstimateNormals(layer, FZRect(0, 0, 399, 8)), FZResult::Ok);
+    for (int y = 1; y < 8; ++y)
+        for (int x = 1; x < 399; ++x) {
+            const FZPackedVector n = SobelNormal(layer, x, y);
+            ASSERT_TRUE(NormalIs(layer, x, y, n.x, n.y, n.z));
+        }
 }

@@ -79,31 +79,45 @@ struct DepthSpan {
     }
 };
 
-constexpr int kRangeLanes = 16;
+// Floats as integers of the same order: the bits of a positive float,
+// those of a negative one with its magnitude bits turned over (so -0 comes
+// just below +0). Integer minima and maxima run as vector code, float ones
+// (with their rules for NaN) do not.
+struct DepthKeys {
+    std::int32_t low = INT32_MAX;
+    std::int32_t high = INT32_MIN;
+};
 
-// Spans of the covered depths of columns 0 to n - 1, one for every lane:
-// lane l sees the columns l, l + 16, l + 32, ... (whole groups of 16 only).
-TAMERISK_ROW_KERNEL void LaneRanges(const std::uint8_t* coverage, const float* depth, std::int32_t n,
-                                    float (&low)[kRangeLanes], float (&high)[kRangeLanes])
+float FromBits(std::int32_t bits)
 {
-    float lo[kRangeLanes];
-    float hi[kRangeLanes];
-    for (int l = 0; l < kRangeLanes; ++l) {
-        lo[l] = 1e10f;
-        hi[l] = -1e10f;
+    float z;
+    std::memcpy(&z, &bits, sizeof z);
+    return z;
+}
+
+float FromKey(std::int32_t key)
+{
+    return FromBits(key < 0 ? static_cast<std::int32_t>(~static_cast<std::uint32_t>(key) | 0x80000000u) : key);
+}
+
+// The lowest and highest keys of the covered depths of columns 0 to n - 1
+// that are numbers; low > high when there is none.
+TAMERISK_ROW_KERNEL DepthKeys CoveredDepthKeys(const std::uint8_t* coverage, const float* depth, std::int32_t n)
+{
+    std::int32_t low = INT32_MAX;
+    std::int32_t high = INT32_MIN;
+    for (std::int32_t x = 0; x < n; ++x) {
+        std::int32_t bits;
+        std::memcpy(&bits, depth + x, sizeof bits);
+        const std::int32_t magnitude = bits & 0x7fffffff;
+        const std::int32_t key = bits < 0 ? ~magnitude : magnitude;
+        const std::int32_t counts = -static_cast<std::int32_t>((coverage[x] != 0) & (magnitude <= 0x7f800000));
+        const std::int32_t forLow = (key & counts) | (INT32_MAX & ~counts);
+        const std::int32_t forHigh = (key & counts) | (INT32_MIN & ~counts);
+        low = forLow < low ? forLow : low;
+        high = forHigh > high ? forHigh : high;
     }
-    for (std::int32_t x = 0; x + kRangeLanes <= n; x += kRangeLanes) {
-        for (int l = 0; l < kRangeLanes; ++l) {
-            const bool covered = coverage[x + l] != 0;
-            const float z = depth[x + l];
-            lo[l] = (covered & (z < lo[l])) ? z : lo[l];
-            hi[l] = (covered & (z > hi[l])) ? z : hi[l];
-        }
-    }
-    for (int l = 0; l < kRangeLanes; ++l) {
-        low[l] = lo[l];
-        high[l] = hi[l];
-    }
+    return DepthKeys{low, high};
 }
 
 // The first covered depth of columns 0 to n - 1 that equals zero, with its
@@ -117,20 +131,15 @@ float FirstCoveredZero(const std::uint8_t* coverage, const float* depth, std::in
 }
 
 // The span of the covered depths of columns 0 to n - 1, as one scan in
-// column order would find it. The lanes see the columns in another order,
-// which gives the same values: equal floats have equal bits, but for +0 and
-// -0, and when a zero is the result the scan's first one is looked up.
+// column order would find it: NaN never takes over, nor does a value equal
+// to the one held, so of +0 and -0 the first scanned stays; other equal
+// floats have equal bits.
 DepthSpan CoveredDepthSpan(const std::uint8_t* coverage, const float* depth, std::int32_t n)
 {
-    float low[kRangeLanes];
-    float high[kRangeLanes];
-    LaneRanges(coverage, depth, n, low, high);
+    const DepthKeys keys = CoveredDepthKeys(coverage, depth, n);
     DepthSpan span;
-    for (int l = 0; l < kRangeLanes; ++l)
-        span.Add(DepthSpan{low[l], high[l]});
-    for (std::int32_t x = n / kRangeLanes * kRangeLanes; x < n; ++x)
-        if (coverage[x] != 0)
-            span.Add(DepthSpan{depth[x], depth[x]});
+    if (keys.low <= keys.high)
+        span.Add(DepthSpan{FromKey(keys.low), FromKey(keys.high)});
     if (span.minimum == 0.0f)
         span.minimum = FirstCoveredZero(coverage, depth, n);
     if (span.maximum == 0.0f)
@@ -268,11 +277,17 @@ FZPackedVector NormalAt(const FZLayer& layer, std::int32_t x, std::int32_t y)
 }
 
 // A neighbour's depth difference from the centre, weighted by its coverage,
-// as NormalAt forms it.
-inline float Difference(float z, double zc, float m)
-{
-    return static_cast<float>((z - zc) * m);
-}
+// as NormalAt forms it: in double, rounded to float once.
+struct WideDifference {
+    static float Of(float z, float zc, float m) { return static_cast<float>((z - static_cast<double>(zc)) * m); }
+};
+
+// The same for depths that lie within a factor of 2 of each other: their
+// difference is exact in float (Sterbenz), and so the float product by the
+// coverage is the one rounding of the exact product, as in double.
+struct NearDifference {
+    static float Of(float z, float zc, float m) { return (z - zc) * m; }
+};
 
 inline bool Finite(double v)
 {
@@ -288,7 +303,7 @@ inline std::int32_t PackUnit(float v)
 }
 
 // The pixels a normal kernel takes at a time.
-constexpr std::int32_t kNormalPiece = 128;
+constexpr std::int32_t kNormalPiece = 64;
 
 // Rows y - 1, y and y + 1 of a piece of a layer and one column on either
 // side: the depths, and the coverages as float weights. The kernels read
@@ -315,7 +330,8 @@ TAMERISK_ROW_KERNEL void CoverageWeights(const std::uint8_t* coverage, std::int3
 
 // The normals of n pixels of a row whose neighbours all lie in the layer
 // and whose depths are all tame (see Survey), as NormalAt gives them where
-// every neighbour is covered; elsewhere general is set.
+// every neighbour is covered; elsewhere general is set. Difference forms
+// the weighted depth differences.
 //
 // The terms whose kernel weight is 0 are left out: a slope sum starts at +0
 // and can never become -0, so adding 0 x d leaves it as it is when d is
@@ -327,7 +343,10 @@ TAMERISK_ROW_KERNEL void CoverageWeights(const std::uint8_t* coverage, std::int3
 // integers, which floats hold exactly, and so are the multiples 2d of tame
 // differences. Both slopes 0 give (0, 0, 1) like any level neighbourhood;
 // finite slopes keep the squared length at 1 or more.
-TAMERISK_ROW_KERNEL void InteriorNormals(const Neighbourhood& around, std::int32_t n, NormalLanes& lanes)
+// Inlined whole into each kernel, so that it runs as that kernel's vector
+// code.
+template <typename Difference>
+[[gnu::always_inline]] inline void NormalsOfPiece(const Neighbourhood& around, std::int32_t n, NormalLanes& lanes)
 {
     const float* __restrict w0 = around.weight[0];
     const float* __restrict w1 = around.weight[1];
@@ -340,15 +359,15 @@ TAMERISK_ROW_KERNEL void InteriorNormals(const Neighbourhood& around, std::int32
         const float m10 = w1[k], m12 = w1[k + 2];
         const float m20 = w2[k], m21 = w2[k + 1], m22 = w2[k + 2];
         const float thinnest = FZMin(FZMin(FZMin(m00, m01), FZMin(m02, m10)), FZMin(FZMin(m12, m20), FZMin(m21, m22)));
-        const double zc = z1[k + 1];
-        const float d00 = Difference(z0[k], zc, m00);
-        const float d01 = Difference(z0[k + 1], zc, m01);
-        const float d02 = Difference(z0[k + 2], zc, m02);
-        const float d10 = Difference(z1[k], zc, m10);
-        const float d12 = Difference(z1[k + 2], zc, m12);
-        const float d20 = Difference(z2[k], zc, m20);
-        const float d21 = Difference(z2[k + 1], zc, m21);
-        const float d22 = Difference(z2[k + 2], zc, m22);
+        const float zc = z1[k + 1];
+        const float d00 = Difference::Of(z0[k], zc, m00);
+        const float d01 = Difference::Of(z0[k + 1], zc, m01);
+        const float d02 = Difference::Of(z0[k + 2], zc, m02);
+        const float d10 = Difference::Of(z1[k], zc, m10);
+        const float d12 = Difference::Of(z1[k + 2], zc, m12);
+        const float d20 = Difference::Of(z2[k], zc, m20);
+        const float d21 = Difference::Of(z2[k + 1], zc, m21);
+        const float d22 = Difference::Of(z2[k + 2], zc, m22);
         const float sx = 0.0f - d00 + d02 - 2.0f * d10 + 2.0f * d12 - d20 + d22;
         const float sy = 0.0f - d00 - 2.0f * d01 - d02 + d20 + 2.0f * d21 + d22;
         const float wx = m00 + m02 + 2.0f * m10 + 2.0f * m12 + m20 + m22;
@@ -366,6 +385,16 @@ TAMERISK_ROW_KERNEL void InteriorNormals(const Neighbourhood& around, std::int32
         lanes.z[k] = PackUnit(covered ? inv : 0.0f);
         lanes.general[k] = !covered;
     }
+}
+
+TAMERISK_ROW_KERNEL void InteriorNormals(const Neighbourhood& around, std::int32_t n, NormalLanes& lanes)
+{
+    NormalsOfPiece<WideDifference>(around, n, lanes);
+}
+
+TAMERISK_ROW_KERNEL void InteriorNormalsOfNearDepths(const Neighbourhood& around, std::int32_t n, NormalLanes& lanes)
+{
+    NormalsOfPiece<NearDifference>(around, n, lanes);
 }
 
 // Stores the normals of the lanes; whether any lane is left to NormalAt.
@@ -394,6 +423,8 @@ struct PieceSurvey {
     bool level;
     // Every depth, covered or not, is tame.
     bool tame;
+    // The depths are tame and lie within a factor of 2 of each other.
+    bool near;
 };
 
 TAMERISK_ROW_KERNEL PieceSurvey Survey(const Neighbourhood& around, std::int32_t n)
@@ -401,14 +432,23 @@ TAMERISK_ROW_KERNEL PieceSurvey Survey(const Neighbourhood& around, std::int32_t
     const float z = around.depth[1][1];
     int uneven = 0;
     int wild = 0;
+    // Positive floats order like their bits.
+    std::int32_t lowest = INT32_MAX;
+    std::int32_t highest = INT32_MIN;
     for (int r = 0; r < 3; ++r) {
         for (std::int32_t k = 0; k < n + 2; ++k) {
             const float depth = around.depth[r][k];
+            std::int32_t bits;
+            std::memcpy(&bits, &depth, sizeof bits);
             uneven |= (around.weight[r][k] != 0.0f) & (depth != z);
             wild |= !(std::fabs(depth) <= kTameDepth);
+            lowest = bits < lowest ? bits : lowest;
+            highest = bits > highest ? bits : highest;
         }
     }
-    return PieceSurvey{uneven == 0 && Finite(z), wild == 0};
+    const bool tame = wild == 0;
+    const bool near = tame && lowest > 0 && FromBits(highest) <= 2.0f * FromBits(lowest);
+    return PieceSurvey{uneven == 0 && Finite(z), tame, near};
 }
 
 // The normals of the pixels x0 to x1 of row y, all covered.
@@ -441,7 +481,10 @@ void NormalsOfCoveredRun(FZLayer& layer, std::int32_t y, std::int32_t x0, std::i
                 normals[start + k] = NormalAt(layer, start + k, y);
             continue;
         }
-        InteriorNormals(around, n, lanes);
+        if (survey.near)
+            InteriorNormalsOfNearDepths(around, n, lanes);
+        else
+            InteriorNormals(around, n, lanes);
         if (!StoreNormals(lanes, n, normals + start))
             continue;
         for (std::int32_t k = 0; k < n; ++k)
