@@ -199,3 +199,54 @@ TEST(ShapeRaster, EveryPixelIsTheMeanOfItsPoints)
         }
     }
 }
+
+TEST(ShapeFinishing, DimpleLowersEachPixelByTheMeanOfItsSixteenPoints)
+{
+    // Rows are worked a piece at a time and pixels beyond the radius are not
+    // sampled; each covered pixel must still be the mean of its sixteen
+    // points, each either lowered by the bowl or at the depth, and a depth
+    // of -0 beyond the radius becomes +0 as that sum makes it.
+    const struct {
+        float cx, cy, radius, depth;
+    } dimples[] = {{150.0f, 45.0f, 33.3f, 7.0f}, {12.7f, 80.2f, 60.0f, 2.5f}, {299.5f, 0.5f, 0.6f, 1.0f},
+                   {150.25f, 45.75f, 500.0f, 40.0f}};
+    for (const auto& d : dimples) {
+        FZLayer layer;
+        ASSERT_EQ(layer.Create(0, 0, 300, 90, 0.0f), FZResult::Ok);
+        for (int y = 0; y < 90; ++y)
+            for (int x = 0; x < 300; ++x) {
+                layer.coverage[y][x] = (x * 7 + y) % 11 == 0 ? 0 : 255;
+                layer.depth[y][x] = (x + y) % 13 == 0 ? -0.0f : 10.0f + 0.01f * x;
+            }
+        FZLayer before;
+        before.Assign(layer);
+        AddDimple(layer, d.cx, d.cy, d.radius, d.depth);
+        FZSmoothStep bowl;
+        bowl.Setup(0.0f, -d.depth, d.radius, 0.0f);
+        for (int y = 0; y < 90; ++y)
+            for (int x = 0; x < 300; ++x) {
+                const float zp = before.depth[y][x];
+                float expected = zp;
+                const auto reaches = [&](int p, float c) {
+                    return p >= static_cast<int>(static_cast<double>(c) - d.radius)
+                           && p <= static_cast<int>(static_cast<double>(c) + d.radius);
+                };
+                const bool inBox = reaches(x, d.cx) && reaches(y, d.cy);
+                if (before.coverage[y][x] != 0 && inBox) {
+                    double sum = 0.0;
+                    for (int j = 0; j < 4; ++j)
+                        for (int i = 0; i < 4; ++i) {
+                            const double sx = x + (i + 0.5) * 0.25 - d.cx;
+                            const double sy = y + (j + 0.5) * 0.25 - d.cy;
+                            const float s2 = static_cast<float>(sx * sx + sy * sy);
+                            const double distance = std::sqrt(static_cast<double>(s2));
+                            const double radiusSquared = static_cast<double>(d.radius) * d.radius;
+                            sum += s2 < radiusSquared ? static_cast<float>(zp + bowl.Evaluate(distance)) : zp;
+                        }
+                    expected = static_cast<float>(sum * (1.0 / 16.0));
+                }
+                ASSERT_EQ(std::memcmp(&layer.depth[y][x], &expected, sizeof expected), 0)
+                    << "pixel (" << x << ", " << y << ") is " << layer.depth[y][x] << ", not " << expected;
+            }
+    }
+}
