@@ -14,13 +14,9 @@
 
 namespace {
 
-FZPackedVector Packed(std::int16_t x, std::int16_t y, std::int16_t z)
+FZPackedVector Packed(int x, int y, int z)
 {
-    FZPackedVector v;
-    v.x = x;
-    v.y = y;
-    v.z = z;
-    return v;
+    return FZPackedVector{static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), static_cast<std::int16_t>(z)};
 }
 
 bool SameFloat(float a, float b)
@@ -63,8 +59,7 @@ TEST(RefractionRows, LandWhereRefractsDirectionLeads)
     for (const float eta : {1.5f, 1.0f, 0.7f, 0.01f, 3.0f, nan}) {
         for (int round = 0; round < 50; ++round) {
             for (FZPackedVector& n : normals)
-                n = Packed(static_cast<std::int16_t>(component(random)), static_cast<std::int16_t>(component(random)),
-                           static_cast<std::int16_t>(component(random) / 2 + 16384));
+                n = Packed(component(random), component(random), component(random) / 2 + 16384);
             // Straight on, flat, lying down and the extremes.
             normals[0] = Packed(0, 0, 30000);
             normals[1] = Packed(0, 0, 0);
