@@ -87,11 +87,12 @@ bool WriteImage(const FZImage& image, const QString& path, Format format, QStrin
     return true;
 }
 
-// The preview's frame with the sample shape built; false with a message
-// when it cannot be built.
-bool SetUp(const Options& options, CPreviewPanel& panel, QString& error)
+// The preview's frame with the sample shape built and the material on it;
+// false with a message when it cannot be built.
+bool SetUp(const Options& options, CPreviewPanel& panel, const FZAttributeEx& material, QString& error)
 {
-    const FZResult made = panel.SetUpFrame(options.width, options.height, options.shape);
+    const FZResult made
+        = panel.SetUpFrame(options.width, options.height, options.shape, material, options.colorBind ? 1 : 0);
     if (made == FZResult::OutOfMemory) {
         error = QStringLiteral("a frame of %1 x %2 pixels is too large to render")
                     .arg(options.width)
@@ -105,8 +106,18 @@ bool SetUp(const Options& options, CPreviewPanel& panel, QString& error)
     return true;
 }
 
-// The material on the panel's shape, as the preview shows it: the panel's
-// frame, or null with a message when there is no picture.
+// The panel's last frame, or null with a message when there is none.
+const FZImage* Frame(const CPreviewPanel& panel, QString& error)
+{
+    const FZScene* scene = panel.Scene();
+    if (scene == nullptr || scene->frame == nullptr || scene->frame->data.empty()) {
+        error = QStringLiteral("the preview rendered no frame");
+        return nullptr;
+    }
+    return scene->frame.get();
+}
+
+// Another material on the panel's shape, as the preview shows it.
 const FZImage* Render(const Options& options, CPreviewPanel& panel, const FZAttributeEx& material, QString& error)
 {
     const FZResult applied = panel.ApplyMaterial(material, options.colorBind ? 1 : 0);
@@ -114,12 +125,7 @@ const FZImage* Render(const Options& options, CPreviewPanel& panel, const FZAttr
         error = QStringLiteral("the material could not be rendered (result code %1)").arg(ResultCode(applied));
         return nullptr;
     }
-    const FZScene* scene = panel.Scene();
-    if (scene == nullptr || scene->frame == nullptr || scene->frame->data.empty()) {
-        error = QStringLiteral("the preview rendered no frame");
-        return nullptr;
-    }
-    return scene->frame.get();
+    return Frame(panel, error);
 }
 
 int RunSingle(const Options& options, Progress& progress)
@@ -135,7 +141,8 @@ int RunSingle(const Options& options, Progress& progress)
     }
     progress.Start(0, options.output);
     CPreviewPanel panel;
-    const FZImage* frame = SetUp(options, panel, error) ? Render(options, panel, material, error) : nullptr;
+    // One shading and one render: the material goes on with the set-up.
+    const FZImage* frame = SetUp(options, panel, material, error) ? Frame(panel, error) : nullptr;
     const bool done = frame != nullptr && WriteImage(*frame, options.output, options.format, error);
     if (Progress::Interrupted())
         return kInterrupted;
@@ -177,7 +184,7 @@ int RunBatch(const Options& options, Progress& progress)
     }
     CPreviewPanel panel;
     progress.Start(0, QStringLiteral("(the frame and the shape)"));
-    if (!SetUp(options, panel, error)) {
+    if (!SetUp(options, panel, FZAttributeEx(), error)) {
         progress.Say(error);
         return Progress::Interrupted() ? kInterrupted : kRunError;
     }

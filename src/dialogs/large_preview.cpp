@@ -67,13 +67,16 @@ void CLargePreview::Render()
     const QSize pixels = area->PixelSize();
     const FZScene* scene = panel.Scene();
     if (scene == nullptr || scene->width != pixels.width() || scene->height != pixels.height()) {
-        shown = false;
         // An area the scene cannot be made for (none yet, or too large for
-        // the memory) keeps the last picture until its next size.
-        if (panel.SetUpFrame(pixels.width(), pixels.height(), shape) != FZResult::Ok) {
+        // the memory) keeps the last picture until its next size. The
+        // material goes on with the set-up, so a new size renders once.
+        if (panel.SetUpFrame(pixels.width(), pixels.height(), shape, material, colorBind) != FZResult::Ok) {
+            shown = false;
             panel.ReleaseScene();
             return;
         }
+        ShowFrame();
+        return;
     }
     if (panel.ShapeNumber() != shape) {
         shown = false;
@@ -84,6 +87,11 @@ void CLargePreview::Render()
         return;
     if (panel.ApplyMaterial(material, colorBind) != FZResult::Ok)
         return;
+    ShowFrame();
+}
+
+void CLargePreview::ShowFrame()
+{
     shownMaterial = material;
     shownBind = colorBind;
     shown = true;

@@ -43,6 +43,8 @@ private:
     // material: a new size makes a new scene, a new shape a new sample, a
     // new material shades it again, and nothing new renders nothing.
     void Render();
+    // Presents the panel's frame and remembers what it shows.
+    void ShowFrame();
     void RememberSize() const;
 
     FZCanvas* area = nullptr;

@@ -42,6 +42,14 @@ void PaintChecker(FZLayer& ground)
 
 FZResult CPreviewPanel::SetUpFrame(std::int32_t w, std::int32_t h, std::int32_t shape)
 {
+    // A new sample layer has the default material and takes its colour
+    // (source 0).
+    return SetUpFrame(w, h, shape, FZAttributeEx(), 0);
+}
+
+FZResult CPreviewPanel::SetUpFrame(std::int32_t w, std::int32_t h, std::int32_t shape,
+                                   const FZAttributeEx& material, std::int32_t bind)
+{
     if (w < 1 || h < 1)
         return FZResult::BadParameter;
     if (w > kMaxFrameSide || h > kMaxFrameSide || std::int64_t{w} * h > kMaxFramePixels)
@@ -62,11 +70,10 @@ FZResult CPreviewPanel::SetUpFrame(std::int32_t w, std::int32_t h, std::int32_t 
     if (const FZResult shaded = ShadeLayerAt(*scene, groundIndex); shaded != FZResult::Ok)
         return shaded;
 
-    // The new sample layer takes the material's colour (source 0). It is
-    // shaded and the frame rendered by the ApplyMaterial that follows: every
-    // user of the panel gives the sample its material next, and shading it
-    // here first would only be thrown away.
-    return MakeSample(shape);
+    if (const FZResult sample = MakeSample(shape); sample != FZResult::Ok)
+        return sample;
+    SetSampleMaterial(material, bind);
+    return ShadeAndRender();
 }
 
 FZResult CPreviewPanel::BuildSampleShape(std::int32_t n)
@@ -106,13 +113,18 @@ FZResult CPreviewPanel::ApplyMaterial(const FZAttributeEx& material, std::int32_
 {
     if (scene == nullptr)
         return FZResult::Ok;
+    SetSampleMaterial(material, bind);
+    return ShadeAndRender();
+}
+
+void CPreviewPanel::SetSampleMaterial(const FZAttributeEx& material, std::int32_t bind)
+{
     if (FZLayer* sample = scene->LayerAt(sampleIndex)) {
         sample->SetMaterial(material);
         // While the host controls the colour, the sample shows white.
         if (bind == 1)
             sample->material.color.SetBytes(255, 255, 255);
     }
-    return ShadeAndRender();
 }
 
 FZResult CPreviewPanel::ShadeAndRender()

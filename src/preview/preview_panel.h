@@ -28,15 +28,18 @@ public:
     CPreviewPanel& operator=(const CPreviewPanel&) = delete;
 
     // Builds the scene for the control's client size with sample shape
-    // `shape`. A null control does nothing.
+    // `shape` and renders the first frame. A null control does nothing.
     FZResult SetUp(QWidget* control, std::int32_t shape = 1);
-    // The same for a frame of w x h pixels, with no window. The sample is
-    // built but neither shaded nor rendered: the first frame comes from the
-    // ApplyMaterial that gives the sample its material (until then the
-    // scene has no frame). BadParameter when w or h is below 1, OutOfMemory
-    // for a frame beyond 8192 x 8192 pixels, or what building the scene or
-    // the shape gives.
+    // The same for a frame of w x h pixels, with no window. BadParameter
+    // when w or h is below 1, OutOfMemory for a frame beyond 8192 x 8192
+    // pixels, or what building the scene or the shape gives.
     FZResult SetUpFrame(std::int32_t w, std::int32_t h, std::int32_t shape = 1);
+    // SetUpFrame with the sample's material given at once (white when bind
+    // is 1): the first frame is the material's, and the sample is shaded and
+    // the frame rendered once, where SetUpFrame and ApplyMaterial would do
+    // both twice. What a picture of one material wants.
+    FZResult SetUpFrame(std::int32_t w, std::int32_t h, std::int32_t shape, const FZAttributeEx& material,
+                        std::int32_t bind);
 
     // Replaces the sample layer by shape n (1 to 4; others leave it empty),
     // keeping its material and colour source, and renders. The shape it
@@ -59,6 +62,7 @@ public:
 private:
     // Draws shape n into a new sample layer and prepares its surface.
     FZResult MakeSample(std::int32_t n);
+    void SetSampleMaterial(const FZAttributeEx& material, std::int32_t bind);
     FZResult ShadeAndRender();
 
     std::unique_ptr<FZScene> scene;

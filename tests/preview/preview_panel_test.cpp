@@ -2,6 +2,7 @@
 // when a shape is rebuilt. The goldens hold the pixels.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -72,9 +73,6 @@ TEST(PreviewPanel, OnlyAnotherShapeNumberRebuilds)
 {
     CPreviewPanel panel;
     ASSERT_EQ(panel.SetUpFrame(40, 40), FZResult::Ok);
-    // The first frame waits for the sample's material.
-    EXPECT_EQ(panel.Scene()->frame, nullptr);
-    ASSERT_EQ(panel.ApplyMaterial(FZAttributeEx(), 0), FZResult::Ok);
     std::uint8_t* marked = panel.Scene()->frame->PixelAddress(20, 20);
     marked[0] = 7;
     EXPECT_EQ(panel.BuildSampleShape(1), FZResult::Ok);
@@ -96,5 +94,24 @@ TEST(PreviewPanel, OnlyAnotherShapeNumberRebuilds)
         EXPECT_EQ(panel.ShapeNumber(), n);
         EXPECT_EQ(Sample(panel).boundsX1, 39);  // bounds of an empty layer
         EXPECT_EQ(FramePixel(panel, 20, 20), kBlue);  // cell (2, 2)
+    }
+}
+
+TEST(PreviewPanel, SettingUpWithAMaterialDrawsWhatApplyingItDraws)
+{
+    FZAttributeEx glass = Coloured(40, 200, 90);
+    glass.transparency = 0.6f;
+    glass.refractiveIndex = 1.4f;
+    for (const int bind : {0, 1}) {
+        CPreviewPanel applied;
+        ASSERT_EQ(applied.SetUpFrame(37, 29, 4), FZResult::Ok);
+        ASSERT_EQ(applied.ApplyMaterial(glass, bind), FZResult::Ok);
+        CPreviewPanel direct;
+        ASSERT_EQ(direct.SetUpFrame(37, 29, 4, glass, bind), FZResult::Ok);
+        const FZImage& a = *applied.Scene()->frame;
+        const FZImage& b = *direct.Scene()->frame;
+        ASSERT_EQ(a.data.size(), b.data.size());
+        EXPECT_TRUE(std::equal(a.data.data(), a.data.data() + a.data.size(), b.data.data())) << bind;
+        EXPECT_EQ(direct.ShapeNumber(), 4);
     }
 }
