@@ -108,10 +108,19 @@ void FZLayer::FillDepth(float value)
 {
     if (coverage.empty() || depth.empty())
         return;
+    std::uint32_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
     for (std::int32_t ly = 0; ly < height; ++ly) {
         std::memset(coverage[ly], 255, static_cast<std::size_t>(width));
-        for (std::int32_t lx = 0; lx < width; ++lx)
-            depth[ly][lx] = value;
+        // Only depths that differ are written: a new layer's depths are
+        // already 0, and pages that are only read cost nothing to map.
+        float* row = depth[ly];
+        for (std::int32_t lx = 0; lx < width; ++lx) {
+            std::uint32_t old;
+            std::memcpy(&old, &row[lx], sizeof old);
+            if (old != bits)
+                row[lx] = value;
+        }
     }
 }
 
