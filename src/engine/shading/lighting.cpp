@@ -1,5 +1,6 @@
 #include "engine/shading/lighting.h"
 
+#include <algorithm>
 #include <cmath>
 #include <mutex>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "engine/parallel.h"
 #include "engine/pixel.h"
 #include "engine/shading/anisotropy.h"
+#include "engine/shading/diffuse_rows.h"
 
 namespace {
 
@@ -198,6 +200,9 @@ struct ShadingPass {
     bool whiteStaysWhite = false;
     // Facet rotations by pixel, kept from the last shading (null: none).
     FZFacetFrameEntry* frames = nullptr;
+    // The lights and the material as the diffuse kernel takes them.
+    std::vector<FZDiffuseLight> diffuseLights;
+    FZDiffuseSetup diffuse;
 };
 
 // The facet rotations of the pixels of the last grooved layer shaded, for
@@ -254,6 +259,17 @@ void HoistLights(ShadingPass& pass, bool highlight)
     }
     const FZAttributeEx& m = pass.layer.material;
     pass.whiteStaysWhite = m.rainbow == 0 || TintIsFinite(m);
+    for (const LightSample& fixed : pass.fixed) {
+        FZDiffuseLight& d = pass.diffuseLights.emplace_back();
+        d.direction = fixed.direction;
+        for (int c = 0; c < 3; ++c)
+            d.color[c] = fixed.color[c];
+    }
+    pass.diffuse.lights = pass.diffuseLights.data();
+    pass.diffuse.lightCount = static_cast<std::int32_t>(pass.diffuseLights.size());
+    pass.diffuse.diffuse = m.diffuse;
+    pass.diffuse.ambient = m.ambient;
+    m.color.GetFloats(pass.diffuse.color);
 }
 
 // Pass 1: ambient and diffuse under every light, times the surface colour.
@@ -278,17 +294,42 @@ struct RowMemo {
     }
 };
 
-void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
+// With the material's colour everywhere, the bytes come from the diffuse
+// kernel a piece of the row at a time.
+void ShadeUniformRow(const ShadingPass& pass, std::int32_t y)
+{
+    FZLayer& layer = pass.layer;
+    const std::uint8_t* coverage = layer.coverage[y];
+    const FZPackedVector* normals = layer.normals[y];
+    FZDiffuseBytes bytes;
+    for (std::int32_t start = 0; start < layer.width; start += kFZDiffusePiece) {
+        const std::int32_t n = FZMin(kFZDiffusePiece, layer.width - start);
+        if (std::all_of(coverage + start, coverage + start + n, [](std::uint8_t c) { return c == 0; }))
+            continue;
+        ShadeDiffusePiece(pass.diffuse, normals + start, n, bytes);
+        std::uint8_t* out = layer.shaded->PixelAddress(start, y);
+        for (std::int32_t k = 0; k < n; ++k) {
+            if (coverage[start + k] == 0)
+                continue;
+            // Bytes go blue, green, red.
+            out[3 * k] = static_cast<std::uint8_t>(bytes.rgb[2][k]);
+            out[3 * k + 1] = static_cast<std::uint8_t>(bytes.rgb[1][k]);
+            out[3 * k + 2] = static_cast<std::uint8_t>(bytes.rgb[0][k]);
+        }
+    }
+}
+
+// With own colours (the checkered ground) the bytes depend on the normal
+// and the pixel's colour; neighbours mostly share both, so the last pair's
+// bytes are kept.
+void ShadeOwnColourRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
     RowMemo memo;
-    // The stored bytes depend on the normal and the surface colour alone.
-    // With the material's colour everywhere the colour is read once for the
-    // row; with own colours (the checkered ground) the last colour is kept
-    // beside the last normal, as neighbours mostly share both.
-    const bool uniform = !(layer.colorSource == 1 && !layer.colors.empty());
-    const FZColor* own = uniform ? nullptr : layer.colors[y];
-    FZColor lastColour = layer.material.color;
+    const FZColor* own = layer.colors[y];
+    FZColor lastColour = own[0];
+    float base[3];
+    lastColour.GetFloats(base);
     bool haveBytes = false;
     std::uint8_t bytes[3] = {0, 0, 0};
     for (std::int32_t x = 0; x < layer.width; ++x) {
@@ -296,7 +337,7 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
             continue;
         const FZPackedVector& normal = layer.normals[y][x];
         const bool known = memo.Has(normal);
-        const FZColor colour = uniform ? lastColour : own[x];
+        const FZColor colour = own[x];
         const bool sameColour = colour.r == lastColour.r && colour.g == lastColour.g && colour.b == lastColour.b;
         std::uint8_t* p = layer.shaded->PixelAddress(x, y);
         if (known && sameColour && haveBytes) {
@@ -318,8 +359,8 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
             }
             memo.Keep(normal, acc);
         }
-        float base[3];
-        colour.GetFloats(base);
+        if (!sameColour)
+            colour.GetFloats(base);
         for (int c = 0; c < 3; ++c)
             acc[c] = static_cast<float>(static_cast<double>(acc[c]) * base[c]);
         ClampToOne(acc);
@@ -330,6 +371,15 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
         bytes[1] = p[1];
         bytes[2] = p[2];
     }
+}
+
+void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
+{
+    const FZLayer& layer = pass.layer;
+    if (layer.colorSource == 1 && !layer.colors.empty())
+        ShadeOwnColourRow(pass, y);
+    else
+        ShadeUniformRow(pass, y);
 }
 
 // Pass 2: the unclamped highlight of all lights at every covered pixel

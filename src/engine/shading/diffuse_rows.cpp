@@ -1,0 +1,100 @@
+#include "engine/shading/diffuse_rows.h"
+
+#include "engine/row_kernel.h"
+
+namespace {
+
+// Every float of the arithmetic is held in a double lane and rounded to
+// float after each operation. For + - * / that gives exactly the float
+// result (double has more than twice float's precision plus two bits, so
+// rounding twice cannot differ from rounding once), and it keeps the loop in
+// one lane width, which GCC vectorises.
+inline double F(double v)
+{
+    return static_cast<double>(static_cast<float>(v));
+}
+
+struct Lanes {
+    double nx[kFZDiffusePiece];
+    double ny[kFZDiffusePiece];
+    double nz[kFZDiffusePiece];
+    double acc[3][kFZDiffusePiece];
+};
+
+// FZPackedVector::Dot of the light's direction and each normal: the integer
+// sum (exact in a double) wrapped to 32 bits, then scaled.
+TAMERISK_ROW_KERNEL void AddLight(const FZDiffuseSetup& setup, const FZDiffuseLight& light, std::int32_t n,
+                                  Lanes& lanes)
+{
+    const double lx = light.direction.x;
+    const double ly = light.direction.y;
+    const double lz = light.direction.z;
+    const double diffuse = setup.diffuse;
+    const double ambient = setup.ambient;
+    const double lit = diffuse > 0.0 ? 1.0 : 0.0;
+    const double c0 = light.color[0];
+    const double c1 = light.color[1];
+    const double c2 = light.color[2];
+    const double* nx = lanes.nx;
+    const double* ny = lanes.ny;
+    const double* nz = lanes.nz;
+    double* a0 = lanes.acc[0];
+    double* a1 = lanes.acc[1];
+    double* a2 = lanes.acc[2];
+    for (std::int32_t k = 0; k < n; ++k) {
+        double sum = lx * nx[k] + ly * ny[k] + lz * nz[k];
+        sum = sum >= 2147483648.0 ? sum - 4294967296.0 : sum;
+        sum = sum < -2147483648.0 ? sum + 4294967296.0 : sum;
+        const double cosine = F(-(sum * 1.111111111111111e-9));
+        const double strength = F(cosine * diffuse);
+        const double on = cosine > 0.0 ? lit : 0.0;
+        const double t0 = F((on > 0.5 ? F(strength * c0) : 0.0) + ambient);
+        const double t1 = F((on > 0.5 ? F(strength * c1) : 0.0) + ambient);
+        const double t2 = F((on > 0.5 ? F(strength * c2) : 0.0) + ambient);
+        a0[k] = F(a0[k] + t0);
+        a1[k] = F(a1[k] + t1);
+        a2[k] = F(a2[k] + t2);
+    }
+}
+
+// The colour rule's store: v x 255 truncated, NaN as 0, held within 0..255,
+// after the channel is held at most 1.
+inline std::int32_t Byte(double v)
+{
+    v = v > 1.0 ? 1.0 : v;
+    double t = v * 255.0;
+    t = t == t ? t : 0.0;
+    t = t < 0.0 ? 0.0 : t;
+    t = t > 255.0 ? 255.0 : t;
+    return static_cast<std::int32_t>(t);
+}
+
+TAMERISK_ROW_KERNEL void StoreBytes(const FZDiffuseSetup& setup, std::int32_t n, const Lanes& lanes,
+                                    FZDiffuseBytes& out)
+{
+    for (int c = 0; c < 3; ++c) {
+        const double base = setup.color[c];
+        const double* acc = lanes.acc[c];
+        std::int32_t* bytes = out.rgb[c];
+        for (std::int32_t k = 0; k < n; ++k)
+            bytes[k] = Byte(F(acc[k] * base));
+    }
+}
+
+} // namespace
+
+void ShadeDiffusePiece(const FZDiffuseSetup& setup, const FZPackedVector* normals, std::int32_t n,
+                       FZDiffuseBytes& out)
+{
+    Lanes lanes;
+    for (std::int32_t k = 0; k < n; ++k) {
+        lanes.nx[k] = normals[k].x;
+        lanes.ny[k] = normals[k].y;
+        lanes.nz[k] = normals[k].z;
+        for (int c = 0; c < 3; ++c)
+            lanes.acc[c][k] = 0.0;
+    }
+    for (std::int32_t i = 0; i < setup.lightCount; ++i)
+        AddLight(setup, setup.lights[i], n, lanes);
+    StoreBytes(setup, n, lanes, out);
+}

@@ -1,0 +1,39 @@
+// The ambient and diffuse shading of a piece of a row of a layer with one
+// colour: the bytes the pixel-by-pixel rule stores, worked out for a whole
+// piece at once in a kernel the compiler turns into vector code. No two
+// pixels on a shape's curved parts share a normal, so there is nothing to
+// remember from one pixel to the next, only arithmetic to do.
+#ifndef TAMERISK_ENGINE_SHADING_DIFFUSE_ROWS_H
+#define TAMERISK_ENGINE_SHADING_DIFFUSE_ROWS_H
+
+#include <cstdint>
+
+#include <tamerisk/attribute.h>
+
+inline constexpr std::int32_t kFZDiffusePiece = 64;
+
+// One directional light as the shading sees it.
+struct FZDiffuseLight {
+    FZPackedVector direction;
+    float color[3] = {0.0f, 0.0f, 0.0f};
+};
+
+// What stays the same over the layer.
+struct FZDiffuseSetup {
+    const FZDiffuseLight* lights = nullptr;
+    std::int32_t lightCount = 0;
+    float diffuse = 0.0f;
+    float ambient = 0.0f;
+    float color[3] = {0.0f, 0.0f, 0.0f};  // the surface colour, R, G, B
+};
+
+// The bytes, red, green, blue, of n pixels (at most kFZDiffusePiece) with
+// the given normals.
+struct FZDiffuseBytes {
+    std::int32_t rgb[3][kFZDiffusePiece];
+};
+
+void ShadeDiffusePiece(const FZDiffuseSetup& setup, const FZPackedVector* normals, std::int32_t n,
+                       FZDiffuseBytes& out);
+
+#endif
