@@ -1,10 +1,10 @@
 // Where the view, refracted at the surface of a transparent layer, meets
-// the plane z = 0 behind it, for a piece of a row at once. No two pixels of
-// a shape's curved parts share a normal, so nothing is remembered from pixel
-// to pixel: the refraction of each is worked out in one straight run of
-// arithmetic, the same float and double operations in the same order as
-// FZPackedVector::Refract, and the scattered reads of the image behind come
-// afterwards.
+// the plane z = 0 behind it, for a piece of a row at once, in kernels the
+// compiler turns into vector code. No two pixels of a shape's curved parts
+// share a normal, so nothing is remembered from pixel to pixel: each lane
+// refracts one pixel's view with the float and double operations of
+// FZPackedVector::Refract, in the same order, and the scattered reads of the
+// image behind come afterwards.
 #ifndef TAMERISK_ENGINE_REFRACTION_ROWS_H
 #define TAMERISK_ENGINE_REFRACTION_ROWS_H
 
@@ -33,12 +33,12 @@ struct FZRefractionPiece {
 inline constexpr std::int32_t kFZRefractionPiece = 64;
 
 // Where the pixels' rays land, in frame coordinates; lands[k] is 0 where a
-// ray never reaches the plane (total internal reflection, a ray parallel
+// ray never reaches the plane, 1 where it does (total internal reflection, a ray parallel
 // to it).
 struct FZLandingPoints {
     float sx[kFZRefractionPiece];
     float sy[kFZRefractionPiece];
-    std::int32_t lands[kFZRefractionPiece];
+    float lands[kFZRefractionPiece];
 };
 
 // normals and depths are the layer row's, from pixel 0; a null normals row
