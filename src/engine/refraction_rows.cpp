@@ -8,14 +8,10 @@ namespace {
 
 constexpr double kScale = FZPackedVector::kScale;
 
-// Every float of the arithmetic is held in a double lane and rounded to
-// float after each operation. For + - * / and square roots that gives
-// exactly the float result (double has more than twice float's precision
-// plus two bits, so rounding twice cannot differ from rounding once), and
-// it keeps the loops in one lane width, which GCC vectorises.
+// Floats in double lanes (see row_kernel.h).
 inline double F(double v)
 {
-    return static_cast<double>(static_cast<float>(v));
+    return FZAsFloat(v);
 }
 
 // The unpacking of FZPackedVector::GetFloats.

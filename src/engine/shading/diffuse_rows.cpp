@@ -4,14 +4,10 @@
 
 namespace {
 
-// Every float of the arithmetic is held in a double lane and rounded to
-// float after each operation. For + - * / that gives exactly the float
-// result (double has more than twice float's precision plus two bits, so
-// rounding twice cannot differ from rounding once), and it keeps the loop in
-// one lane width, which GCC vectorises.
+// Floats in double lanes (see row_kernel.h).
 inline double F(double v)
 {
-    return static_cast<double>(static_cast<float>(v));
+    return FZAsFloat(v);
 }
 
 struct Lanes {
