@@ -11,17 +11,6 @@
 #define TAMERISK_ROW_KERNEL __attribute__((target_clones("avx512f", "avx2", "default")))
 #else
 #define TAMERISK_ROW_KERNEL
-// Kernels that mix float and double arithmetic hold every float in a
-// double lane and round it to float after each operation: FZAsFloat(a op b)
-// for floats a and b is exactly the float result of + - * / and square
-// roots (double has more than twice float's precision plus two bits, so
-// rounding twice cannot differ from rounding once), and the loop keeps one
-// lane width, which GCC vectorises where a mix of widths defeats it.
-inline double FZAsFloat(double v)
-{
-    return static_cast<double>(static_cast<float>(v));
-}
-
 #endif
 
 // Kernels that mix float and double arithmetic hold every float in a
