@@ -102,6 +102,9 @@ FZResult CPreviewPanel::MakeSample(std::int32_t n)
     if (const FZResult added = scene->AddFullFrameLayer(); added != FZResult::Ok)
         return added;
     FZLayer* sample = scene->LayerAt(sampleIndex);
+    // A scene whose ground someone removed holds the new layer elsewhere.
+    if (sample == nullptr)
+        return FZResult::NoData;
     sample->SetColorSource(source);
     sample->SetMaterial(material);
     DrawSampleShape(*sample, n, static_cast<float>(w * 0.5), static_cast<float>(h * 0.5), r);
