@@ -27,7 +27,8 @@ TEST(SettingsFile, ReadsLikeAPrivateProfileAndWritesOnlyItsKeys)
     WriteSettings("[Other]\nTop=3\n[window]\r\n top = 12px\nLeft=abc\nDisplay=+7\n[More]\nName=kept\n");
     EXPECT_EQ(Values(ReadWindowSettings(SettingsFilePath())), (std::vector{12, 0, 7}));
     ASSERT_TRUE(WriteWindowSettings(SettingsFilePath(), {40, -50, 1}));
-    EXPECT_EQ(ReadSettings(), "[Other]\nTop=3\n[window]\nTop=40\nLeft=-50\nDisplay=1\n[More]\nName=kept\n");
+    // Even its line ends stay as they were.
+    EXPECT_EQ(ReadSettings(), "[Other]\nTop=3\n[window]\r\nTop=40\nLeft=-50\nDisplay=1\n[More]\nName=kept\n");
     WriteSettings("[Window]\nTop=99999999999999999999\nLeft=-99999999999\n");
     EXPECT_EQ(Values(ReadWindowSettings(SettingsFilePath())), (std::vector{INT_MAX, INT_MIN, 0}));
 
