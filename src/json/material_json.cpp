@@ -2,11 +2,14 @@
 
 #include <QFile>
 
+#include <fcntl.h>
 #include <locale.h>
+#include <unistd.h>
 #include <stdlib.h>
 
 #include <charconv>
 #include <cinttypes>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -350,7 +353,7 @@ QByteArray WithoutByteOrderMark(const QByteArray& bytes)
 // Attribute files start with '<'; text whose first character (past white
 // space and a byte-order mark) could start a JSON value is read as JSON, so
 // that a wrong top level is reported as such rather than as a short file.
-bool LooksLikeJson(const QByteArray& bytes)
+bool StartsLikeJson(const QByteArray& bytes)
 {
     for (const char c : WithoutByteOrderMark(bytes)) {
         if (c != ' ' && c != '\t' && c != '\n' && c != '\r')
@@ -371,6 +374,25 @@ std::string PlaceOfFirstValue(const QByteArray& text)
         line += c == '\n' ? 1 : 0;
     }
     return "line " + std::to_string(line) + ", column " + std::to_string(column);
+}
+
+// 0 once limit bytes are read or the end is reached, else the errno.
+int ReadUpTo(int fd, qint64 limit, QByteArray& bytes)
+{
+    bytes.resize(limit);
+    qint64 got = 0;
+    while (got < limit) {
+        const ssize_t n = ::read(fd, bytes.data() + got, static_cast<std::size_t>(limit - got));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0)
+            return errno;
+        if (n == 0)
+            break;
+        got += n;
+    }
+    bytes.resize(got);
+    return 0;
 }
 
 const char* KindName(JsonValue::Kind kind)
@@ -428,7 +450,7 @@ FZResult MaterialFromJson(const QByteArray& text, FZAttributeEx& record, QString
 FZResult ParseMaterial(const QByteArray& bytes, FZAttributeEx& record, QString& message, int* version,
                   const QString& source)
 {
-    if (!LooksLikeJson(bytes)) {
+    if (!StartsLikeJson(bytes)) {
         const FZResult rc = LoadAttributeBytes(bytes.constData(), static_cast<std::size_t>(bytes.size()), record, version);
         if (rc != FZResult::Ok)
             message = ResultText(rc, source);
@@ -445,21 +467,43 @@ FZResult ParseMaterial(const QByteArray& bytes, FZAttributeEx& record, QString& 
     return FZResult::Ok;
 }
 
-FZResult LoadMaterial(const QString& path, FZAttributeEx& record, QString& message, int* version)
+bool LooksLikeJson(const QByteArray& bytes)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        message = ResultText(FZResult::OpenFailed, path, file.errorString());
-        return FZResult::OpenFailed;
-    }
+    return StartsLikeJson(bytes);
+}
+
+FZResult ReadMaterial(int fd, FZAttributeEx& record, QString& message, int* version, const QString& source)
+{
     // An attribute file needs far less than this, and so does any material
     // written as JSON.
-    const QByteArray bytes = file.read(kMaxJsonBytes + 1);
-    if (bytes.size() > kMaxJsonBytes && LooksLikeJson(bytes)) {
-        message = ResultText(FZResult::TooLarge, path, "larger than 1 MiB");
+    QByteArray bytes;
+    if (const int error = ReadUpTo(fd, kMaxJsonBytes + 1, bytes)) {
+        message = ResultText(FZResult::ReadFailed, source, QString::fromLocal8Bit(std::strerror(error)));
+        return FZResult::ReadFailed;
+    }
+    if (bytes.size() > kMaxJsonBytes && StartsLikeJson(bytes)) {
+        message = ResultText(FZResult::TooLarge, source, "larger than 1 MiB");
         return FZResult::TooLarge;
     }
-    return ParseMaterial(bytes, record, message, version, path);
+    return ParseMaterial(bytes, record, message, version, source);
+}
+
+FZResult LoadMaterial(const QByteArray& path, FZAttributeEx& record, QString& message, int* version)
+{
+    const QString name = QFile::decodeName(path);
+    const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        message = ResultText(FZResult::OpenFailed, name, QString::fromLocal8Bit(std::strerror(errno)));
+        return FZResult::OpenFailed;
+    }
+    const FZResult rc = ReadMaterial(fd, record, message, version, name);
+    ::close(fd);
+    return rc;
+}
+
+FZResult LoadMaterial(const QString& path, FZAttributeEx& record, QString& message, int* version)
+{
+    return LoadMaterial(QFile::encodeName(path), record, message, version);
 }
 
 QString ResultText(FZResult code, const QString& source, const QString& detail)
