@@ -135,12 +135,10 @@ int SaveHoldingSignals(const QByteArray& path, const FZAttributeEx& record)
     pthread_sigmask(SIG_BLOCK, &held, &old);
     std::string reason;
     const FZResult rc = SaveAttributeFile(path.constData(), record, &reason);
-    sigset_t pending;
-    if (rc == FZResult::Ok && sigpending(&pending) == 0) {
-        for (const int sig : kHeld) {
-            if (sigismember(&pending, sig))
-                std::signal(sig, SIG_IGN);  // the work is done; ending now would only hide that
-        }
+    if (rc == FZResult::Ok) {
+        // The work is done; ending by the signal now would only hide that.
+        for (const int sig : kHeld)
+            std::signal(sig, SIG_IGN);
     }
     const int status = rc == FZResult::Ok
                            ? 0
