@@ -19,6 +19,7 @@
 
 #include "json/json_value.h"
 #include "material/attribute_file.h"
+#include "material/bounded_read.h"
 #include "material/result_codes.h"
 
 namespace {
@@ -376,25 +377,6 @@ std::string PlaceOfFirstValue(const QByteArray& text)
     return "line " + std::to_string(line) + ", column " + std::to_string(column);
 }
 
-// 0 once limit bytes are read or the end is reached, else the errno.
-int ReadUpTo(int fd, qint64 limit, QByteArray& bytes)
-{
-    bytes.resize(limit);
-    qint64 got = 0;
-    while (got < limit) {
-        const ssize_t n = ::read(fd, bytes.data() + got, static_cast<std::size_t>(limit - got));
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n < 0)
-            return errno;
-        if (n == 0)
-            break;
-        got += n;
-    }
-    bytes.resize(got);
-    return 0;
-}
-
 const char* KindName(JsonValue::Kind kind)
 {
     switch (kind) {
@@ -476,11 +458,12 @@ FZResult ReadMaterial(int fd, FZAttributeEx& record, QString& message, int* vers
 {
     // An attribute file needs far less than this, and so does any material
     // written as JSON.
-    QByteArray bytes;
-    if (const int error = ReadUpTo(fd, kMaxJsonBytes + 1, bytes)) {
+    std::string read;
+    if (const int error = ReadAtMost(fd, kMaxJsonBytes + 1, read)) {
         message = ResultText(FZResult::ReadFailed, source, QString::fromLocal8Bit(std::strerror(error)));
         return FZResult::ReadFailed;
     }
+    const QByteArray bytes = QByteArray::fromStdString(read);
     if (bytes.size() > kMaxJsonBytes && StartsLikeJson(bytes)) {
         message = ResultText(FZResult::TooLarge, source, "larger than 1 MiB");
         return FZResult::TooLarge;

@@ -1,5 +1,7 @@
 #include "material/file_replace.h"
 
+#include "material/bounded_read.h"
+
 #include <dirent.h>
 #include <fcntl.h>
 #include <signal.h>
@@ -361,22 +363,15 @@ FileWriteResult WriteBeside(const Target& target, const unsigned char* data, std
     return {};
 }
 
-// Whether the file at fd holds exactly the bytes.
+// Whether the file at fd (read from its start) holds exactly the bytes.
 int CheckContent(int fd, const unsigned char* data, std::size_t size)
 {
-    std::vector<unsigned char> back(size + 1);
-    std::size_t got = 0;
-    while (got < back.size()) {
-        const ssize_t n = ::pread(fd, back.data() + got, back.size() - got, static_cast<off_t>(got));
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n < 0)
-            return errno;
-        if (n == 0)
-            break;
-        got += static_cast<std::size_t>(n);
-    }
-    return got == size && std::memcmp(back.data(), data, size) == 0 ? 0 : EIO;
+    std::string back;
+    if (::lseek(fd, 0, SEEK_SET) != 0)
+        return errno;
+    if (const int error = ReadAtMost(fd, size + 1, back))
+        return error;
+    return back.size() == size && std::memcmp(back.data(), data, size) == 0 ? 0 : EIO;
 }
 
 // What can be known before the first byte of the file changes: the size
