@@ -111,6 +111,8 @@ def settings_seeds():
         "not-utf8.ini": b"[\xff\xfe]\nName=\x80\x81\n[Window]\nTop=99999999999999999999\nLeft=-99999999999",
         "no-section.ini": b"Top=5\n[]\nTop=6\n[LargePreview]",
         "empty.ini": b"",
+        # A lone carriage return ends no line; the last line keeps it.
+        "last-line-cr.ini": b"[W]\r\n[]\r\nTop=5\r\r",
     }
 
 

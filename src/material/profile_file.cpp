@@ -1,5 +1,7 @@
 #include "material/profile_file.h"
 
+#include "material/bounded_read.h"
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -47,10 +49,13 @@ bool IsKeyLine(std::string_view line, std::string_view key)
     return equals != std::string_view::npos && SameName(Trimmed(line.substr(0, equals)), key);
 }
 
+// A line end is "\n" or "\r\n"; a lone '\r' is part of the line, so that a
+// last line reads the same once it is given its line end.
 std::string_view WithoutLineEnd(std::string_view line)
 {
-    if (!line.empty() && line.back() == '\n')
-        line.remove_suffix(1);
+    if (line.empty() || line.back() != '\n')
+        return line;
+    line.remove_suffix(1);
     if (!line.empty() && line.back() == '\r')
         line.remove_suffix(1);
     return line;
@@ -78,21 +83,11 @@ FileWriteResult ReadOpenProfile(int fd, ProfileText& text)
     if (static_cast<std::uint64_t>(st.st_size) > kMaxProfileBytes)
         return Refused(FZResult::TooLarge, tooLarge);
     // The file may grow while it is read; no more than the limit is taken.
-    std::string bytes(kMaxProfileBytes + 1, '\0');
-    std::size_t got = 0;
-    while (got < bytes.size()) {
-        const ssize_t n = ::pread(fd, bytes.data() + got, bytes.size() - got, static_cast<off_t>(got));
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n < 0)
-            return SystemFailure(FZResult::ReadFailed, errno);
-        if (n == 0)
-            break;
-        got += static_cast<std::size_t>(n);
-    }
-    if (got > kMaxProfileBytes)
+    std::string bytes;
+    if (const int error = ReadAtMost(fd, kMaxProfileBytes + 1, bytes))
+        return SystemFailure(FZResult::ReadFailed, error);
+    if (bytes.size() > kMaxProfileBytes)
         return Refused(FZResult::TooLarge, tooLarge);
-    bytes.resize(got);
     if (bytes.find('\0') != std::string::npos)
         return Refused(FZResult::BadFormat, "it holds a NUL byte, so it is not a settings file");
     text = ProfileText(bytes);
@@ -115,9 +110,11 @@ public:
             ::close(fd_);
     }
 
+    // Each attempt after the first means another host finished an update
+    // meanwhile, so the bound is only met when the file changes without end.
     FileWriteResult Lock()
     {
-        for (int attempt = 0; attempt < 100; ++attempt) {
+        for (int attempt = 0; attempt < 10000; ++attempt) {
             FileWriteResult opened = Open();
             if (!opened.Ok())
                 return opened;

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <climits>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -142,12 +143,16 @@ TEST_F(ProfileFileTest, HostsUpdatingAtOnceKeepEachOthersKeys)
     for (int h = 0; h < kHosts; ++h) {
         children[h] = ::fork();
         if (children[h] == 0) {
-            bool ok = true;
-            for (int i = 1; i <= kUpdates; ++i)
-                ok = ok && UpdateProfileFile(path.c_str(), [&](ProfileText& t) {
-                               t.Set("Hosts", "Host" + std::to_string(h), std::to_string(i));
-                           }).Ok();
-            ::_exit(ok ? 0 : 1);
+            for (int i = 1; i <= kUpdates; ++i) {
+                const FileWriteResult updated = UpdateProfileFile(path.c_str(), [&](ProfileText& t) {
+                    t.Set("Hosts", "Host" + std::to_string(h), std::to_string(i));
+                });
+                if (!updated.Ok()) {
+                    std::fprintf(stderr, "host %d, update %d: %s\n", h, i, updated.reason.c_str());
+                    ::_exit(1);
+                }
+            }
+            ::_exit(0);
         }
     }
     for (const pid_t child : children) {
