@@ -398,13 +398,13 @@ FileWriteResult WriteInPlace(const Target& target, const unsigned char* data, st
     int error = ::fstat(fd, &st) != 0 ? errno : 0;
     if (error == 0 && (st.st_dev != target.st.st_dev || st.st_ino != target.st.st_ino))
         error = EAGAIN;  // replaced by another file since it was checked
-    if (error == 0)
-        error = ReserveInPlace(fd, size);
     if (error != 0) {
         ::close(fd);
         return Failure(FZResult::OpenFailed, error);
     }
-    error = WriteAllAt(fd, data, size, 0);
+    error = ReserveInPlace(fd, size);
+    if (error == 0)
+        error = WriteAllAt(fd, data, size, 0);
     if (error == 0 && ::ftruncate(fd, static_cast<off_t>(size)) != 0)
         error = errno;
     if (error == 0 && ::fsync(fd) != 0)

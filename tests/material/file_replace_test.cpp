@@ -121,6 +121,20 @@ TEST_F(FileReplaceTest, TheNewFileKeepsOwnerModeAttributesAndHardLinks)
         EXPECT_EQ(fs::hard_link_count(target), 2u);
     }
     EXPECT_EQ(Entries(dir), 2u);
+
+    // In place, what would not fit is refused before a byte changes.
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{50, 50};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        const FileWriteResult written = ReplaceFile(target.c_str(), std::string(100, 'x').data(), 100);
+        ::_exit(written.code == FZResult::WriteFailed && written.reason == std::strerror(EFBIG) ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(ReadAll(other), "short");
 }
 
 TEST_F(FileReplaceTest, SpecialFilesAndBrokenLinksAreRefusedAndStayAsTheyWere)
