@@ -113,6 +113,7 @@ def settings_seeds():
         "empty.ini": b"",
         # A lone carriage return ends no line; the last line keeps it.
         "last-line-cr.ini": b"[W]\r\n[]\r\nTop=5\r\r",
+        "last-line-cr-lf-file.ini": b"[W]\n[]\nTop=5\r",
     }
 
 

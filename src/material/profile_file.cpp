@@ -228,10 +228,13 @@ std::string ProfileText::LineEnd() const
     return "\n";
 }
 
+// Only the last line can lack its line end. One that ends in '\r' keeps
+// it as text, followed by "\r\n": '\n' alone would make it a line end.
 void ProfileText::EndLastLine()
 {
-    if (!lines_.empty() && lines_.back().back() != '\n')
-        lines_.back() += LineEnd();
+    if (lines_.empty() || lines_.back().back() == '\n')
+        return;
+    lines_.back() += lines_.back().back() == '\r' ? std::string("\r\n") : LineEnd();
 }
 
 void ProfileText::Set(std::string_view section, std::string_view key, std::string_view value)
@@ -249,9 +252,7 @@ void ProfileText::Set(std::string_view section, std::string_view key, std::strin
         lines_.push_back("[" + std::string(section) + "]" + end);
         place.sectionEnd = static_cast<std::ptrdiff_t>(lines_.size());
     }
-    std::string& before = lines_[static_cast<std::size_t>(place.sectionEnd - 1)];
-    if (before.back() != '\n')
-        before += end;
+    EndLastLine();
     lines_.insert(lines_.begin() + place.sectionEnd, entry + end);
 }
 

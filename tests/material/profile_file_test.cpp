@@ -60,6 +60,7 @@ TEST(ProfileText, SettingAKeyChangesOnlyItsLine)
         {"; \xff\xfe not UTF-8\n[A]\nk=\x80\n", "Window", "Top", "; \xff\xfe not UTF-8\n[A]\nk=\x80\n[Window]\nTop=7\n"},
         {"[Window]\nLeft=1", "Window", "Top", "[Window]\nLeft=1\nTop=7\n"},
         {"[A]\nx=1", "B", "y", "[A]\nx=1\n[B]\ny=7\n"},
+        {"[A]\nx=1\r", "B", "y", "[A]\nx=1\r\r\n[B]\ny=7\n"},  // a lone '\r' is text, and stays
         {"[Window]\nLeft=1\n\n[Other]\nTop=3\n", "Window", "Top", "[Window]\nLeft=1\nTop=7\n\n[Other]\nTop=3\n"},
         {"[W]\na=1\n[W]\nb=2\n", "W", "b", "[W]\na=1\nb=7\n[W]\nb=2\n"},  // the first section counts
         {"  [ Window ]  \n  Top  = 12px \n", "Window", "Top", "  [ Window ]  \nTop=7\n"},
