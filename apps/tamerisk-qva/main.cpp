@@ -7,6 +7,11 @@
 #include <QFile>
 #include <QTextStream>
 
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdio>
 #include <string>
@@ -32,14 +37,18 @@ constexpr const char* kDescription =
     "and NaNs are the strings \"inf\", \"-inf\", \"nan\" or \"nan:0x\" and the\n"
     "8 hex digits of the NaN's bits.\n"
     "\n"
+    "write refuses to overwrite a file that holds JSON text (the arguments\n"
+    "the wrong way round) and to write the file it reads. File names are\n"
+    "taken as they are given, byte for byte.\n"
+    "\n"
     "On failure the exit status is 1 and the first line on standard error is\n"
     "\"error <code>: <message>\". The codes: -4 a wrong command line or a\n"
     "wrong value in the JSON, -5 a file that cannot be opened or a\n"
     "write-protected one, -6 a file that ends too early, -7 a file that\n"
     "cannot be written (the reason follows the file name), -8 neither an\n"
     "attribute file nor JSON, -9 an attribute file newer than version 10,\n"
-    "-10 a JSON file over 1 MiB. A file that cannot be written is left as it\n"
-    "was.";
+    "-10 JSON over 1 MiB (a file or standard input). A file that cannot be\n"
+    "written is left as it was.";
 
 int Fail(FZResult code, const QString& message)
 {
@@ -47,7 +56,7 @@ int Fail(FZResult code, const QString& message)
     return 1;
 }
 
-int Dump(const QString& path)
+int Dump(const QByteArray& path)
 {
     FZAttributeEx record;
     QString message;
@@ -62,31 +71,109 @@ int Dump(const QString& path)
     return 0;
 }
 
-// Reads the material from source ("-" for standard input).
-FZResult ReadSource(const QString& source, FZAttributeEx& record, QString& message)
+// Reads the material from source ("-" for standard input, with the same
+// 1 MiB limit as a file).
+FZResult ReadSource(const QByteArray& source, FZAttributeEx& record, QString& message)
 {
     if (source != "-")
         return LoadMaterial(source, record, message);
-    QFile in;
-    if (!in.open(stdin, QIODevice::ReadOnly)) {
-        message = ResultText(FZResult::OpenFailed, source, in.errorString());
-        return FZResult::OpenFailed;
-    }
-    return ParseMaterial(in.readAll(), record, message, nullptr, source);
+    return ReadMaterial(STDIN_FILENO, record, message, nullptr, "-");
 }
 
-int Write(const QString& path, const QString& source)
+bool SameFile(const QByteArray& path, const QByteArray& source)
 {
+    struct stat out;
+    struct stat in;
+    if (::stat(path.constData(), &out) != 0)
+        return false;
+    const int read = source == "-" ? ::fstat(STDIN_FILENO, &in) : ::stat(source.constData(), &in);
+    return read == 0 && in.st_dev == out.st_dev && in.st_ino == out.st_ino;
+}
+
+// Whether the existing file at path holds JSON text: a JSON file named
+// first, as "write m.json m.qva" would, is not overwritten.
+bool HoldsJson(const QByteArray& path)
+{
+    const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0)
+        return false;
+    struct stat st;
+    QByteArray start(4096, '\0');
+    ssize_t n = -1;
+    if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode))
+        n = ::read(fd, start.data(), static_cast<std::size_t>(start.size()));
+    ::close(fd);
+    return n > 0 && LooksLikeJson(start.left(n));
+}
+
+// Why path must not be written from source; 0 when it may be.
+int RefuseTarget(const QByteArray& path, const QByteArray& source)
+{
+    const QString name = QFile::decodeName(path);
+    if (SameFile(path, source))
+        return Fail(FZResult::BadParameter,
+                    ResultText(FZResult::BadParameter, name, "the file is both the input and the output"));
+    if (HoldsJson(path))
+        return Fail(FZResult::BadParameter,
+                    ResultText(FZResult::BadParameter, name,
+                               "the file holds JSON text and is left as it is (the attribute file comes "
+                               "first: tamerisk-qva write FILE.qva JSON)"));
+    return 0;
+}
+
+// Ctrl+C (or TERM, HUP) that comes while the file is replaced waits until
+// it is, so that the tool says what happened to the file: a file that was
+// written is reported written (status 0), one that was not says why.
+int SaveHoldingSignals(const QByteArray& path, const FZAttributeEx& record)
+{
+    static constexpr int kHeld[] = {SIGINT, SIGTERM, SIGHUP};
+    sigset_t held;
+    sigset_t old;
+    sigemptyset(&held);
+    for (const int sig : kHeld)
+        sigaddset(&held, sig);
+    pthread_sigmask(SIG_BLOCK, &held, &old);
+    std::string reason;
+    const FZResult rc = SaveAttributeFile(path.constData(), record, &reason);
+    if (rc == FZResult::Ok) {
+        // The work is done; ending by the signal now would only hide that.
+        for (const int sig : kHeld)
+            std::signal(sig, SIG_IGN);
+    }
+    const int status = rc == FZResult::Ok
+                           ? 0
+                           : Fail(rc, ResultText(rc, QFile::decodeName(path), QString::fromLocal8Bit(reason)));
+    pthread_sigmask(SIG_SETMASK, &old, nullptr);
+    return status;
+}
+
+int Write(const QByteArray& path, const QByteArray& source)
+{
+    if (const int refused = RefuseTarget(path, source))
+        return refused;
     FZAttributeEx record;
     QString message;
     const FZResult parsed = ReadSource(source, record, message);
     if (parsed != FZResult::Ok)
         return Fail(parsed, message);
-    std::string reason;
-    const FZResult rc = SaveAttributeFile(QFile::encodeName(path).constData(), record, &reason);
-    if (rc != FZResult::Ok)
-        return Fail(rc, ResultText(rc, path, QString::fromLocal8Bit(reason)));
-    return 0;
+    return SaveHoldingSignals(path, record);
+}
+
+// The operands as the system passed them: file names are bytes and need not
+// be UTF-8, which QStringList would not keep. The parser has checked the
+// options; "--" ends them.
+QList<QByteArray> Operands(int argc, char** argv)
+{
+    QList<QByteArray> operands;
+    bool options = true;
+    for (int i = 1; i < argc; ++i) {
+        const QByteArray arg(argv[i]);
+        if (options && arg == "--")
+            options = false;
+        else if (!options || arg == "-" || !arg.startsWith('-'))
+            operands << arg;
+    }
+    return operands;
 }
 
 }  // namespace
@@ -109,8 +196,8 @@ int main(int argc, char** argv)
     if (parser.isSet("help"))
         parser.showHelp(0);
 
-    const QStringList args = parser.positionalArguments();
-    const QString command = args.value(0);
+    const QList<QByteArray> args = Operands(argc, argv);
+    const QByteArray command = args.value(0);
     if (command == "dump" && args.size() == 2)
         return Dump(args[1]);
     if (command == "write" && (args.size() == 2 || args.size() == 3))

@@ -61,30 +61,41 @@ Encoded EncodeImage(const FZImage& image, Format format, std::vector<std::uint8_
     }
 }
 
+enum class Written { Yes, Stopped, Failed };
+
 // Writes the whole image or nothing: a failed write leaves the old file as
 // it was and no temporary file behind.
 // Nothing is written once Ctrl+C was pressed, which may also stop the
-// encoding half-way.
-bool WriteImage(const FZImage& image, const QString& path, Format format, QString& error)
+// encoding half-way; Ctrl+C during the write itself lets it finish, and the
+// picture then counts as written.
+Written WriteImage(const FZImage& image, const QString& path, Format format, QString& error)
 {
     std::vector<std::uint8_t> bytes;
     const Encoded encoded = EncodeImage(image, format, bytes);
     if (Progress::Interrupted())
-        return true;
+        return Written::Stopped;
     if (encoded == Encoded::OutOfMemory) {
         error = QStringLiteral("out of memory for a picture of %1 x %2 pixels").arg(image.width).arg(image.height);
-        return false;
+        return Written::Failed;
     }
     if (encoded == Encoded::Failed) {
         error = QStringLiteral("cannot encode the image for '%1'").arg(path);
-        return false;
+        return Written::Failed;
     }
     const FileWriteResult written = ReplaceFile(QFile::encodeName(path).constData(), bytes.data(), bytes.size());
     if (!written.Ok()) {
         error = QStringLiteral("cannot write '%1': %2").arg(path, QString::fromLocal8Bit(written.reason));
-        return false;
+        return Written::Failed;
     }
-    return true;
+    return Written::Yes;
+}
+
+// What Ctrl+C left: whether the picture being made when it came was written.
+int Stopped(Progress& progress, bool pictureWritten)
+{
+    progress.Say(pictureWritten ? QStringLiteral("interrupted; the last picture was written")
+                                : QStringLiteral("interrupted; the picture in progress was not written"));
+    return kInterrupted;
 }
 
 // The preview's frame with the sample shape built and the material on it;
@@ -143,10 +154,13 @@ int RunSingle(const Options& options, Progress& progress)
     CPreviewPanel panel;
     // One shading and one render: the material goes on with the set-up.
     const FZImage* frame = SetUp(options, panel, material, error) ? Frame(panel, error) : nullptr;
-    const bool done = frame != nullptr && WriteImage(*frame, options.output, options.format, error);
+    const Written done = frame != nullptr ? WriteImage(*frame, options.output, options.format, error) : Written::Failed;
+    // A picture that was written is reported so, whenever Ctrl+C came.
+    if (done == Written::Yes)
+        return 0;
     if (Progress::Interrupted())
-        return kInterrupted;
-    if (!done) {
+        return Stopped(progress, false);
+    if (done == Written::Failed) {
         progress.Say(error);
         return kRunError;
     }
@@ -161,18 +175,18 @@ QString BatchTarget(const Options& options, const QString& file)
     return QDir(options.outputDir).filePath(name + QStringLiteral(".png"));
 }
 
-// One picture of the batch; false with a message.
-bool RenderOne(const Options& options, CPreviewPanel& panel, const QString& file, const QString& target,
+// One picture of the batch; a message when it failed.
+Written RenderOne(const Options& options, CPreviewPanel& panel, const QString& file, const QString& target,
                QString& error)
 {
     FZAttributeEx material;
     const FZResult loaded = LoadMaterial(file, material, error);
     if (loaded != FZResult::Ok) {
         error = ErrorLine(loaded, error);
-        return false;
+        return Written::Failed;
     }
     const FZImage* frame = Render(options, panel, material, error);
-    return frame != nullptr && WriteImage(*frame, target, Format::Png, error);
+    return frame != nullptr ? WriteImage(*frame, target, Format::Png, error) : Written::Failed;
 }
 
 int RunBatch(const Options& options, Progress& progress)
@@ -185,32 +199,32 @@ int RunBatch(const Options& options, Progress& progress)
     CPreviewPanel panel;
     progress.Start(0, QStringLiteral("(the frame and the shape)"));
     if (!SetUp(options, panel, FZAttributeEx(), error)) {
+        if (Progress::Interrupted())
+            return Stopped(progress, false);
         progress.Say(error);
-        return Progress::Interrupted() ? kInterrupted : kRunError;
+        return kRunError;
     }
     int failed = 0;
     // Two materials of the same name would make the same image.
     QHash<QString, QString> made;
-    for (int i = 0; i < options.files.size() && !Progress::Interrupted(); ++i) {
+    for (int i = 0; i < options.files.size(); ++i) {
         const QString& file = options.files[i];
         const QString target = BatchTarget(options, file);
         progress.Start(i, target);
-        bool ok = false;
+        Written done = Written::Failed;
         if (made.contains(target))
             error = QStringLiteral("'%1': its image '%2' is already made from '%3'").arg(file, target, made[target]);
         else
-            ok = RenderOne(options, panel, file, target, error);
-        if (Progress::Interrupted())
-            break;
-        if (ok) {
+            done = RenderOne(options, panel, file, target, error);
+        if (done == Written::Yes)
             made.insert(target, file);
-        } else {
+        if (Progress::Interrupted())
+            return Stopped(progress, done == Written::Yes);
+        if (done == Written::Failed) {
             progress.Say(error);
             ++failed;
         }
     }
-    if (Progress::Interrupted())
-        return kInterrupted;
     return failed == 0 ? 0 : kRunError;
 }
 
@@ -245,7 +259,5 @@ int main(int argc, char** argv)
     } catch (const std::bad_alloc&) {
         progress.Say(QString::fromUtf8(ResultMessage(FZResult::OutOfMemory)));
     }
-    if (status == kInterrupted)
-        progress.Say(QStringLiteral("interrupted; the picture in progress was not written"));
     return status;
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <optional>
+#include <string>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -12,7 +14,7 @@
 #include <QWidget>
 #include <QWindow>
 
-#include "material/file_replace.h"
+#include "material/profile_file.h"
 
 namespace {
 
@@ -39,54 +41,16 @@ std::int64_t ClampToInt(std::int64_t v)
                                     std::numeric_limits<int>::max());
 }
 
-// Reads an integer the way private-profile files are read: leading blanks, an
-// optional sign, then decimal digits up to the first other character. Text
-// without digits reads as 0; values beyond the int range saturate, so a
-// hand-edited file can never overflow the placement arithmetic.
-int ParseProfileInt(const QString& text)
+// The file's text; empty, with a warning that names the file and the
+// reason, when it cannot be read or is refused (too large, not text).
+ProfileText ReadProfile(const QString& filePath)
 {
-    const QString s = text.trimmed();
-    qsizetype i = 0;
-    bool negative = false;
-    if (i < s.size() && (s[i] == u'-' || s[i] == u'+'))
-        negative = s[i++] == u'-';
-    std::int64_t value = 0;
-    for (; i < s.size() && s[i] >= u'0' && s[i] <= u'9'; ++i)
-        value = std::min<std::int64_t>(value * 10 + (s[i].unicode() - u'0'), INT64_C(1) << 40);
-    return static_cast<int>(ClampToInt(negative ? -value : value));
-}
-
-// The file's lines without their line ends; none when it cannot be read.
-QStringList ReadLines(const QString& filePath)
-{
-    QFile file(filePath);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
-    for (QString& line : lines) {
-        if (line.endsWith(u'\r'))
-            line.chop(1);
-    }
-    if (!lines.isEmpty() && lines.last().isEmpty())
-        lines.removeLast();
-    return lines;
-}
-
-// Whether line opens a section, and whether that section is the one named.
-// Names and keys compare without regard to case, as in private-profile files.
-bool OpensSection(const QString& line, const QString& section, bool& isThatSection)
-{
-    const QString t = line.trimmed();
-    if (!t.startsWith(u'[') || !t.endsWith(u']'))
-        return false;
-    isThatSection = t.mid(1, t.size() - 2).trimmed().compare(section, Qt::CaseInsensitive) == 0;
-    return true;
-}
-
-bool IsKeyLine(const QString& line, const QString& key)
-{
-    const qsizetype equals = line.indexOf(u'=');
-    return equals >= 0 && line.left(equals).trimmed().compare(key, Qt::CaseInsensitive) == 0;
+    ProfileText text;
+    const FileWriteResult read = ReadProfileFile(QFile::encodeName(filePath).constData(), text);
+    if (!read.Ok())
+        qWarning("Tamerisk: the settings file %s is not read: %s", qPrintable(filePath),
+                 qPrintable(QString::fromLocal8Bit(read.reason)));
+    return text;
 }
 
 // A key of a section of the file.
@@ -95,74 +59,36 @@ struct Key {
     const QString& name;
 };
 
-// The line of the key (-1 when missing), and where a new key of its section
-// would go (-1 when the section is missing).
-struct KeyPlace {
-    qsizetype line = -1;
-    qsizetype sectionEnd = -1;
-};
-
-KeyPlace FindKey(const QStringList& lines, Key key)
-{
-    KeyPlace place;
-    bool inSection = false;
-    for (qsizetype i = 0; i < lines.size(); ++i) {
-        if (OpensSection(lines[i], key.section, inSection)) {
-            if (inSection && place.sectionEnd < 0)
-                place.sectionEnd = i + 1;
-        } else if (inSection && IsKeyLine(lines[i], key.name)) {
-            place.line = i;
-            return place;
-        } else if (inSection && !lines[i].trimmed().isEmpty()) {
-            place.sectionEnd = i + 1;
-        }
-    }
-    return place;
-}
-
 // The key's value; fallback when the key is missing.
-int ReadKey(const QStringList& lines, Key key, int fallback = 0)
+int ReadKey(const ProfileText& text, Key key, int fallback = 0)
 {
-    const KeyPlace place = FindKey(lines, key);
-    if (place.line < 0)
-        return fallback;
-    const QString& line = lines[place.line];
-    return ParseProfileInt(line.mid(line.indexOf(u'=') + 1));
+    const std::optional<std::string> value = text.Value(key.section.toStdString(), key.name.toStdString());
+    return value ? ProfileInt(*value) : fallback;
 }
 
-// Sets the key: in place, else at the end of its section, which is added at
-// the end of the file when missing. Every other line of the file stays as
-// it was.
-void SetKey(QStringList& lines, Key key, int value)
+void SetKey(ProfileText& text, Key key, int value)
 {
-    const QString entry = key.name + u'=' + QString::number(value);
-    KeyPlace place = FindKey(lines, key);
-    if (place.line >= 0) {
-        lines[place.line] = entry;
-        return;
-    }
-    if (place.sectionEnd < 0) {
-        lines << u'[' + key.section + u']';
-        place.sectionEnd = lines.size();
-    }
-    lines.insert(place.sectionEnd, entry);
+    text.Set(key.section.toStdString(), key.name.toStdString(), std::to_string(value));
 }
 
-// Replaces the file by the lines as a whole (material/file_replace.h), so a
-// full disk never leaves it half written.
-bool WriteLines(const QString& filePath, const QStringList& lines, QString* reason)
+// Sets keys of the file under its lock and keeps every other byte of it;
+// the file is replaced as a whole (material/file_replace.h), so a full disk
+// never leaves it half written.
+bool UpdateKeys(const QString& filePath, std::initializer_list<std::pair<Key, int>> keys, QString* reason)
 {
-    const QByteArray text = (lines.join(u'\n') + u'\n').toUtf8();
-    const FileWriteResult written = ReplaceFile(QFile::encodeName(filePath).constData(),
-                                                text.constData(), static_cast<std::size_t>(text.size()));
+    const FileWriteResult written
+        = UpdateProfileFile(QFile::encodeName(filePath).constData(), [&keys](ProfileText& text) {
+              for (const auto& [key, value] : keys)
+                  SetKey(text, key, value);
+          });
     if (reason != nullptr)
         *reason = QString::fromLocal8Bit(written.reason);
     return written.Ok();
 }
 
-int PreviewSide(const QStringList& lines, const QString& key)
+int PreviewSide(const ProfileText& text, const QString& key)
 {
-    return std::clamp(ReadKey(lines, {kPreviewSection, key}, kDefaultPreviewSide), kMinPreviewSide,
+    return std::clamp(ReadKey(text, {kPreviewSection, key}, kDefaultPreviewSide), kMinPreviewSide,
                       kMaxPreviewSide);
 }
 
@@ -229,37 +155,36 @@ QString SettingsFilePath()
 
 WindowSettings ReadWindowSettings(const QString& filePath)
 {
-    const QStringList lines = ReadLines(filePath);
+    const ProfileText text = ReadProfile(filePath);
     WindowSettings settings;
-    settings.top = ReadKey(lines, {kWindowSection, kTopKey});
-    settings.left = ReadKey(lines, {kWindowSection, kLeftKey});
-    settings.display = ReadKey(lines, {kWindowSection, kDisplayKey});
+    settings.top = ReadKey(text, {kWindowSection, kTopKey});
+    settings.left = ReadKey(text, {kWindowSection, kLeftKey});
+    settings.display = ReadKey(text, {kWindowSection, kDisplayKey});
     return settings;
 }
 
 bool WriteWindowSettings(const QString& filePath, const WindowSettings& settings, QString* reason)
 {
-    QStringList lines = ReadLines(filePath);
-    SetKey(lines, {kWindowSection, kTopKey}, settings.top);
-    SetKey(lines, {kWindowSection, kLeftKey}, settings.left);
-    SetKey(lines, {kWindowSection, kDisplayKey}, settings.display);
-    return WriteLines(filePath, lines, reason);
+    return UpdateKeys(filePath,
+                      {{{kWindowSection, kTopKey}, settings.top},
+                       {{kWindowSection, kLeftKey}, settings.left},
+                       {{kWindowSection, kDisplayKey}, settings.display}},
+                      reason);
 }
 
 QSize ReadLargePreviewSize(const QString& filePath)
 {
-    const QStringList lines = ReadLines(filePath);
-    return {PreviewSide(lines, kWidthKey), PreviewSide(lines, kHeightKey)};
+    const ProfileText text = ReadProfile(filePath);
+    return {PreviewSide(text, kWidthKey), PreviewSide(text, kHeightKey)};
 }
 
 void WriteLargePreviewSize(const QString& filePath, QSize size)
 {
-    QStringList lines = ReadLines(filePath);
-    SetKey(lines, {kPreviewSection, kWidthKey}, size.width());
-    SetKey(lines, {kPreviewSection, kHeightKey}, size.height());
     QString reason;
     // Only a convenience is lost: the window opens at its default size.
-    if (!WriteLines(filePath, lines, &reason))
+    if (!UpdateKeys(filePath,
+                    {{{kPreviewSection, kWidthKey}, size.width()}, {{kPreviewSection, kHeightKey}, size.height()}},
+                    &reason))
         qWarning("Tamerisk: the large preview's size could not be saved to %s: %s", qPrintable(filePath),
                  qPrintable(reason));
 }

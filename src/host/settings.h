@@ -45,10 +45,13 @@ QString SettingsFilePathFor(const QString& executablePath);
 // executable.
 QString SettingsFilePath();
 
+// A file that cannot be read, or is refused as too large or not text
+// (material/profile_file.h), reads as empty, with a warning.
 WindowSettings ReadWindowSettings(const QString& filePath);
-// Sets the three keys and keeps every other line of the file. The file is
-// replaced as a whole (material/file_replace.h), so a full disk never leaves
-// it half written. False, with the system's reason, when it cannot be.
+// Sets the three keys and keeps every other byte of the file, under a lock
+// that other hosts' updates wait for. The file is replaced as a whole
+// (material/file_replace.h), so a full disk never leaves it half written. A
+// refused file is left as it is. False, with the reason, when it cannot be.
 bool WriteWindowSettings(const QString& filePath, const WindowSettings& settings, QString* reason = nullptr);
 
 // The size of the editor's large preview (its drawing area, in logical

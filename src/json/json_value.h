@@ -12,6 +12,16 @@
 struct JsonValue {
     enum class Kind { Null, Bool, Number, String, Array, Object };
 
+    // Defined where JsonValue is complete: a member vector of pairs that
+    // hold JsonValue cannot be built or destroyed inside the class itself
+    // (libstdc++ checks the pair's element types, and clang insists).
+    JsonValue();
+    JsonValue(const JsonValue&);
+    JsonValue(JsonValue&&) noexcept;
+    JsonValue& operator=(const JsonValue&);
+    JsonValue& operator=(JsonValue&&) noexcept;
+    ~JsonValue();
+
     Kind kind = Kind::Null;
     bool boolean = false;
     std::string text;  // a number as written, or a string's decoded UTF-8

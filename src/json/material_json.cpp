@@ -2,11 +2,14 @@
 
 #include <QFile>
 
+#include <fcntl.h>
 #include <locale.h>
+#include <unistd.h>
 #include <stdlib.h>
 
 #include <charconv>
 #include <cinttypes>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -16,6 +19,7 @@
 
 #include "json/json_value.h"
 #include "material/attribute_file.h"
+#include "material/bounded_read.h"
 #include "material/result_codes.h"
 
 namespace {
@@ -350,7 +354,7 @@ QByteArray WithoutByteOrderMark(const QByteArray& bytes)
 // Attribute files start with '<'; text whose first character (past white
 // space and a byte-order mark) could start a JSON value is read as JSON, so
 // that a wrong top level is reported as such rather than as a short file.
-bool LooksLikeJson(const QByteArray& bytes)
+bool StartsLikeJson(const QByteArray& bytes)
 {
     for (const char c : WithoutByteOrderMark(bytes)) {
         if (c != ' ' && c != '\t' && c != '\n' && c != '\r')
@@ -428,7 +432,7 @@ FZResult MaterialFromJson(const QByteArray& text, FZAttributeEx& record, QString
 FZResult ParseMaterial(const QByteArray& bytes, FZAttributeEx& record, QString& message, int* version,
                   const QString& source)
 {
-    if (!LooksLikeJson(bytes)) {
+    if (!StartsLikeJson(bytes)) {
         const FZResult rc = LoadAttributeBytes(bytes.constData(), static_cast<std::size_t>(bytes.size()), record, version);
         if (rc != FZResult::Ok)
             message = ResultText(rc, source);
@@ -445,21 +449,44 @@ FZResult ParseMaterial(const QByteArray& bytes, FZAttributeEx& record, QString& 
     return FZResult::Ok;
 }
 
-FZResult LoadMaterial(const QString& path, FZAttributeEx& record, QString& message, int* version)
+bool LooksLikeJson(const QByteArray& bytes)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        message = ResultText(FZResult::OpenFailed, path, file.errorString());
-        return FZResult::OpenFailed;
-    }
+    return StartsLikeJson(bytes);
+}
+
+FZResult ReadMaterial(int fd, FZAttributeEx& record, QString& message, int* version, const QString& source)
+{
     // An attribute file needs far less than this, and so does any material
     // written as JSON.
-    const QByteArray bytes = file.read(kMaxJsonBytes + 1);
-    if (bytes.size() > kMaxJsonBytes && LooksLikeJson(bytes)) {
-        message = ResultText(FZResult::TooLarge, path, "larger than 1 MiB");
+    std::string read;
+    if (const int error = ReadAtMost(fd, kMaxJsonBytes + 1, read)) {
+        message = ResultText(FZResult::ReadFailed, source, QString::fromLocal8Bit(std::strerror(error)));
+        return FZResult::ReadFailed;
+    }
+    const QByteArray bytes = QByteArray::fromStdString(read);
+    if (bytes.size() > kMaxJsonBytes && StartsLikeJson(bytes)) {
+        message = ResultText(FZResult::TooLarge, source, "larger than 1 MiB");
         return FZResult::TooLarge;
     }
-    return ParseMaterial(bytes, record, message, version, path);
+    return ParseMaterial(bytes, record, message, version, source);
+}
+
+FZResult LoadMaterial(const QByteArray& path, FZAttributeEx& record, QString& message, int* version)
+{
+    const QString name = QFile::decodeName(path);
+    const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        message = ResultText(FZResult::OpenFailed, name, QString::fromLocal8Bit(std::strerror(errno)));
+        return FZResult::OpenFailed;
+    }
+    const FZResult rc = ReadMaterial(fd, record, message, version, name);
+    ::close(fd);
+    return rc;
+}
+
+FZResult LoadMaterial(const QString& path, FZAttributeEx& record, QString& message, int* version)
+{
+    return LoadMaterial(QFile::encodeName(path), record, message, version);
 }
 
 QString ResultText(FZResult code, const QString& source, const QString& detail)

@@ -69,9 +69,22 @@ FZResult ParseMaterial(const QByteArray& bytes, FZAttributeEx& record, QString& 
 
 // ParseMaterial on the contents of the file at path. A file that cannot be
 // read gives -5, a JSON file over 1 MiB gives -10. Used by
-// `tamerisk-render --material PATH` and `tamerisk-qva write`.
+// `tamerisk-render --material PATH` and `tamerisk-qva write`. The path is
+// taken as the bytes the system names files by, so that a name need not be
+// UTF-8; the QString form encodes it as Qt does.
+FZResult LoadMaterial(const QByteArray& path, FZAttributeEx& record, QString& message, int* version = nullptr);
 FZResult LoadMaterial(const QString& path, FZAttributeEx& record, QString& message,
                  int* version = nullptr);
+
+// ParseMaterial on what can be read from fd (standard input, a pipe), with
+// the same 1 MiB limit for JSON; -6 when reading fails.
+FZResult ReadMaterial(int fd, FZAttributeEx& record, QString& message, int* version = nullptr,
+                      const QString& source = QString());
+
+// Whether bytes would be read as the JSON form rather than as an attribute
+// file: the first character past white space and a byte-order mark could
+// start a JSON value.
+bool LooksLikeJson(const QByteArray& bytes);
 
 // The code's message (material/result_codes.h), then source and detail when
 // given: "ﾌｧｲﾙを開けませんでした。 a.qva: No such file or directory".

@@ -7,6 +7,19 @@
 // failure the target is untouched and the new file is removed, so a full
 // disk or a failing device leaves the old file as it was, never an empty or
 // half-written one.
+//
+// The new file takes over what the old one had besides its bytes: the
+// permission bits, the owner and group (as far as the user may give them),
+// and the extended attributes, access control lists included. It is created
+// readable by its owner alone, so that nobody else can read it before it has
+// its final mode. A file with other hard links is written in place instead,
+// since renaming over it would split it from its other names; that write is
+// read back to check it.
+//
+// Paths are bytes: a name need not be UTF-8, and a name as long as the file
+// system allows can be saved (the new file's name is cut to fit beside it).
+// A new file left behind by a process that was killed while writing is
+// removed at the next write to the same name.
 #ifndef TAMERISK_MATERIAL_FILE_REPLACE_H
 #define TAMERISK_MATERIAL_FILE_REPLACE_H
 
@@ -25,11 +38,12 @@ struct FileWriteResult {
 };
 
 // Writes size bytes as the whole content of path, following a symbolic link
-// to the file it names. A file that exists and that the user may not write
-// (by its permission bits, even for root, as an editor would refuse it) is
-// refused with -5. The new file keeps the permission bits of the file it
-// replaces. -5 when no file can be created beside the target, -7 when
-// writing, flushing or renaming fails.
+// to the file it names. Refused with -5, and nothing written: a file that
+// exists and that the user may not write (by its permission bits, even for
+// root, as an editor would refuse it), a directory, a device, FIFO or
+// socket, and a symbolic link that leads nowhere or round in a loop. -5 as
+// well when no file can be created beside the target, -7 when writing,
+// flushing, renaming or checking fails.
 [[nodiscard]] FileWriteResult ReplaceFile(const char* path, const void* data, std::size_t size);
 
 #endif

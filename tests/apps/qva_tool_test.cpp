@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 
 #include <cstring>
+#include <filesystem>
+#include <iterator>
 
 #include "attribute_bytes.h"
 #include "json/material_json.h"
@@ -33,6 +35,21 @@ protected:
     ToolRun Qva(const QStringList& args, const QByteArray& input = {}, long limit = -1) const
     {
         return RunTool("tamerisk-qva", args, input, {}, limit);
+    }
+    // A shell line run in the test's directory, $QVA being the tool: names
+    // that are not UTF-8, and redirections, need the shell.
+    ToolRun Shell(const QString& line) const
+    {
+        QProcess shell;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("QVA", TAMERISK_BIN_DIR "/tamerisk-qva");
+        shell.setProcessEnvironment(env);
+        shell.setWorkingDirectory(dir.path());
+        shell.start("/bin/sh", {"-c", line});
+        shell.closeWriteChannel();
+        if (!shell.waitForFinished(120000) || shell.exitStatus() != QProcess::NormalExit)
+            return {};
+        return {shell.exitCode(), shell.readAllStandardOutput(), shell.readAllStandardError()};
     }
     QTemporaryDir dir;
 };
@@ -102,4 +119,70 @@ TEST_F(QvaTool, FailedWritesKeepTheOldFileAndNameTheReason)
     EXPECT_EQ(ReadBytes(Path("a.png")), "old picture");
     EXPECT_EQ(ReadBytes(Path("m.qva")), "old material");
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).size(), 2);  // no temporary file left
+}
+
+TEST_F(QvaTool, WriteLeavesAJsonFileAndItsOwnInputAlone)
+{
+    ASSERT_TRUE(WriteBytes(Path("m.json"), R"({"diffuse": 0.25})"));
+    ASSERT_EQ(Qva({"write", Path("m.qva"), Path("m.json")}).exitCode, 0);
+    ASSERT_TRUE(QFile::link(Path("m.qva"), Path("link.qva")));
+    const QByteArray json = ReadBytes(Path("m.json"));
+    const QByteArray qva = ReadBytes(Path("m.qva"));
+    const struct {
+        const char* line;
+        const char* reason;
+    } cases[] = {
+        {R"("$QVA" write m.json m.qva)", "m.json: the file holds JSON text and is left as it is"},
+        {R"("$QVA" write m.qva m.qva)", "m.qva: the file is both the input and the output"},
+        {R"("$QVA" write link.qva m.qva)", "link.qva: the file is both the input and the output"},
+        {R"("$QVA" write m.qva - < m.qva)", "m.qva: the file is both the input and the output"},
+        {R"("$QVA" write m.qva < link.qva)", "m.qva: the file is both the input and the output"},
+    };
+    for (const auto& c : cases) {
+        const ToolRun run = Shell(c.line);
+        EXPECT_EQ(run.exitCode, 1) << c.line;
+        EXPECT_TRUE(run.FirstErrorLine().startsWith("error -4: ")) << run.FirstErrorLine().toStdString();
+        EXPECT_TRUE(run.FirstErrorLine().contains(c.reason)) << run.FirstErrorLine().toStdString();
+        EXPECT_EQ(ReadBytes(Path("m.json")), json) << c.line;
+        EXPECT_EQ(ReadBytes(Path("m.qva")), qva) << c.line;
+    }
+}
+
+TEST_F(QvaTool, StandardInputIsHeldToOneMebibyteAsFilesAre)
+{
+    const struct {
+        qsizetype size;
+        int exitCode;
+        const char* firstLine;
+    } cases[] = {
+        {qsizetype{1} << 20, 0, ""},
+        {(qsizetype{1} << 20) + 1, 1, "error -10: "},
+        {qsizetype{64} << 20, 1, "error -10: "},
+    };
+    for (const auto& c : cases) {
+        QByteArray input(c.size, ' ');
+        input[0] = '{';
+        input[c.size - 1] = '}';
+        const ToolRun run = Qva({"write", Path("big.qva")}, input);
+        EXPECT_EQ(run.exitCode, c.exitCode) << c.size;
+        EXPECT_TRUE(run.FirstErrorLine().startsWith(c.firstLine)) << run.FirstErrorLine().toStdString();
+        EXPECT_EQ(QFile::exists(Path("big.qva")), c.exitCode == 0) << c.size;
+        QFile::remove(Path("big.qva"));
+    }
+}
+
+// Both names would read as the same text with a replacement character.
+TEST_F(QvaTool, FileNamesThatAreNotUtf8StayApart)
+{
+    ASSERT_TRUE(WriteBytes(Path("one.json"), R"({"diffuse": 0.25})"));
+    ASSERT_TRUE(WriteBytes(Path("two.json"), R"({"diffuse": 0.75})"));
+    const ToolRun run = Shell(R"sh("$QVA" write "$(printf 'm\377.qva')" one.json && )sh"
+                              R"sh("$QVA" write "$(printf 'm\376.qva')" two.json && )sh"
+                              R"sh("$QVA" dump "$(printf 'm\377.qva')" && "$QVA" dump "$(printf 'm\376.qva')")sh");
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    const qsizetype first = run.out.indexOf("\"diffuse\": 0.25");
+    EXPECT_GE(first, 0) << run.out.toStdString();
+    EXPECT_GT(run.out.indexOf("\"diffuse\": 0.75"), first);
+    const std::filesystem::path where = QFile::encodeName(dir.path()).toStdString();
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(where), {}), 4);
 }

@@ -7,6 +7,10 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <poll.h>
+#include <sys/inotify.h>
+#include <unistd.h>
+
 #include <csignal>
 
 #include "engine/display/image_display.h"
@@ -34,6 +38,41 @@ QImage PanelPicture(std::int32_t w, std::int32_t h, std::int32_t shape, const FZ
 QImage ReadPng(const QString& path)
 {
     return QImage(path).convertToFormat(QImage::Format_RGB888);
+}
+
+// Whether a new file whose name ends in ".tmp" appeared in the watched
+// directory, waiting for it as long as the tool may run.
+bool TempFileAppears(int watch)
+{
+    pollfd ready{watch, POLLIN, 0};
+    while (::poll(&ready, 1, 120000) == 1) {
+        alignas(inotify_event) char events[4096];
+        const ssize_t n = ::read(watch, events, sizeof events);
+        for (ssize_t at = 0; n > 0 && at < n;) {
+            const auto* event = reinterpret_cast<const inotify_event*>(events + at);
+            if (event->len > 0 && QByteArray(event->name).endsWith(".tmp"))
+                return true;
+            at += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
+        }
+    }
+    return false;
+}
+
+// Runs a tool and presses Ctrl+C as soon as it creates its new file in dir,
+// that is while the file is written, flushed and renamed into place.
+ToolRun InterruptWhileWriting(const char* tool, const QStringList& arguments, const QString& dir)
+{
+    const int watch = ::inotify_init1(IN_CLOEXEC);
+    ::inotify_add_watch(watch, QFile::encodeName(dir).constData(), IN_CREATE);
+    QProcess process;
+    process.start(QStringLiteral(TAMERISK_BIN_DIR "/") + QLatin1String(tool), arguments);
+    process.closeWriteChannel();
+    if (TempFileAppears(watch))
+        ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+    ::close(watch);
+    if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
 const QRgb kBlue = qRgb(25, 102, 153);
@@ -217,4 +256,35 @@ TEST(RenderTool, CtrlCEndsALongRenderWithoutWritingIt)
     EXPECT_TRUE(tool.readAllStandardError().contains("interrupted"));
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden),
               (QStringList{"lamp.json", "plain.json", "plain.png"}));
+}
+
+// The write cannot be taken back half-way, so it is finished and reported
+// as done: never "not written" for a file that is in place.
+TEST(RenderTool, CtrlCDuringTheFinalWriteReportsTheFileWritten)
+{
+    QTemporaryDir dir;
+    const QString picture = dir.filePath(QStringLiteral("a.png")), material = dir.filePath(QStringLiteral("m.qva"));
+    ASSERT_TRUE(WriteBytes(picture, "old") && WriteBytes(material, "old"));
+    const struct {
+        const char* tool;
+        QStringList arguments;
+        QString written;
+        QByteArray input;
+    } cases[] = {
+        {"tamerisk-render", {"--size", "512", "--output", picture}, picture, {}},
+        {"tamerisk-qva", {"write", material, "-"}, material, R"({"diffuse": 0.5})"},
+    };
+    for (const auto& c : cases) {
+        const QString input = dir.filePath(QStringLiteral("input.json"));
+        QStringList arguments = c.arguments;
+        if (!c.input.isEmpty()) {
+            ASSERT_TRUE(WriteBytes(input, c.input));
+            arguments.last() = input;
+        }
+        const ToolRun run = InterruptWhileWriting(c.tool, arguments, dir.path());
+        EXPECT_EQ(run.exitCode, 0) << c.tool << ": " << run.Errors().toStdString();
+        EXPECT_NE(ReadBytes(c.written), "old") << c.tool;
+        EXPECT_FALSE(run.err.contains("not written")) << c.tool;
+    }
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).size(), 3);
 }

@@ -11,6 +11,14 @@ namespace {
 
 std::vector<int> Values(const WindowSettings& s) { return {s.top, s.left, s.display}; }
 
+QStringList warnings;
+
+void KeepWarning(QtMsgType type, const QMessageLogContext&, const QString& message)
+{
+    if (type == QtWarningMsg)
+        warnings << message;
+}
+
 } // namespace
 
 TEST(SettingsFile, LiesInTheDirectoryOfTheExecutable)
@@ -27,7 +35,8 @@ TEST(SettingsFile, ReadsLikeAPrivateProfileAndWritesOnlyItsKeys)
     WriteSettings("[Other]\nTop=3\n[window]\r\n top = 12px\nLeft=abc\nDisplay=+7\n[More]\nName=kept\n");
     EXPECT_EQ(Values(ReadWindowSettings(SettingsFilePath())), (std::vector{12, 0, 7}));
     ASSERT_TRUE(WriteWindowSettings(SettingsFilePath(), {40, -50, 1}));
-    EXPECT_EQ(ReadSettings(), "[Other]\nTop=3\n[window]\nTop=40\nLeft=-50\nDisplay=1\n[More]\nName=kept\n");
+    // Even its line ends stay as they were.
+    EXPECT_EQ(ReadSettings(), "[Other]\nTop=3\n[window]\r\nTop=40\nLeft=-50\nDisplay=1\n[More]\nName=kept\n");
     WriteSettings("[Window]\nTop=99999999999999999999\nLeft=-99999999999\n");
     EXPECT_EQ(Values(ReadWindowSettings(SettingsFilePath())), (std::vector{INT_MAX, INT_MIN, 0}));
 
@@ -49,6 +58,38 @@ TEST(SettingsFile, KeepsTheLargePreviewsSizeBesideThePlacementWithinRange)
     EXPECT_EQ(ReadSettings(), "[Window]\nTop=40\nLeft=-50\nDisplay=1\n[LargePreview]\nWidth=700\nHeight=300\n");
     WriteSettings("[LargePreview]\nWidth=-3\nHeight=99999999999\n");
     EXPECT_EQ(ReadLargePreviewSize(SettingsFilePath()), QSize(64, 4096));
+    WriteSettings({});
+}
+
+// A host's editor opens and closes over a settings file that is none: the
+// file is refused with a warning, never read whole nor overwritten.
+TEST(SettingsFile, AHugeOrBinaryFileIsRefusedWithAWarningAndKept)
+{
+    ASSERT_EQ(Tamerisk().error, "");
+    const struct {
+        const char* name;
+        QByteArray start;
+        qint64 size;
+    } cases[] = {
+        {"huge", "[Window]\nTop=5\n", qint64{6} << 30},  // sparse: nothing is stored
+        {"binary", QByteArray("[Window]\nTop=5\n\0\0\x01", 17), 17},
+    };
+    for (const auto& c : cases) {
+        WriteSettings(c.start);
+        ASSERT_TRUE(QFile::resize(SettingsFilePath(), c.size)) << c.name;
+        warnings.clear();
+        const QtMessageHandler previous = qInstallMessageHandler(KeepWarning);
+        EXPECT_EQ(Values(ReadWindowSettings(SettingsFilePath())), (std::vector{0, 0, 0})) << c.name;
+        EXPECT_EQ(Tamerisk().api.Open(nullptr, 0), 1) << c.name;
+        Tamerisk().api.Close();
+        qInstallMessageHandler(previous);
+        ASSERT_FALSE(warnings.isEmpty()) << c.name;
+        EXPECT_TRUE(warnings.first().contains(SettingsFilePath())) << warnings.first().toStdString();
+        QFile file(SettingsFilePath());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.size(), c.size) << c.name;
+        EXPECT_EQ(file.read(c.start.size()), c.start) << c.name;
+    }
     WriteSettings({});
 }
 

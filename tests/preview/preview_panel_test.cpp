@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <limits>
+#include <vector>
 
 #include "preview/preview_panel.h"
 
@@ -114,4 +116,36 @@ TEST(PreviewPanel, SettingUpWithAMaterialDrawsWhatApplyingItDraws)
         EXPECT_TRUE(std::equal(a.data.data(), a.data.data() + a.data.size(), b.data.data())) << bind;
         EXPECT_EQ(direct.ShapeNumber(), 4);
     }
+}
+
+// A smoothing box wider than the frame covers all of it wherever a sample
+// lies, so an absurd width draws the frame-wide box's picture (and is held
+// to that box's work: these renders would not end otherwise).
+TEST(PreviewPanel, SmoothingWiderThanTheFrameDrawsTheFrameWidePicture)
+{
+    constexpr int kWidth = 40;
+    constexpr int kHeight = 30;
+    const float frameWide = 2.0f * (kWidth + 1);
+    const float widths[] = {frameWide + 1.0f, 1e3f, 1e9f, 3.4e38f, std::numeric_limits<float>::infinity()};
+    bool smoothingShows = false;
+    for (const int shape : {1, 2, 3, 4}) {
+        // Smoothing shows where grooves make the highlight change sharply.
+        FZAttributeEx m;
+        m.smoothHighlight = 1;
+        m.anisotropic = 1;
+        m.anisotropy.type = 2;
+        m.anisotropy.depthVariation = 0.0f;
+        auto frame = [&](float width) {
+            m.smoothWidth = width;
+            CPreviewPanel panel;
+            EXPECT_EQ(panel.SetUpFrame(kWidth, kHeight, shape, m, 0), FZResult::Ok);
+            const auto& data = panel.Scene()->frame->data;
+            return std::vector<std::uint8_t>(data.data(), data.data() + data.size());
+        };
+        const auto wide = frame(frameWide);
+        smoothingShows = smoothingShows || frame(2.0f) != wide;
+        for (const float width : widths)
+            EXPECT_TRUE(frame(width) == wide) << "shape " << shape << ", width " << width;
+    }
+    EXPECT_TRUE(smoothingShows);
 }

@@ -445,7 +445,12 @@ float PixelHighlight(const ShadingPass& pass, std::int32_t x, std::int32_t y)
     const bool smooth = layer.material.smoothHighlight != 0;
     if (!smooth || !HighlightVaries(layer, x, y))
         return layer.highlight[y][x];
-    const float width = layer.material.smoothWidth;
+    // A box two frame sides wide (and one pixel more on each side) covers
+    // the whole frame wherever a sample lies, so any wider box draws the
+    // same picture; held there, an absurd width costs what a frame-wide box
+    // does. NaN stays NaN.
+    const float frameWide = static_cast<float>(2.0 * (FZMax(layer.width, layer.height) + 1.0));
+    const float width = layer.material.smoothWidth > frameWide ? frameWide : layer.material.smoothWidth;
     float sum = 0.0f;
     for (const HighlightSetup& h : pass.highlights) {
         FZFacetFrame frame;
