@@ -20,9 +20,15 @@
 
 namespace {
 
+// The library beside the host: where cmake --install puts it, else where
+// the build puts it.
 QString DefaultLibraryPath()
 {
-    return QDir::cleanPath(QCoreApplication::applicationDirPath() + "/../lib/libtamerisk.so");
+    const QDir bin(QCoreApplication::applicationDirPath());
+    const QString installed = QDir::cleanPath(bin.filePath(QStringLiteral(TAMERISK_INSTALLED_LIBRARY)));
+    if (QFileInfo::exists(installed))
+        return installed;
+    return QDir::cleanPath(bin.filePath(QStringLiteral(TAMERISK_BUILT_LIBRARY)));
 }
 
 int Fail(const QString& message)

@@ -6,4 +6,9 @@
 // way, and leaves none open. Does nothing when none is open.
 void DeleteEditorInstance();
 
+// For the library's unloading: forgets the hook by which the editor goes
+// away with the QApplication, and closes an editor still open when that is
+// allowed (on the application's thread, while it exists).
+void ReleaseEditorAtUnload();
+
 #endif

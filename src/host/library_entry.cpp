@@ -6,7 +6,7 @@
 // generator needs nothing here: it is a static object of the dialogs, and the
 // whole dialog library is linked in, so it is constructed, and seeds the
 // module's random state, while the library loads.
-#include <QCoreApplication>
+#include <QtGlobal>
 
 #include "dialogs/resources.h"
 #include "host/editor_instance.h"
@@ -17,21 +17,22 @@ static void ReleaseDialogResources()
     Q_CLEANUP_RESOURCE(bitmaps);
 }
 
+// A host that unloads the library with the editor still open would keep a
+// window whose code is gone; it is closed here instead, which also remembers
+// its placement. A destructor function, not a static object's destructor:
+// on dlclose the loader runs it before any static object of the library is
+// destroyed, so the editor still finds everything it uses. At process exit
+// the QApplication, and the editor with it, are already gone.
+__attribute__((destructor)) static void CloseEditorAtUnload()
+{
+    ReleaseEditorAtUnload();
+}
+
 namespace {
 
 struct ModuleLifetime {
     ModuleLifetime() { TameriskRegisterResources(); }
-
-    // A host that unloads the library with the editor still open would keep
-    // a window whose code is gone; it is closed here instead, which also
-    // remembers its placement. At process exit the QApplication is already
-    // gone, its windows with it, and no widget may be touched any more.
-    ~ModuleLifetime()
-    {
-        if (QCoreApplication::instance())
-            DeleteEditorInstance();
-        ReleaseDialogResources();
-    }
+    ~ModuleLifetime() { ReleaseDialogResources(); }
 };
 
 const ModuleLifetime module;
