@@ -39,6 +39,7 @@ install(FILES ${PROJECT_BINARY_DIR}/TameriskConfig.cmake
 # The file names its prefix relative to itself, so that it stays right for
 # any --prefix given to cmake --install, and when the prefix is moved.
 file(RELATIVE_PATH TAMERISK_PC_TO_PREFIX "/p/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/p")
+string(REGEX REPLACE "/$" "" TAMERISK_PC_TO_PREFIX "${TAMERISK_PC_TO_PREFIX}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/tamerisk.pc.in ${PROJECT_BINARY_DIR}/tamerisk.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tamerisk.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
