@@ -11,6 +11,8 @@
 #include <cstdio>
 #include <string>
 
+#include <tamerisk/version.h>
+
 #include "json/material_json.h"
 #include "material/attribute_file.h"
 #include "material/result_codes.h"
@@ -32,8 +34,9 @@ constexpr const char* kDescription =
     "and NaNs are the strings \"inf\", \"-inf\", \"nan\" or \"nan:0x\" and the\n"
     "8 hex digits of the NaN's bits.\n"
     "\n"
-    "On failure the exit status is 1 and the first line on standard error is\n"
-    "\"error <code>: <message>\". The codes: -4 a wrong command line or a\n"
+    "On failure the first line on standard error is\n"
+    "\"tamerisk-qva: error <code>: <message>\" and the exit status is 1, or 2\n"
+    "for a wrong command line. The codes: -4 a wrong command line or a\n"
     "wrong value in the JSON, -5 a file that cannot be opened or a\n"
     "write-protected one, -6 a file that ends too early, -7 a file that\n"
     "cannot be written (the reason follows the file name), -8 neither an\n"
@@ -41,10 +44,25 @@ constexpr const char* kDescription =
     "-10 a JSON file over 1 MiB. A file that cannot be written is left as it\n"
     "was.";
 
+constexpr int kRunError = 1;
+constexpr int kUsageError = 2;
+
+void Say(const QString& line)
+{
+    QTextStream(stderr) << "tamerisk-qva: " << line << Qt::endl;
+}
+
 int Fail(FZResult code, const QString& message)
 {
-    QTextStream(stderr) << ErrorLine(code, message) << Qt::endl;
-    return 1;
+    Say(ErrorLine(code, message));
+    return kRunError;
+}
+
+int Usage(const QString& detail)
+{
+    Say(ErrorLine(FZResult::BadParameter, ResultText(FZResult::BadParameter, QString(), detail)));
+    Say(QStringLiteral("try 'tamerisk-qva --help'"));
+    return kUsageError;
 }
 
 int Dump(const QString& path)
@@ -98,16 +116,20 @@ int main(int argc, char** argv)
     // the temporary file is removed, instead of the process being killed.
     std::signal(SIGXFSZ, SIG_IGN);
     QCoreApplication::setApplicationName("tamerisk-qva");
+    QCoreApplication::setApplicationVersion(TAMERISK_VERSION_STRING);
     QCommandLineParser parser;
     parser.setApplicationDescription(kDescription);
     parser.addHelpOption();
+    parser.addVersionOption();
     parser.addPositionalArgument("command", "dump or write");
     parser.addPositionalArgument("file", "the attribute file (.qva)");
     parser.addPositionalArgument("json", "for write: the JSON file, or - for standard input", "[json]");
     if (!parser.parse(app.arguments()))
-        return Fail(FZResult::BadParameter, ResultText(FZResult::BadParameter, QString(), parser.errorText()));
+        return Usage(parser.errorText());
     if (parser.isSet("help"))
         parser.showHelp(0);
+    if (parser.isSet("version"))
+        parser.showVersion();
 
     const QStringList args = parser.positionalArguments();
     const QString command = args.value(0);
@@ -115,7 +137,5 @@ int main(int argc, char** argv)
         return Dump(args[1]);
     if (command == "write" && (args.size() == 2 || args.size() == 3))
         return Write(args[1], args.value(2, "-"));
-    return Fail(FZResult::BadParameter,
-                ResultText(FZResult::BadParameter, QString(),
-                           "usage: tamerisk-qva dump FILE.qva | tamerisk-qva write FILE.qva [JSON-FILE|-]"));
+    return Usage("usage: tamerisk-qva dump FILE.qva | tamerisk-qva write FILE.qva [JSON-FILE|-]");
 }

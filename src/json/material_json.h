@@ -73,8 +73,9 @@ FZResult ParseMaterial(const QByteArray& bytes, FZAttributeEx& record, QString& 
 FZResult LoadMaterial(const QString& path, FZAttributeEx& record, QString& message,
                  int* version = nullptr);
 
-// The code's message (material/result_codes.h), then source and detail when
-// given: "ﾌｧｲﾙを開けませんでした。 a.qva: No such file or directory".
+// What the tools print for a failure, in English: source, the code's
+// message and detail, those given, joined by ": " ("a.qva: cannot open: No
+// such file or directory").
 QString ResultText(FZResult code, const QString& source, const QString& detail = QString());
 
 // "error <code>: <message>", the first line the tools print on failure.
