@@ -106,31 +106,33 @@ int argcForQt = 1;
 char programName[] = "unload_check";
 char* argvForQt[] = {programName, nullptr};
 
+// A host with its application, the library loaded and the editor open.
+struct RunningHost {
+    QApplication app{argcForQt, argvForQt};
+    Library library;
+    QWidget window;
+    const bool ready = Load(library) && OpenEditor(library.api, window);
+};
+
 // Open, Close, dlclose, then the host's exit.
 bool CloseThenUnload()
 {
-    QApplication app(argcForQt, argvForQt);
-    Library library;
-    QWidget host;
-    if (!Load(library) || !OpenEditor(library.api, host))
+    RunningHost host;
+    if (!host.ready)
         return false;
-    library.api.Close();
-    const bool closed = Check(library.api.GetShow() == TAMERISK_NO_EDITOR, "Close closes");
-    return Unload(library) && closed;
+    host.library.api.Close();
+    const bool closed = Check(host.library.api.GetShow() == TAMERISK_NO_EDITOR, "Close closes");
+    return Unload(host.library) && closed;
 }
 
 // dlclose with the editor still open: the library closes it on its way out.
 bool UnloadWithTheEditorOpen()
 {
-    QApplication app(argcForQt, argvForQt);
-    Library library;
-    QWidget host;
-    if (!Load(library) || !OpenEditor(library.api, host))
-        return false;
-    if (!Unload(library))
+    RunningHost host;
+    if (!host.ready || !Unload(host.library))
         return false;
     for (QWidget* w : QApplication::topLevelWidgets()) {
-        if (w != &host && w->isVisible())
+        if (w != &host.window && w->isVisible())
             return Check(false, "no window of the library is left");
     }
     QApplication::processEvents();
@@ -174,12 +176,10 @@ bool NoApplication()
 // Calls from another thread leave the open editor as it was.
 bool AnotherThread()
 {
-    QApplication app(argcForQt, argvForQt);
-    Library library;
-    QWidget host;
-    if (!Load(library) || !OpenEditor(library.api, host))
+    RunningHost host;
+    if (!host.ready)
         return false;
-    const TameriskFunctions& api = library.api;
+    const TameriskFunctions& api = host.library.api;
     int result = -1;
     std::string said;
     std::thread([&] {
@@ -197,7 +197,7 @@ bool AnotherThread()
                       && Check(held.diffuse == 0.25f, "the material is kept")
                       && Check(api.GetShow() == TAMERISK_SW_SHOWNORMAL, "the editor is still open");
     api.Close();
-    return Unload(library) && kept;
+    return Unload(host.library) && kept;
 }
 
 struct Scenario {
