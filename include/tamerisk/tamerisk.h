@@ -40,8 +40,8 @@
 //      user that there is nobody to send to.
 //   5. Tamerisk_Close when done. It destroys the window, which remembers its
 //      position, and frees the editor. A host that unloads the library
-//      (dlclose) closes the editor first; unloading with the editor still
-//      open closes it too.
+//      (dlclose) closes the editor first; an editor still open keeps the
+//      library loaded until it goes with the QApplication.
 //
 // The close box of the editor only hides it (minimised, then hidden);
 // Tamerisk_GetShow tells the host, and Tamerisk_ShowWindow brings it back.

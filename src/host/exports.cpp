@@ -8,6 +8,15 @@
 // editor goes away with the QApplication (a post routine, which Qt runs
 // while the application is still whole), so a host that destroys the
 // application before Tamerisk_Close finds nothing left to close.
+//
+// From Tamerisk_Open to Tamerisk_Close the library holds a reference to
+// itself. A host that unloads it with the editor still open therefore does
+// not take the code from under a window the application still shows; the
+// library stays until the editor goes, with the application or at exit.
+// Only Tamerisk_Close gives the reference back: the host, which calls it,
+// still holds its own, so the code it runs in stays.
+#include <dlfcn.h>
+
 #include <cstdio>
 #include <iterator>
 #include <memory>
@@ -24,6 +33,24 @@
 namespace {
 
 std::unique_ptr<CDlgAttribute> editor;
+
+// The library's reference to itself while an editor is open.
+void* selfReference = nullptr;
+
+void HoldLibrary()
+{
+    Dl_info self;
+    if (selfReference == nullptr && dladdr(reinterpret_cast<void*>(&DeleteEditorInstance), &self) != 0
+        && self.dli_fname != nullptr)
+        selfReference = dlopen(self.dli_fname, RTLD_NOW | RTLD_NOLOAD);
+}
+
+void ReleaseLibrary()
+{
+    if (selfReference != nullptr)
+        dlclose(selfReference);
+    selfReference = nullptr;
+}
 
 // Per thread, so that a call from another thread neither reads nor
 // overwrites the GUI thread's answer.
@@ -79,6 +106,8 @@ bool MayTouchWidgets(const char* function, bool needsApplication = false)
 }
 
 // Runs while the QApplication is being destroyed, before its windows go.
+// The library stays held: the host may have unloaded it already, and the
+// routine must not take away the code it runs in.
 void CloseWithApplication()
 {
     DeleteEditorInstance();
@@ -159,17 +188,16 @@ void DeleteEditorInstance()
     const std::unique_ptr<CDlgAttribute> doomed = std::move(editor);
 }
 
-void ReleaseEditorAtUnload()
+void ForgetEditorAtUnload()
 {
     // Qt keeps the routine's address; it must not call into unmapped code.
     qRemovePostRoutine(CloseWithApplication);
-    if (!editor)
-        return;
-    if (WidgetAccess() == TAMERISK_OK)
-        DeleteEditorInstance();
-    else
-        std::fprintf(stderr, "Tamerisk: the library is unloaded with the editor open, and %s\n",
-                     "the editor cannot be closed from this thread");
+    // An open editor holds the library, so one still open now means that the
+    // process is ending without having destroyed its QApplication (exit()
+    // from an event handler). Qt's plugins may be finalised already and no
+    // widget code may run; the window goes with the process, as the host's
+    // own windows do.
+    static_cast<void>(editor.release());
 }
 
 extern "C" {
@@ -179,6 +207,7 @@ int Tamerisk_Open(QWidget* notifyWindow, unsigned int notifyMessage)
     if (!MayTouchWidgets("Tamerisk_Open", true))
         return 0;
     DeleteEditorInstance();
+    HoldLibrary();
     // Removed first, so that it is registered once however often the host
     // opens the editor.
     qRemovePostRoutine(CloseWithApplication);
@@ -201,6 +230,10 @@ void Tamerisk_Close(void)
 {
     if (MayTouchWidgets("Tamerisk_Close"))
         DeleteEditorInstance();
+    // Also after the application took the editor with it: no editor is
+    // left then, and nothing holds the library any more.
+    if (lastResult == TAMERISK_OK)
+        ReleaseLibrary();
 }
 
 // A null record pointer is ignored rather than dereferenced: a host that

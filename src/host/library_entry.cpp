@@ -17,15 +17,12 @@ static void ReleaseDialogResources()
     Q_CLEANUP_RESOURCE(bitmaps);
 }
 
-// A host that unloads the library with the editor still open would keep a
-// window whose code is gone; it is closed here instead, which also remembers
-// its placement. A destructor function, not a static object's destructor:
-// on dlclose the loader runs it before any static object of the library is
-// destroyed, so the editor still finds everything it uses. At process exit
-// the QApplication, and the editor with it, are already gone.
-__attribute__((destructor)) static void CloseEditorAtUnload()
+// A destructor function, not a static object's destructor: the loader runs
+// it before any static object of the library is destroyed, among them the
+// editor's owner, which must not delete a window at process exit.
+__attribute__((destructor)) static void FinaliseLibrary()
 {
-    ReleaseEditorAtUnload();
+    ForgetEditorAtUnload();
 }
 
 namespace {

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <memory>
@@ -50,6 +51,14 @@ bool Unload(Library& library)
     }
     library.handle = nullptr;
     return true;
+}
+
+bool IsLoaded()
+{
+    void* handle = dlopen(TAMERISK_LIBRARY_PATH, RTLD_NOW | RTLD_NOLOAD);
+    if (handle != nullptr)
+        dlclose(handle);
+    return handle != nullptr;
 }
 
 bool Check(bool held, const char* what)
@@ -122,21 +131,31 @@ bool CloseThenUnload()
         return false;
     host.library.api.Close();
     const bool closed = Check(host.library.api.GetShow() == TAMERISK_NO_EDITOR, "Close closes");
-    return Unload(host.library) && closed;
+    return Unload(host.library) && closed && Check(!IsLoaded(), "the library is unloaded");
 }
 
-// dlclose with the editor still open: the library closes it on its way out.
+// dlclose with the editor still open: the editor keeps the library loaded
+// and goes with the application.
 bool UnloadWithTheEditorOpen()
 {
     RunningHost host;
     if (!host.ready || !Unload(host.library))
         return false;
-    for (QWidget* w : QApplication::topLevelWidgets()) {
-        if (w != &host.window && w->isVisible())
-            return Check(false, "no window of the library is left");
-    }
+    int shown = 0;
+    for (QWidget* w : QApplication::topLevelWidgets())
+        shown += w != &host.window && w->isVisible();
     QApplication::processEvents();
-    return true;
+    return Check(shown == 1, "the editor is still there") && Check(IsLoaded(), "its library is still there");
+}
+
+// exit() while the QApplication and the editor are still there, as from a
+// menu handler: the process ends without touching a window.
+bool ExitWithTheEditorOpen()
+{
+    RunningHost host;
+    if (host.ready)
+        std::exit(0);
+    return false;
 }
 
 // The application goes before Tamerisk_Close: the editor went with it, and
@@ -156,7 +175,8 @@ bool CloseAfterTheApplication()
     const std::string said = StderrOf([&] { library.api.Close(); });
     return Check(said.empty(), "a late Close is silent")
            && Check(library.api.GetLastResult() == TAMERISK_OK, "a late Close reports nothing wrong")
-           && Check(library.api.GetShow() == TAMERISK_NO_EDITOR, "no editor is left") && Unload(library);
+           && Check(library.api.GetShow() == TAMERISK_NO_EDITOR, "no editor is left") && Unload(library)
+           && Check(!IsLoaded(), "the library is unloaded");
 }
 
 // No QApplication at all: Open refuses, says why once, and nothing else
@@ -208,6 +228,7 @@ struct Scenario {
 constexpr Scenario kScenarios[] = {
     {"close-then-unload", CloseThenUnload},
     {"unload-with-editor-open", UnloadWithTheEditorOpen},
+    {"exit-with-editor-open", ExitWithTheEditorOpen},
     {"close-after-application", CloseAfterTheApplication},
     {"no-application", NoApplication},
     {"another-thread", AnotherThread},
