@@ -1,7 +1,11 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test:
 #   1. the full build in build/ with every test (Qt tests offscreen);
-#   2. the Qt-free engine and file-format tests again in build-sanitize/,
+#   2. the library's binary interface against the baseline abi/libtamerisk.abi;
+#   3. a host's life with the library (dlopen, Open, Close, dlclose, a late
+#      Close, no application, another thread) in build-sanitize-host/, the
+#      library built with GCC under AddressSanitizer and UBSan;
+#   4. the Qt-free engine and file-format tests again in build-sanitize/,
 #      built with clang under AddressSanitizer and UndefinedBehaviorSanitizer,
 #      with the fuzz targets' seed corpora replayed.
 # Exits 0 only when everything passes. TAMERISK_JOBS sets the number of
@@ -17,6 +21,20 @@ jobs=$TAMERISK_JOBS
 echo "== Full build (build/)"
 ./scripts/build.sh
 (cd build && ctest --output-on-failure -j"$jobs")
+
+echo "== Binary interface (abi/libtamerisk.abi)"
+./scripts/abi.sh check build
+
+echo "== Loading and unloading the library under sanitizers (build-sanitize-host/)"
+cmake -S . -B build-sanitize-host -G Ninja \
+  -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=g++ \
+  -DTAMERISK_BENCH=OFF -DTAMERISK_SANITIZE=ON >/dev/null
+cmake --build build-sanitize-host --parallel "$jobs" --target unload_check
+# Qt keeps caches (fonts, plugins) to the end of the process on purpose;
+# what matters here is memory used after it was freed or unmapped.
+(cd build-sanitize-host &&
+  ASAN_OPTIONS=detect_leaks=0:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+    ctest --output-on-failure -L unload)
 
 echo "== Sanitizer build (build-sanitize/)"
 cmake -S . -B build-sanitize -G Ninja \

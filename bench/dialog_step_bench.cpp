@@ -21,7 +21,7 @@
 #include <QScrollBar>
 #include <QTemporaryDir>
 
-#include <tamerisk/dlg_attribute.h>
+#include "dialogs/dlg_attribute.h"
 
 #include "bench_materials.h"
 #include "dialogs/dialog_template.h"

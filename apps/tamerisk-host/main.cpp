@@ -14,21 +14,32 @@
 #include <QFileInfo>
 #include <QPixmap>
 
+#include <tamerisk/version.h>
+
 #include "host_window.h"
 #include "qva_reader.h"
 #include "tamerisk_api.h"
 
 namespace {
 
+// The library beside the host: where cmake --install puts it, else where
+// the build puts it.
 QString DefaultLibraryPath()
 {
-    return QDir::cleanPath(QCoreApplication::applicationDirPath() + "/../lib/libtamerisk.so");
+    const QDir bin(QCoreApplication::applicationDirPath());
+    const QString installed = QDir::cleanPath(bin.filePath(QStringLiteral(TAMERISK_INSTALLED_LIBRARY)));
+    if (QFileInfo::exists(installed))
+        return installed;
+    return QDir::cleanPath(bin.filePath(QStringLiteral(TAMERISK_BUILT_LIBRARY)));
 }
+
+constexpr int kRunError = 1;
+constexpr int kUsageError = 2;
 
 int Fail(const QString& message)
 {
     std::fprintf(stderr, "tamerisk-host: %s\n", qPrintable(message));
-    return 1;
+    return kRunError;
 }
 
 int SaveScreenshot(HostWindow& host, const QString& path)
@@ -49,9 +60,11 @@ int SaveScreenshot(HostWindow& host, const QString& path)
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
+    QCoreApplication::setApplicationVersion(QStringLiteral(TAMERISK_VERSION_STRING));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("A small host for the Tamerisk material editor."));
     parser.addHelpOption();
+    parser.addVersionOption();
     const QCommandLineOption open(QStringLiteral("open"),
                                   QStringLiteral("Start with the material of an attribute file."),
                                   QStringLiteral("FILE.qva"));
@@ -63,7 +76,15 @@ int main(int argc, char** argv)
         QStringLiteral("Open the editor, save a picture of its window and exit."),
         QStringLiteral("OUT.png"));
     parser.addOptions({open, library, screenshot});
-    parser.process(app);
+    if (!parser.parse(QCoreApplication::arguments())) {
+        Fail(parser.errorText());
+        Fail(QStringLiteral("try 'tamerisk-host --help'"));
+        return kUsageError;
+    }
+    if (parser.isSet(QStringLiteral("help")))
+        parser.showHelp(0);
+    if (parser.isSet(QStringLiteral("version")))
+        parser.showVersion();
 
     TameriskFunctions api;
     QString error;

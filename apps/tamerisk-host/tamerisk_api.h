@@ -1,5 +1,5 @@
 // libtamerisk.so as this host uses it: loaded at run time with QLibrary and
-// its nine functions resolved by name. The host links nothing of Tamerisk;
+// its functions resolved by name. The host links nothing of Tamerisk;
 // it knows the library only through tamerisk/tamerisk.h.
 #ifndef TAMERISK_HOST_APP_TAMERISK_API_H
 #define TAMERISK_HOST_APP_TAMERISK_API_H

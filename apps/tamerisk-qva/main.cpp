@@ -16,6 +16,8 @@
 #include <cstdio>
 #include <string>
 
+#include <tamerisk/version.h>
+
 #include "json/material_json.h"
 #include "material/attribute_file.h"
 #include "material/result_codes.h"
@@ -37,12 +39,20 @@ constexpr const char* kDescription =
     "and NaNs are the strings \"inf\", \"-inf\", \"nan\" or \"nan:0x\" and the\n"
     "8 hex digits of the NaN's bits.\n"
     "\n"
-    "write refuses to overwrite a file that holds JSON text (the arguments\n"
-    "the wrong way round) and to write the file it reads. File names are\n"
-    "taken as they are given, byte for byte.\n"
-    "\n"
-    "On failure the exit status is 1 and the first line on standard error is\n"
-    "\"error <code>: <message>\". The codes: -4 a wrong command line or a\n"
+    "write refuses to overwrite a file that holds JSON text (the arguments
+"
+    "the wrong way round) and to write the file it reads. File names are
+"
+    "taken as they are given, byte for byte.
+"
+    "
+"
+    "On failure the first line on standard error is
+"
+    "\"tamerisk-qva: error <code>: <message>\" and the exit status is 1, or 2
+"
+    "for a wrong command line. The codes: -4 a wrong command line or a
+"
     "wrong value in the JSON, -5 a file that cannot be opened or a\n"
     "write-protected one, -6 a file that ends too early, -7 a file that\n"
     "cannot be written (the reason follows the file name), -8 neither an\n"
@@ -50,10 +60,25 @@ constexpr const char* kDescription =
     "-10 JSON over 1 MiB (a file or standard input). A file that cannot be\n"
     "written is left as it was.";
 
+constexpr int kRunError = 1;
+constexpr int kUsageError = 2;
+
+void Say(const QString& line)
+{
+    QTextStream(stderr) << "tamerisk-qva: " << line << Qt::endl;
+}
+
 int Fail(FZResult code, const QString& message)
 {
-    QTextStream(stderr) << ErrorLine(code, message) << Qt::endl;
-    return 1;
+    Say(ErrorLine(code, message));
+    return kRunError;
+}
+
+int Usage(const QString& detail)
+{
+    Say(ErrorLine(FZResult::BadParameter, ResultText(FZResult::BadParameter, QString(), detail)));
+    Say(QStringLiteral("try 'tamerisk-qva --help'"));
+    return kUsageError;
 }
 
 int Dump(const QByteArray& path)
@@ -185,16 +210,20 @@ int main(int argc, char** argv)
     // the temporary file is removed, instead of the process being killed.
     std::signal(SIGXFSZ, SIG_IGN);
     QCoreApplication::setApplicationName("tamerisk-qva");
+    QCoreApplication::setApplicationVersion(TAMERISK_VERSION_STRING);
     QCommandLineParser parser;
     parser.setApplicationDescription(kDescription);
     parser.addHelpOption();
+    parser.addVersionOption();
     parser.addPositionalArgument("command", "dump or write");
     parser.addPositionalArgument("file", "the attribute file (.qva)");
     parser.addPositionalArgument("json", "for write: the JSON file, or - for standard input", "[json]");
     if (!parser.parse(app.arguments()))
-        return Fail(FZResult::BadParameter, ResultText(FZResult::BadParameter, QString(), parser.errorText()));
+        return Usage(parser.errorText());
     if (parser.isSet("help"))
         parser.showHelp(0);
+    if (parser.isSet("version"))
+        parser.showVersion();
 
     const QList<QByteArray> args = Operands(argc, argv);
     const QByteArray command = args.value(0);
@@ -202,7 +231,5 @@ int main(int argc, char** argv)
         return Dump(args[1]);
     if (command == "write" && (args.size() == 2 || args.size() == 3))
         return Write(args[1], args.value(2, "-"));
-    return Fail(FZResult::BadParameter,
-                ResultText(FZResult::BadParameter, QString(),
-                           "usage: tamerisk-qva dump FILE.qva | tamerisk-qva write FILE.qva [JSON-FILE|-]"));
+    return Usage("usage: tamerisk-qva dump FILE.qva | tamerisk-qva write FILE.qva [JSON-FILE|-]");
 }

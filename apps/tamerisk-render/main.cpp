@@ -25,6 +25,7 @@
 #include <vector>
 
 #include <tamerisk/attribute.h>
+#include <tamerisk/version.h>
 
 #include "json/material_json.h"
 #include "engine/parallel.h"
@@ -237,6 +238,7 @@ int main(int argc, char** argv)
     // the temporary file is removed, instead of the process being killed.
     std::signal(SIGXFSZ, SIG_IGN);
     QCoreApplication::setApplicationName(QStringLiteral("tamerisk-render"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TAMERISK_VERSION_STRING));
 
     QCommandLineParser parser;
     Options options;
@@ -257,7 +259,7 @@ int main(int argc, char** argv)
     try {
         status = options.outputDir.isEmpty() ? RunSingle(options, progress) : RunBatch(options, progress);
     } catch (const std::bad_alloc&) {
-        progress.Say(QString::fromUtf8(ResultMessage(FZResult::OutOfMemory)));
+        progress.Say(ResultText(FZResult::OutOfMemory, QString()));
     }
     return status;
 }

@@ -117,6 +117,7 @@ bool ParseOptions(QCommandLineParser& parser, const QStringList& arguments, Opti
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Materials to render with --output-dir."),
                                  QStringLiteral("[FILE...]"));
     parser.addHelpOption();
+    parser.addVersionOption();
 
     if (!parser.parse(arguments)) {
         error = parser.errorText();
@@ -124,6 +125,8 @@ bool ParseOptions(QCommandLineParser& parser, const QStringList& arguments, Opti
     }
     if (parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("help-all")))
         parser.showHelp(0);
+    if (parser.isSet(QStringLiteral("version")))
+        parser.showVersion();
     options.colorBind = parser.isSet(colorBind);
     if (parser.isSet(shape)) {
         bool ok = false;

@@ -21,7 +21,7 @@
 
 // Normalises (x, y, z) in place. The squared length is formed in single
 // precision; a length that is zero or not a number gives (0, 0, 1).
-inline void NormalizeFloats(float& x, float& y, float& z)
+inline void FZNormalizeFloats(float& x, float& y, float& z)
 {
     const float sq = x * x + y * y + z * z;
     if (sq > 0.0f) {
@@ -58,9 +58,9 @@ struct FZColor {
     // callers pass values in [0, 1] (1.0 gives 255).
     void SetFloats(float red, float green, float blue)
     {
-        r = FZTruncateLow8(red * 255.0);
-        g = FZTruncateLow8(green * 255.0);
-        b = FZTruncateLow8(blue * 255.0);
+        r = FZTruncateLow8(static_cast<double>(red) * 255.0);
+        g = FZTruncateLow8(static_cast<double>(green) * 255.0);
+        b = FZTruncateLow8(static_cast<double>(blue) * 255.0);
     }
     void SetFloats(const float rgb[3]) { SetFloats(rgb[0], rgb[1], rgb[2]); }
     // Each float is byte * 1.0 / 255.0.
@@ -86,7 +86,7 @@ struct FZPackedVector {
     void SetFloats(float fx, float fy, float fz, bool normalise)
     {
         if (normalise)
-            NormalizeFloats(fx, fy, fz);
+            FZNormalizeFloats(fx, fy, fz);
         x = Pack(fx);
         y = Pack(fy);
         z = Pack(fz);
@@ -133,26 +133,26 @@ struct FZPackedVector {
     static bool Refract(FZPackedVector& result, const FZPackedVector& incident,
                         const FZPackedVector& normal, float eta)
     {
-        const float e2 = static_cast<float>(static_cast<double>(eta) * eta);
+        const float e2 = static_cast<float>(Wide(eta) * Wide(eta));
         const float c = static_cast<float>(-Dot(incident, normal));
-        const float c2 = static_cast<float>(static_cast<double>(c) * c);
-        const float k = static_cast<float>(e2 - 1.0 + c2);
-        if (!(k >= 1e-5))
+        const float c2 = static_cast<float>(Wide(c) * Wide(c));
+        const float k = static_cast<float>(Wide(e2) - 1.0 + Wide(c2));
+        if (!(Wide(k) >= 1e-5))
             return false;
-        const float cosT2 = static_cast<float>(static_cast<double>(k) / e2);
-        const float cosT = static_cast<float>(std::sqrt(static_cast<double>(cosT2)));
-        if (1.0 - c2 < 1e-5) {
+        const float cosT2 = static_cast<float>(Wide(k) / Wide(e2));
+        const float cosT = static_cast<float>(std::sqrt(Wide(cosT2)));
+        if (1.0 - Wide(c2) < 1e-5) {
             result = incident;
             return true;
         }
-        const float s = static_cast<float>(std::sqrt((1.0 - cosT2) / (1.0 - c2)));
-        const float m = static_cast<float>(static_cast<double>(s) * c - cosT);
+        const float s = static_cast<float>(std::sqrt((1.0 - Wide(cosT2)) / (1.0 - Wide(c2))));
+        const float m = static_cast<float>(Wide(s) * Wide(c) - Wide(cosT));
         float ix, iy, iz, nx, ny, nz;
         incident.GetFloats(ix, iy, iz);
         normal.GetFloats(nx, ny, nz);
-        result.SetFloats(static_cast<float>(static_cast<double>(m) * nx + static_cast<double>(s) * ix),
-                         static_cast<float>(static_cast<double>(m) * ny + static_cast<double>(s) * iy),
-                         static_cast<float>(static_cast<double>(m) * nz + static_cast<double>(s) * iz),
+        result.SetFloats(static_cast<float>(Wide(m) * Wide(nx) + Wide(s) * Wide(ix)),
+                         static_cast<float>(Wide(m) * Wide(ny) + Wide(s) * Wide(iy)),
+                         static_cast<float>(Wide(m) * Wide(nz) + Wide(s) * Wide(iz)),
                          true);
         return true;
     }
@@ -168,9 +168,13 @@ struct FZPackedVector {
     }
 
 private:
+    // The widening is spelt out: a host that builds with -Wdouble-promotion
+    // includes this header too.
+    static double Wide(float v) { return static_cast<double>(v); }
+
     static std::int16_t Pack(float v)
     {
-        return static_cast<std::int16_t>(FZTruncateClamped(v * kScale, -32768, 32767));
+        return static_cast<std::int16_t>(FZTruncateClamped(Wide(v) * kScale, -32768, 32767));
     }
 };
 

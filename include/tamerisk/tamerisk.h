@@ -1,27 +1,29 @@
-// Tamerisk's host interface: the nine functions through which a host
+// Tamerisk's host interface: the C functions through which a host
 // application opens the material editor "質感 ﾘﾓｺﾝ", hands it a material and
 // reads the edited material back.
 //
 // libtamerisk.so exports these functions with C linkage under exactly these
-// names, so a host may link the library or resolve them at run time (dlopen
-// and dlsym, or QLibrary::resolve) through the pointer types declared below.
-// Besides them the library exports only the dialog class CDlgAttribute
-// (tamerisk/dlg_attribute.h), for hosts that want to own editor objects
-// themselves. This header and tamerisk/attribute.h are all a host needs.
+// names (symbol version TAMERISK_1), and nothing else, so a host may link the
+// library or resolve them at run time (dlopen and dlsym, or
+// QLibrary::resolve) through the pointer types declared below. This header,
+// tamerisk/attribute.h and tamerisk/version.h are all a host needs.
 //
 // Requirements
 //   * The host runs a QApplication (Qt 6 Widgets) and calls every function on
 //     its GUI thread. The editor is a modeless top-level window that lives in
 //     the host's event loop; nothing is locked.
-//   * Tamerisk_Open without a QApplication, or from another thread, returns 0
-//     and opens nothing.
+//   * A call without a QApplication, or from another thread, leaves the
+//     editor alone: it does nothing, returns what it returns with no editor
+//     open, prints one line on standard error, and Tamerisk_GetLastResult
+//     tells why. Tamerisk_Close after the QApplication is gone frees the
+//     editor without touching its (already destroyed) window.
 //
 // Calling order
 //   1. Tamerisk_Open(notifyWindow, notifyMessage) creates the one editor. Its
 //      window is placed where it was when last closed and is shown or stays
-//      hidden as it was then (the file Tamerisk.ini beside the host's
-//      executable remembers it; the first time it stays hidden). Opening also
-//      switches colour bind off and starts from the default material.
+//      hidden as it was then (the file Tamerisk.ini remembers it; the first
+//      time it stays hidden). Opening also switches colour bind off and
+//      starts from the default material.
 //   2. Tamerisk_SetAttribute with the material to edit, and
 //      Tamerisk_SetColorBind(1) if the host decides the surface colour itself.
 //      Both only work after step 1.
@@ -37,7 +39,9 @@
 //      Tamerisk_GetAttribute. With a null notifyWindow the editor tells the
 //      user that there is nobody to send to.
 //   5. Tamerisk_Close when done. It destroys the window, which remembers its
-//      position, and frees the editor.
+//      position, and frees the editor. A host that unloads the library
+//      (dlclose) closes the editor first; an editor still open keeps the
+//      library loaded until it goes with the QApplication.
 //
 // The close box of the editor only hides it (minimised, then hidden);
 // Tamerisk_GetShow tells the host, and Tamerisk_ShowWindow brings it back.
@@ -55,6 +59,7 @@
 
 #include "attribute.h"
 #include "export.h"
+#include "version.h"
 
 class QWidget;
 
@@ -80,6 +85,15 @@ enum TameriskShowCommand : int {
 
 // Tamerisk_GetShow's answer when no editor is open: all 32 bits set.
 #define TAMERISK_NO_EDITOR 0xFFFFFFFFu
+
+// What Tamerisk_GetLastResult reports about the calling thread's last call.
+enum TameriskResult : int {
+    TAMERISK_OK = 0,
+    TAMERISK_ERROR_NO_APPLICATION = 1,  // no QApplication: none yet, or it is gone
+    TAMERISK_ERROR_WRONG_THREAD = 2,    // not the QApplication's thread
+    TAMERISK_ERROR_NO_WINDOW = 3,       // Tamerisk_Open could not create the window
+    TAMERISK_ERROR_OUT_OF_MEMORY = 4,   // the call ran out of memory and ended early
+};
 
 extern "C" {
 
@@ -113,6 +127,13 @@ TAMERISK_API void Tamerisk_ShowWindow(int command);
 TAMERISK_API unsigned int Tamerisk_GetShow(void);
 // Sets the editor window's caption from UTF-8 text; null gives an empty one.
 TAMERISK_API void Tamerisk_SetTitle(const char* utf8);
+// TameriskResult of the calling thread's last call of the functions above
+// (TAMERISK_OK after a call that did its work, or had nothing to do).
+// Neither this function nor Tamerisk_GetVersion changes it.
+TAMERISK_API int Tamerisk_GetLastResult(void);
+// The library's version as TAMERISK_VERSION encodes it (tamerisk/version.h);
+// callable at any time, from any thread.
+TAMERISK_API unsigned int Tamerisk_GetVersion(void);
 
 } // extern "C"
 
@@ -126,16 +147,23 @@ typedef int (*Tamerisk_GetColorBindFunction)(void);
 typedef void (*Tamerisk_ShowWindowFunction)(int);
 typedef unsigned int (*Tamerisk_GetShowFunction)(void);
 typedef void (*Tamerisk_SetTitleFunction)(const char*);
+typedef int (*Tamerisk_GetLastResultFunction)(void);
+typedef unsigned int (*Tamerisk_GetVersionFunction)(void);
 
-// The nine functions as one table, for hosts that load the library at run
+// The functions as one table, for hosts that load the library at run
 // time:
 //
-//     void* library = dlopen("libtamerisk.so", RTLD_NOW);
+//     void* library = dlopen("libtamerisk.so.1", RTLD_NOW);
 //     TameriskFunctions tamerisk;
 //     if (const char* missing = TameriskResolveFunctions(
 //             tamerisk, [&](const char* name) { return dlsym(library, name); }))
 //         ...;  // not a Tamerisk library: `missing` was not found
+//     if (tamerisk.GetVersion() >> 16 != TAMERISK_VERSION_MAJOR)
+//         ...;  // another major version: the record may differ
 //     tamerisk.Open(window, message);
+//     ...
+//     tamerisk.Close();
+//     dlclose(library);
 //
 // lookup takes a function's name and returns its address or null (dlsym, or
 // QLibrary::resolve). The result is null when every function was found, else
@@ -150,6 +178,8 @@ struct TameriskFunctions {
     Tamerisk_ShowWindowFunction ShowWindow = nullptr;
     Tamerisk_GetShowFunction GetShow = nullptr;
     Tamerisk_SetTitleFunction SetTitle = nullptr;
+    Tamerisk_GetLastResultFunction GetLastResult = nullptr;
+    Tamerisk_GetVersionFunction GetVersion = nullptr;
 };
 
 template <typename Lookup>
@@ -170,6 +200,8 @@ const char* TameriskResolveFunctions(TameriskFunctions& table, Lookup lookup)
     resolve(table.ShowWindow, "Tamerisk_ShowWindow");
     resolve(table.GetShow, "Tamerisk_GetShow");
     resolve(table.SetTitle, "Tamerisk_SetTitle");
+    resolve(table.GetLastResult, "Tamerisk_GetLastResult");
+    resolve(table.GetVersion, "Tamerisk_GetVersion");
     return missing;
 }
 

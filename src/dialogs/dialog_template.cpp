@@ -5,14 +5,12 @@
 
 #include <QAbstractSlider>
 #include <QCheckBox>
-#include <QCoreApplication>
 #include <QDialog>
 #include <QFontMetrics>
 #include <QIcon>
 #include <QLabel>
 #include <QPainter>
 #include <QPixmap>
-#include <QPointer>
 #include <QProxyStyle>
 #include <QRadioButton>
 #include <QScrollBar>
@@ -119,13 +117,15 @@ public:
     }
 };
 
-QStyle* SliderStyle()
+// One style for the bars of a dialog, owned by the dialog: a style owned by
+// the application would outlive a library that the host unloads, and the
+// application would then destroy an object whose code is gone.
+QStyle* SliderStyle(QWidget* dialog)
 {
-    // One style for every bar, owned by the application.
-    static QPointer<QStyle> style;
-    if (style.isNull()) {
+    auto* style = dialog->findChild<SliderBarStyle*>(QString(), Qt::FindDirectChildrenOnly);
+    if (style == nullptr) {
         style = new SliderBarStyle;
-        style->setParent(QCoreApplication::instance());
+        style->setParent(dialog);
     }
     return style;
 }
@@ -189,7 +189,7 @@ QWidget* MakeControl(QWidget* parent, const ControlTemplate& c)
         // Qt inverts a scroll bar's keys by default; these are sliders, so
         // the right arrow moves right, as on Windows.
         bar->setInvertedControls(false);
-        bar->setStyle(SliderStyle());
+        bar->setStyle(SliderStyle(parent));
         // Qt's scroll bars take no focus; these are the dialogs' sliders and
         // Tab must reach them.
         bar->setFocusPolicy(Qt::StrongFocus);

@@ -1,4 +1,4 @@
-#include <tamerisk/dlg_attribute.h>
+#include "dialogs/dlg_attribute.h"
 
 #include <array>
 #include <string>

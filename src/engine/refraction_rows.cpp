@@ -76,7 +76,7 @@ TAMERISK_ROW_KERNEL void Refract(double eta, std::int32_t n, Lanes& lanes)
     }
 }
 
-// NormalizeFloats and the packing of SetFloats; the straight view stays
+// FZNormalizeFloats and the packing of SetFloats; the straight view stays
 // (0, 0, -1).
 TAMERISK_ROW_KERNEL void Normalise(std::int32_t n, Lanes& lanes)
 {

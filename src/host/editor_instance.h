@@ -6,4 +6,10 @@
 // way, and leaves none open. Does nothing when none is open.
 void DeleteEditorInstance();
 
+// For the library's finalisation, at dlclose or at process exit: forgets the
+// hook by which the editor goes away with the QApplication. An editor still
+// open then (only at exit: an open editor keeps the library loaded) is left
+// to the end of the process untouched.
+void ForgetEditorAtUnload();
+
 #endif

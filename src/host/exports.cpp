@@ -1,20 +1,60 @@
-// The nine exported functions. They manage one editor on the host's behalf:
-// the module-wide pointer below, null while no editor is open. Every function
+// The exported functions. They manage one editor on the host's behalf: the
+// module-wide pointer below, null while no editor is open. Every function
 // but Tamerisk_Open does nothing without an editor.
+//
+// Widgets may be touched only on the QApplication's thread while it exists.
+// Every function checks that first and otherwise leaves the editor alone,
+// with one line on stderr and the reason for Tamerisk_GetLastResult. The
+// editor goes away with the QApplication (a post routine, which Qt runs
+// while the application is still whole), so a host that destroys the
+// application before Tamerisk_Close finds nothing left to close.
+//
+// From Tamerisk_Open to Tamerisk_Close the library holds a reference to
+// itself. A host that unloads it with the editor still open therefore does
+// not take the code from under a window the application still shows; the
+// library stays until the editor goes, with the application or at exit.
+// Only Tamerisk_Close gives the reference back: the host, which calls it,
+// still holds its own, so the code it runs in stays.
+#include <dlfcn.h>
+
+#include <cstdio>
 #include <iterator>
+#include <memory>
 #include <new>
 
 #include <QApplication>
 #include <QThread>
 
-#include <tamerisk/dlg_attribute.h>
 #include <tamerisk/tamerisk.h>
 
+#include "dialogs/dlg_attribute.h"
 #include "host/editor_instance.h"
 
 namespace {
 
-CDlgAttribute* editor = nullptr;
+std::unique_ptr<CDlgAttribute> editor;
+
+// The library's reference to itself while an editor is open.
+void* selfReference = nullptr;
+
+void HoldLibrary()
+{
+    Dl_info self;
+    if (selfReference == nullptr && dladdr(reinterpret_cast<void*>(&DeleteEditorInstance), &self) != 0
+        && self.dli_fname != nullptr)
+        selfReference = dlopen(self.dli_fname, RTLD_NOW | RTLD_NOLOAD);
+}
+
+void ReleaseLibrary()
+{
+    if (selfReference != nullptr)
+        dlclose(selfReference);
+    selfReference = nullptr;
+}
+
+// Per thread, so that a call from another thread neither reads nor
+// overwrites the GUI thread's answer.
+thread_local int lastResult = TAMERISK_OK;
 
 // No exception may reach the host through a C function. Rendering the
 // preview is what can run out of memory; the call then ends early and the
@@ -26,17 +66,51 @@ bool WithoutBadAlloc(Call&& call) noexcept
         call();
         return true;
     } catch (const std::bad_alloc&) {
+        lastResult = TAMERISK_ERROR_OUT_OF_MEMORY;
         return false;
     }
 }
 
-// Widgets can only be made inside a QApplication, on its thread; Qt would
-// abort the host's process otherwise.
-bool CanCreateWidgets()
+TameriskResult WidgetAccess()
 {
     const QCoreApplication* app = QCoreApplication::instance();
-    return qobject_cast<const QApplication*>(app) != nullptr
-           && QThread::currentThread() == app->thread();
+    if (qobject_cast<const QApplication*>(app) == nullptr)
+        return TAMERISK_ERROR_NO_APPLICATION;
+    return QThread::currentThread() == app->thread() ? TAMERISK_OK : TAMERISK_ERROR_WRONG_THREAD;
+}
+
+const char* Reason(TameriskResult result)
+{
+    return result == TAMERISK_ERROR_NO_APPLICATION
+               ? "there is no QApplication"
+               : "it was called from a thread other than the QApplication's";
+}
+
+// Whether the function may go on. Qt would abort the host's process on a
+// widget made without a QApplication, and widgets touched from another
+// thread race with the event loop. Without an application and without an
+// editor there is nothing to leave alone: a late Tamerisk_Close is the
+// normal end of a host whose application is already gone.
+bool MayTouchWidgets(const char* function, bool needsApplication = false)
+{
+    const TameriskResult access = WidgetAccess();
+    lastResult = access;
+    if (access == TAMERISK_OK)
+        return true;
+    if (access == TAMERISK_ERROR_NO_APPLICATION && !needsApplication && !editor) {
+        lastResult = TAMERISK_OK;
+        return false;
+    }
+    std::fprintf(stderr, "Tamerisk: %s did nothing: %s\n", function, Reason(access));
+    return false;
+}
+
+// Runs while the QApplication is being destroyed, before its windows go.
+// The library stays held: the host may have unloaded it already, and the
+// routine must not take away the code it runs in.
+void CloseWithApplication()
+{
+    DeleteEditorInstance();
 }
 
 // Makes the window visible in the given state. Activation follows the
@@ -111,42 +185,62 @@ void DeleteEditorInstance()
 {
     // The pointer is cleared first: the destructor runs window code that
     // must not find a half-destroyed editor through the interface.
-    CDlgAttribute* doomed = editor;
-    editor = nullptr;
-    delete doomed;
+    const std::unique_ptr<CDlgAttribute> doomed = std::move(editor);
+}
+
+void ForgetEditorAtUnload()
+{
+    // Qt keeps the routine's address; it must not call into unmapped code.
+    qRemovePostRoutine(CloseWithApplication);
+    // An open editor holds the library, so one still open now means that the
+    // process is ending without having destroyed its QApplication (exit()
+    // from an event handler). Qt's plugins may be finalised already and no
+    // widget code may run; the window goes with the process, as the host's
+    // own windows do.
+    static_cast<void>(editor.release());
 }
 
 extern "C" {
 
 int Tamerisk_Open(QWidget* notifyWindow, unsigned int notifyMessage)
 {
-    DeleteEditorInstance();
-    if (!CanCreateWidgets())
+    if (!MayTouchWidgets("Tamerisk_Open", true))
         return 0;
+    DeleteEditorInstance();
+    HoldLibrary();
+    // Removed first, so that it is registered once however often the host
+    // opens the editor.
+    qRemovePostRoutine(CloseWithApplication);
+    qAddPostRoutine(CloseWithApplication);
     // When the editor cannot be allocated no editor is open and Create is not
     // called; no exception may reach the host through a C function.
-    try {
-        editor = new CDlgAttribute(notifyWindow, notifyMessage);
-    } catch (const std::bad_alloc&) {
-        editor = nullptr;
+    if (!WithoutBadAlloc([&] { editor = std::make_unique<CDlgAttribute>(notifyWindow, notifyMessage); }))
         return 0;
-    }
     // A window that could not be created leaves the window-less editor open
     // until Tamerisk_Close, so the host's usual clean-up still applies.
     bool created = false;
-    return WithoutBadAlloc([&] { created = editor->Create(); }) && created ? 1 : 0;
+    if (!WithoutBadAlloc([&] { created = editor->Create(); }))
+        return 0;
+    if (!created)
+        lastResult = TAMERISK_ERROR_NO_WINDOW;
+    return created ? 1 : 0;
 }
 
 void Tamerisk_Close(void)
 {
-    DeleteEditorInstance();
+    if (MayTouchWidgets("Tamerisk_Close"))
+        DeleteEditorInstance();
+    // Also after the application took the editor with it: no editor is
+    // left then, and nothing holds the library any more.
+    if (lastResult == TAMERISK_OK)
+        ReleaseLibrary();
 }
 
 // A null record pointer is ignored rather than dereferenced: a host that
 // passes one has nothing to hand over or to receive.
 void Tamerisk_SetAttribute(FZAttributeEx* attribute)
 {
-    if (!editor || !attribute)
+    if (!MayTouchWidgets("Tamerisk_SetAttribute") || !editor || !attribute)
         return;
     WithoutBadAlloc([&] {
         editor->SetAttribute(*attribute);
@@ -156,13 +250,13 @@ void Tamerisk_SetAttribute(FZAttributeEx* attribute)
 
 void Tamerisk_GetAttribute(FZAttributeEx* attribute)
 {
-    if (editor && attribute)
+    if (MayTouchWidgets("Tamerisk_GetAttribute") && editor && attribute)
         editor->GetAttribute(*attribute);
 }
 
 void Tamerisk_SetColorBind(int bind)
 {
-    if (!editor)
+    if (!MayTouchWidgets("Tamerisk_SetColorBind") || !editor)
         return;
     WithoutBadAlloc([&] {
         editor->SetColorBind(bind);
@@ -172,12 +266,12 @@ void Tamerisk_SetColorBind(int bind)
 
 int Tamerisk_GetColorBind(void)
 {
-    return editor ? editor->GetColorBind() : 0;
+    return MayTouchWidgets("Tamerisk_GetColorBind") && editor ? editor->GetColorBind() : 0;
 }
 
 void Tamerisk_ShowWindow(int command)
 {
-    if (!editor || command < 0 || command >= static_cast<int>(std::size(kShowCommands)))
+    if (!MayTouchWidgets("Tamerisk_ShowWindow") || !editor || command < 0 || command >= static_cast<int>(std::size(kShowCommands)))
         return;
     const ShowCommand& what = kShowCommands[command];
     if (what.state)
@@ -192,7 +286,7 @@ void Tamerisk_ShowWindow(int command)
 // by TAMERISK_SW_HIDE reports 1.
 unsigned int Tamerisk_GetShow(void)
 {
-    if (!editor)
+    if (!MayTouchWidgets("Tamerisk_GetShow") || !editor)
         return TAMERISK_NO_EDITOR;
     if (editor->isMinimized())
         return TAMERISK_SW_SHOWMINIMIZED;
@@ -203,8 +297,18 @@ unsigned int Tamerisk_GetShow(void)
 
 void Tamerisk_SetTitle(const char* utf8)
 {
-    if (editor)
+    if (MayTouchWidgets("Tamerisk_SetTitle") && editor)
         editor->setWindowTitle(utf8 ? QString::fromUtf8(utf8) : QString());
+}
+
+int Tamerisk_GetLastResult(void)
+{
+    return lastResult;
+}
+
+unsigned int Tamerisk_GetVersion(void)
+{
+    return TAMERISK_VERSION;
 }
 
 } // extern "C"

@@ -6,7 +6,7 @@
 // generator needs nothing here: it is a static object of the dialogs, and the
 // whole dialog library is linked in, so it is constructed, and seeds the
 // module's random state, while the library loads.
-#include <QCoreApplication>
+#include <QtGlobal>
 
 #include "dialogs/resources.h"
 #include "host/editor_instance.h"
@@ -17,21 +17,19 @@ static void ReleaseDialogResources()
     Q_CLEANUP_RESOURCE(bitmaps);
 }
 
+// A destructor function, not a static object's destructor: the loader runs
+// it before any static object of the library is destroyed, among them the
+// editor's owner, which must not delete a window at process exit.
+__attribute__((destructor)) static void FinaliseLibrary()
+{
+    ForgetEditorAtUnload();
+}
+
 namespace {
 
 struct ModuleLifetime {
     ModuleLifetime() { TameriskRegisterResources(); }
-
-    // A host that unloads the library with the editor still open would keep
-    // a window whose code is gone; it is closed here instead, which also
-    // remembers its placement. At process exit the QApplication is already
-    // gone, its windows with it, and no widget may be touched any more.
-    ~ModuleLifetime()
-    {
-        if (QCoreApplication::instance())
-            DeleteEditorInstance();
-        ReleaseDialogResources();
-    }
+    ~ModuleLifetime() { ReleaseDialogResources(); }
 };
 
 const ModuleLifetime module;

@@ -9,8 +9,10 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QScreen>
+#include <QStandardPaths>
 #include <QWidget>
 #include <QWindow>
 
@@ -145,12 +147,26 @@ QString SettingsFilePathFor(const QString& executablePath)
     return directory + u'/' + QLatin1String(kFileName);
 }
 
+QString WritableSettingsFilePathFor(const QString& executablePath)
+{
+    const QString beside = SettingsFilePathFor(executablePath);
+    if (QFileInfo(QFileInfo(beside).absolutePath()).isWritable())
+        return beside;
+    const QString config = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    // The file is replaced through a temporary one beside it, so its
+    // directory must exist before the first write; without a home there is
+    // nowhere better than beside the executable, and the write says why.
+    if (config.isEmpty() || !QDir().mkpath(config + QStringLiteral("/Tamerisk")))
+        return beside;
+    return config + QStringLiteral("/Tamerisk/") + QLatin1String(kFileName);
+}
+
 QString SettingsFilePath()
 {
     const QString overrideDirectory = qEnvironmentVariable(kOverrideVariable);
     if (!overrideDirectory.isEmpty())
         return overrideDirectory + u'/' + QLatin1String(kFileName);
-    return SettingsFilePathFor(QCoreApplication::applicationFilePath());
+    return WritableSettingsFilePathFor(QCoreApplication::applicationFilePath());
 }
 
 WindowSettings ReadWindowSettings(const QString& filePath)

@@ -4,13 +4,15 @@
 // The file lies beside the host's executable (not beside this library),
 // section "Window", keys "Top", "Left" and "Display". The dialog reads it once
 // while it initialises and writes it once when its window is destroyed;
-// nothing is cached in between.
+// nothing is cached in between. An installed host's directory belongs to
+// the system and cannot be written; the file then lies in the user's
+// configuration directory instead ($XDG_CONFIG_HOME/Tamerisk, by default
+// ~/.config/Tamerisk), as every installed program keeps its settings.
 //
 // TAMERISK_SETTINGS_DIR, when set and not empty, names another directory for
-// the file. The tests use it: their programs run in parallel from one build
-// directory, and each must neither share nor leave a file beside the test
-// executables. It also lets a sandboxed host whose executable directory is
-// read-only keep its placement elsewhere.
+// the file, and wins over both. The tests use it: their programs run in
+// parallel from one build directory, and each must neither share nor leave a
+// file beside the test executables.
 #ifndef TAMERISK_HOST_SETTINGS_H
 #define TAMERISK_HOST_SETTINGS_H
 
@@ -41,8 +43,11 @@ void SaveWindowPlacement(const QWidget* dialog);
 // before the last "/" or "\"), a "/", and "Tamerisk.ini". A path without a
 // directory part puts the file in the current directory.
 QString SettingsFilePathFor(const QString& executablePath);
-// The file this process uses: TAMERISK_SETTINGS_DIR, else beside the host's
-// executable.
+// SettingsFilePathFor when that directory can be written, else
+// Tamerisk.ini in the user's configuration directory (made when missing).
+QString WritableSettingsFilePathFor(const QString& executablePath);
+// The file this process uses: TAMERISK_SETTINGS_DIR, else
+// WritableSettingsFilePathFor the host's executable.
 QString SettingsFilePath();
 
 // A file that cannot be read, or is refused as too large or not text

@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <string>
 #include <variant>
@@ -489,14 +490,39 @@ FZResult LoadMaterial(const QString& path, FZAttributeEx& record, QString& messa
     return LoadMaterial(QFile::encodeName(path), record, message, version);
 }
 
+namespace {
+
+// The tools speak English on stderr, as command-line tools do; the dialogs
+// keep their Japanese messages (material/result_codes.h). Indexed by
+// -code - 1.
+constexpr const char* kToolMessages[] = {
+    "failed",
+    "out of memory",
+    "index out of range",
+    "invalid parameter",
+    "cannot open",
+    "cannot read",
+    "cannot write",
+    "unsupported data format",
+    "unsupported file version",
+    "too large",
+    "no data",
+};
+static_assert(std::size(kToolMessages) == -ResultCode(FZResult::NoData));
+
+}  // namespace
+
 QString ResultText(FZResult code, const QString& source, const QString& detail)
 {
-    QString text = QString::fromUtf8(ResultMessage(code));
+    const int index = -ResultCode(code) - 1;
+    QStringList parts;
     if (!source.isEmpty())
-        text += " " + source;
+        parts << source;
+    if (index >= 0 && index < static_cast<int>(std::size(kToolMessages)))
+        parts << QLatin1String(kToolMessages[index]);
     if (!detail.isEmpty())
-        text += (source.isEmpty() ? " " : ": ") + detail;
-    return text;
+        parts << detail;
+    return parts.join(QStringLiteral(": "));
 }
 
 QString ErrorLine(FZResult code, const QString& message)

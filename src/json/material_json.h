@@ -86,8 +86,9 @@ FZResult ReadMaterial(int fd, FZAttributeEx& record, QString& message, int* vers
 // start a JSON value.
 bool LooksLikeJson(const QByteArray& bytes);
 
-// The code's message (material/result_codes.h), then source and detail when
-// given: "ﾌｧｲﾙを開けませんでした。 a.qva: No such file or directory".
+// What the tools print for a failure, in English: source, the code's
+// message and detail, those given, joined by ": " ("a.qva: cannot open: No
+// such file or directory").
 QString ResultText(FZResult code, const QString& source, const QString& detail = QString());
 
 // "error <code>: <message>", the first line the tools print on failure.

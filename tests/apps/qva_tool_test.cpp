@@ -73,26 +73,30 @@ TEST_F(QvaTool, WriteThenDumpKeepsEveryStoredField)
     EXPECT_EQ(Qva({"dump", Path("v5.qva")}).out, MaterialToJson(FZAttributeEx(), 5));
 }
 
-TEST_F(QvaTool, FailuresPrintTheCodeAndExitWithOne)
+TEST_F(QvaTool, FailuresPrintTheCodeAndExitWithOneOrTwoForTheCommandLine)
 {
     ASSERT_TRUE(WriteBytes(Path("v11.qva"), "<Quorvantel Attribute>0011"));
     const struct {
         QStringList args;
         QByteArray input;
+        int exitCode;
         QString firstLine;
     } cases[] = {
-        {{"dump", Path("absent.qva")}, {}, "error -5: ﾌｧｲﾙを開けませんでした。 " + Path("absent.qva") + ": "},
-        {{"dump", Path("v11.qva")}, {}, "error -9: ﾊﾞｰｼﾞｮﾝの異なるﾌｧｲﾙです。 " + Path("v11.qva")},
-        {{"write", Path("out.qva")}, R"({"glow": 1})", "error -4: 不適当なﾊﾟﾗﾒｰﾀｰです。 -: key \"glow\" is unknown"},
-        {{"write", Path("out.qva")}, "\xEF\xBB\xBF[]",
-         "error -8: 未対応のﾃﾞｰﾀ形式です。 -: JSON line 1, column 1: the top level must be an object, not an array"},
-        {{"write", Path("no/dir/out.qva")}, "{}",
-         "error -5: ﾌｧｲﾙを開けませんでした。 " + Path("no/dir/out.qva") + ": No such file or directory"},
-        {{"--bogus"}, {}, "error -4: 不適当なﾊﾟﾗﾒｰﾀｰです。 Unknown option 'bogus'."},
+        {{"dump", Path("absent.qva")}, {}, 1, "tamerisk-qva: error -5: " + Path("absent.qva") + ": cannot open: "},
+        {{"dump", Path("v11.qva")}, {}, 1, "tamerisk-qva: error -9: " + Path("v11.qva") + ": unsupported file version"},
+        {{"write", Path("out.qva")}, R"({"glow": 1})", 1,
+         "tamerisk-qva: error -4: -: invalid parameter: key \"glow\" is unknown"},
+        {{"write", Path("out.qva")}, "\xEF\xBB\xBF[]", 1,
+         "tamerisk-qva: error -8: -: unsupported data format: JSON line 1, column 1: the top level must be an "
+         "object, not an array"},
+        {{"write", Path("no/dir/out.qva")}, "{}", 1,
+         "tamerisk-qva: error -5: " + Path("no/dir/out.qva") + ": cannot open: No such file or directory"},
+        {{"--bogus"}, {}, 2, "tamerisk-qva: error -4: invalid parameter: Unknown option 'bogus'."},
+        {{"dump"}, {}, 2, "tamerisk-qva: error -4: invalid parameter: usage: "},
     };
     for (const auto& c : cases) {
         const ToolRun run = Qva(c.args, c.input);
-        EXPECT_EQ(run.exitCode, 1) << c.args.join(' ').toStdString();
+        EXPECT_EQ(run.exitCode, c.exitCode) << c.args.join(' ').toStdString();
         EXPECT_TRUE(run.FirstErrorLine().startsWith(c.firstLine)) << run.FirstErrorLine().toStdString();
         EXPECT_TRUE(run.out.isEmpty());
     }
@@ -108,7 +112,7 @@ TEST_F(QvaTool, FailedWritesKeepTheOldFileAndNameTheReason)
     EXPECT_EQ(render.FirstErrorLine(), "tamerisk-render: cannot write '" + Path("a.png") + "': File too large");
     const ToolRun qva = Qva({"write", Path("m.qva")}, "{}", 50);
     EXPECT_EQ(qva.exitCode, 1);
-    EXPECT_EQ(qva.FirstErrorLine(), "error -7: ﾌｧｲﾙにﾃﾞｰﾀを書き込めませんでした。 " + Path("m.qva") + ": File too large");
+    EXPECT_EQ(qva.FirstErrorLine(), "tamerisk-qva: error -7: " + Path("m.qva") + ": cannot write: File too large");
 
     // A write-protected file is refused, whoever runs the tool.
     ::chmod(QFile::encodeName(Path("m.qva")).constData(), 0444);

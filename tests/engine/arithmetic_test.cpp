@@ -65,7 +65,7 @@ TEST(ArithmeticPins, PackingMultipliesInDoubleAndTruncatesTowardZero)
 TEST(ArithmeticPins, NormalizeFormsTheSquaredLengthInFloatWithoutFusedMultiplyAdd)
 {
     float x = Opaque(0.2f), y = Opaque(0.3f), z = Opaque(0.6f);
-    NormalizeFloats(x, y, z);
+    FZNormalizeFloats(x, y, z);
     EXPECT_EQ(x, 0x1.24924ap-2f);
     EXPECT_EQ(y, 0x1.b6db7p-2f);
     EXPECT_EQ(z, 0x1.b6db7p-1f);

@@ -1,28 +1,62 @@
-// libtamerisk.so exports the nine C functions and the dialog class, nothing
-// else: hosts cannot come to depend on the engine, nor clash with it.
+// libtamerisk.so exports the C functions of tamerisk.h, each under the
+// symbol version TAMERISK_1, and nothing else: hosts cannot come to depend
+// on the engine, the dialogs or any C++ member, nor clash with them.
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <gtest/gtest.h>
 
-TEST(ExportedSymbols, OnlyTheHostInterface)
+#include <tamerisk/version.h>
+
+namespace {
+
+QString OutputOf(const QString& program, const QStringList& arguments)
 {
-    if (QStandardPaths::findExecutable(QStringLiteral("nm")).isEmpty())
-        GTEST_SKIP() << "nm is not installed";
-    QProcess nm;
-    nm.start(QStringLiteral("nm"), {"-D", "--defined-only", "-C", TAMERISK_LIBRARY_PATH});
-    ASSERT_TRUE(nm.waitForFinished(30000) && nm.exitCode() == 0);
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished(30000) || process.exitCode() != 0)
+        return QString();
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+bool HaveBinutils()
+{
+    return !QStandardPaths::findExecutable(QStringLiteral("nm")).isEmpty()
+           && !QStandardPaths::findExecutable(QStringLiteral("objdump")).isEmpty();
+}
+
+} // namespace
+
+TEST(ExportedSymbols, OnlyTheCFunctionsUnderTheirVersion)
+{
+    if (!HaveBinutils())
+        GTEST_SKIP() << "binutils are not installed";
+    const QString listing = OutputOf(QStringLiteral("nm"), {"-D", "--defined-only", TAMERISK_LIBRARY_PATH});
+    ASSERT_FALSE(listing.isEmpty());
     QStringList names;
-    static const QRegularExpression line(QStringLiteral("^[0-9a-f]+ \\S (.+)$"), QRegularExpression::MultilineOption);
-    for (auto it = line.globalMatch(QString::fromUtf8(nm.readAllStandardOutput())); it.hasNext();)
-        names << it.next().captured(1);
-    const QStringList wanted = {"Tamerisk_Open", "Tamerisk_Close", "Tamerisk_SetAttribute", "Tamerisk_GetAttribute",
-                                "Tamerisk_SetColorBind", "Tamerisk_GetColorBind", "Tamerisk_ShowWindow",
-                                "Tamerisk_GetShow", "Tamerisk_SetTitle", "CDlgAttribute::Create()",
-                                "CDlgAttribute::UpdatePanelView()", "CDlgAttribute::GetColorBind() const"};
-    for (const QString& f : wanted)
-        EXPECT_TRUE(names.contains(f)) << f.toStdString();
-    const QStringList markers = {"__bss_start", "_edata", "_end", "_init", "_fini"};
-    for (const QString& name : names)
-        EXPECT_TRUE(wanted.contains(name) || name.contains("CDlgAttribute") || markers.contains(name)) << name.toStdString();
+    static const QRegularExpression line(QStringLiteral("^[0-9a-f]+ (\\S) (.+)$"), QRegularExpression::MultilineOption);
+    for (auto it = line.globalMatch(listing); it.hasNext();) {
+        const QRegularExpressionMatch m = it.next();
+        if (m.captured(1) != "A")  // the version node itself
+            names << m.captured(2);
+    }
+    QStringList wanted;
+    for (const char* f : {"Open", "Close", "SetAttribute", "GetAttribute", "SetColorBind", "GetColorBind",
+                          "ShowWindow", "GetShow", "SetTitle", "GetLastResult", "GetVersion"})
+        wanted << QStringLiteral("Tamerisk_%1@@TAMERISK_1").arg(QLatin1String(f));
+    names.sort();
+    wanted.sort();
+    EXPECT_EQ(names, wanted);
+}
+
+TEST(ExportedSymbols, TheSonameCarriesTheMajorVersion)
+{
+    if (!HaveBinutils())
+        GTEST_SKIP() << "binutils are not installed";
+    const QString headers = OutputOf(QStringLiteral("objdump"), {"-p", TAMERISK_LIBRARY_PATH});
+    static const QRegularExpression soname(QStringLiteral("SONAME\\s+(\\S+)"));
+    EXPECT_EQ(soname.match(headers).captured(1),
+              QStringLiteral("libtamerisk.so.%1").arg(TAMERISK_VERSION_MAJOR));
+    EXPECT_TRUE(QStringLiteral(TAMERISK_LIBRARY_PATH)
+                    .endsWith(QStringLiteral(".so." TAMERISK_VERSION_STRING)));
 }

@@ -1,5 +1,5 @@
 // The host interface as a host calls it: libtamerisk.so opened with dlopen,
-// the nine functions looked up by name, and nothing but the public header.
+// the functions looked up by name, and nothing but the public header.
 #include <cstring>
 #include <thread>
 #include <tuple>

@@ -3,6 +3,8 @@
 #include <vector>
 
 #include <QDir>
+#include <QFileInfo>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 #include "host/support/host_support.h"
@@ -26,6 +28,19 @@ TEST(SettingsFile, LiesInTheDirectoryOfTheExecutable)
     EXPECT_EQ(SettingsFilePathFor("/opt/studio/bin/studio"), "/opt/studio/bin/Tamerisk.ini");
     EXPECT_EQ(SettingsFilePathFor("C:\\Studio\\studio.exe"), "C:\\Studio/Tamerisk.ini");
     EXPECT_EQ(SettingsFilePathFor("/studio"), QDir::currentPath() + "/Tamerisk.ini");
+}
+
+TEST(SettingsFile, GoesToTheUsersConfigurationWhenTheExecutablesDirectoryIsNotWritable)
+{
+    const QTemporaryDir home;
+    const bool hadConfig = qEnvironmentVariableIsSet("XDG_CONFIG_HOME");
+    const QByteArray savedConfig = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", home.path().toLocal8Bit());
+    EXPECT_EQ(WritableSettingsFilePathFor(home.filePath("bin/studio")), home.filePath("Tamerisk/Tamerisk.ini"));
+    EXPECT_TRUE(QFileInfo(home.filePath("Tamerisk")).isDir());  // ready for the first write
+    ASSERT_TRUE(QDir(home.path()).mkdir("bin"));
+    EXPECT_EQ(WritableSettingsFilePathFor(home.filePath("bin/studio")), home.filePath("bin/Tamerisk.ini"));
+    hadConfig ? void(qputenv("XDG_CONFIG_HOME", savedConfig)) : void(qunsetenv("XDG_CONFIG_HOME"));
 }
 
 TEST(SettingsFile, ReadsLikeAPrivateProfileAndWritesOnlyItsKeys)

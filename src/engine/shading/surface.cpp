@@ -374,7 +374,7 @@ template <typename Difference>
         const float wy = m00 + 2.0f * m01 + m02 + m20 + 2.0f * m21 + m22;
         const float fx = -sx / wx;
         const float fy = -sy / wy;
-        // NormalizeFloats(fx, fy, 1).
+        // FZNormalizeFloats(fx, fy, 1).
         const float sq = fx * fx + fy * fy + 1.0f;
         const float inv = static_cast<float>(1.0 / std::sqrt(static_cast<double>(sq)));
         // Where a weight is 0 the quotients may not be numbers; those

@@ -7,7 +7,7 @@
 #include <QApplication>
 #include <QTimer>
 
-#include <tamerisk/dlg_attribute.h>
+#include "dialogs/dlg_attribute.h"
 
 #include "dialogs/dialog_template.h"
 

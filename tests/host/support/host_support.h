@@ -18,7 +18,7 @@ struct LoadedLibrary {
     std::string error;  // empty when the library and every function were found
 };
 
-// dlopen, then the nine functions by name; kept loaded, as hosts keep it.
+// dlopen, then the functions by name; kept loaded, as hosts keep it.
 inline const LoadedLibrary& Tamerisk()
 {
     static const LoadedLibrary library = [] {

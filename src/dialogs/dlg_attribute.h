@@ -3,7 +3,9 @@
 // dialog's preview; the host learns of the edits only when the user presses
 // "更新" or the space bar, which sends the host's notify message.
 //
-// A host that owns editor objects itself:
+// The exported functions (host/exports.cpp) drive one such object on the
+// host's behalf; the class itself stays inside the library, so that hosts
+// depend on nothing but the C interface. Used directly it goes:
 //
 //     auto* editor = new CDlgAttribute(hostWindow, kMyNotifyEvent);
 //     editor->Create();                 // builds the window, places it
@@ -24,8 +26,7 @@
 #include <QDialog>
 #include <QPointer>
 
-#include "attribute.h"
-#include "export.h"
+#include <tamerisk/attribute.h>
 
 #include "material/result_codes.h"
 
@@ -34,7 +35,7 @@ class CLargePreview;
 class CPreviewPanel;
 class DialogControls;
 
-class TAMERISK_API CDlgAttribute : public QDialog {
+class CDlgAttribute : public QDialog {
     Q_OBJECT
 
 public:

@@ -1,0 +1,45 @@
+# cmake --install: the library with its public headers, the tools, a CMake
+# package (find_package(Tamerisk) gives Tamerisk::tamerisk) and a pkg-config
+# file (tamerisk.pc). Nothing of the static libraries, the tests or src/ goes
+# into the prefix: a host sees the C interface only.
+include(CMakePackageConfigHelpers)
+
+set(TAMERISK_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Tamerisk)
+
+install(TARGETS tamerisk EXPORT TameriskTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+          COMPONENT runtime NAMELINK_COMPONENT development)
+install(FILES
+  ${PROJECT_SOURCE_DIR}/include/tamerisk/attribute.h
+  ${PROJECT_SOURCE_DIR}/include/tamerisk/export.h
+  ${PROJECT_SOURCE_DIR}/include/tamerisk/fz_truncate.h
+  ${PROJECT_SOURCE_DIR}/include/tamerisk/tamerisk.h
+  ${PROJECT_SOURCE_DIR}/include/tamerisk/version.h
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tamerisk COMPONENT development)
+
+# The tools. The demo host finds the library in ../lib beside its own
+# directory, as it does in the build tree.
+foreach(tool tamerisk-render tamerisk-qva tamerisk-host)
+  if(TARGET ${tool})
+    install(TARGETS ${tool} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+  endif()
+endforeach()
+
+install(EXPORT TameriskTargets NAMESPACE Tamerisk:: DESTINATION ${TAMERISK_CMAKE_DIR}
+  COMPONENT development)
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/TameriskConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/TameriskConfig.cmake INSTALL_DESTINATION ${TAMERISK_CMAKE_DIR})
+# Minor versions only add to the interface; a new major version changes it.
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/TameriskConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/TameriskConfig.cmake
+              ${PROJECT_BINARY_DIR}/TameriskConfigVersion.cmake
+  DESTINATION ${TAMERISK_CMAKE_DIR} COMPONENT development)
+
+# The file names its prefix relative to itself, so that it stays right for
+# any --prefix given to cmake --install, and when the prefix is moved.
+file(RELATIVE_PATH TAMERISK_PC_TO_PREFIX "/p/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/p")
+string(REGEX REPLACE "/$" "" TAMERISK_PC_TO_PREFIX "${TAMERISK_PC_TO_PREFIX}")
+configure_file(${PROJECT_SOURCE_DIR}/cmake/tamerisk.pc.in ${PROJECT_BINARY_DIR}/tamerisk.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/tamerisk.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
