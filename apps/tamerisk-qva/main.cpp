@@ -39,20 +39,13 @@ constexpr const char* kDescription =
     "and NaNs are the strings \"inf\", \"-inf\", \"nan\" or \"nan:0x\" and the\n"
     "8 hex digits of the NaN's bits.\n"
     "\n"
-    "write refuses to overwrite a file that holds JSON text (the arguments
-"
-    "the wrong way round) and to write the file it reads. File names are
-"
-    "taken as they are given, byte for byte.
-"
-    "
-"
-    "On failure the first line on standard error is
-"
-    "\"tamerisk-qva: error <code>: <message>\" and the exit status is 1, or 2
-"
-    "for a wrong command line. The codes: -4 a wrong command line or a
-"
+    "write refuses to overwrite a file that holds JSON text (the arguments\n"
+    "the wrong way round) and to write the file it reads. File names are\n"
+    "taken as they are given, byte for byte.\n"
+    "\n"
+    "On failure the first line on standard error is\n"
+    "\"tamerisk-qva: error <code>: <message>\" and the exit status is 1, or 2\n"
+    "for a wrong command line. The codes: -4 a wrong command line or a\n"
     "wrong value in the JSON, -5 a file that cannot be opened or a\n"
     "write-protected one, -6 a file that ends too early, -7 a file that\n"
     "cannot be written (the reason follows the file name), -8 neither an\n"

@@ -136,16 +136,16 @@ TEST_F(QvaTool, WriteLeavesAJsonFileAndItsOwnInputAlone)
         const char* line;
         const char* reason;
     } cases[] = {
-        {R"("$QVA" write m.json m.qva)", "m.json: the file holds JSON text and is left as it is"},
-        {R"("$QVA" write m.qva m.qva)", "m.qva: the file is both the input and the output"},
-        {R"("$QVA" write link.qva m.qva)", "link.qva: the file is both the input and the output"},
-        {R"("$QVA" write m.qva - < m.qva)", "m.qva: the file is both the input and the output"},
-        {R"("$QVA" write m.qva < link.qva)", "m.qva: the file is both the input and the output"},
+        {R"("$QVA" write m.json m.qva)", "m.json: invalid parameter: the file holds JSON text and is left as it is"},
+        {R"("$QVA" write m.qva m.qva)", "m.qva: invalid parameter: the file is both the input and the output"},
+        {R"("$QVA" write link.qva m.qva)", "link.qva: invalid parameter: the file is both the input and the output"},
+        {R"("$QVA" write m.qva - < m.qva)", "m.qva: invalid parameter: the file is both the input and the output"},
+        {R"("$QVA" write m.qva < link.qva)", "m.qva: invalid parameter: the file is both the input and the output"},
     };
     for (const auto& c : cases) {
         const ToolRun run = Shell(c.line);
         EXPECT_EQ(run.exitCode, 1) << c.line;
-        EXPECT_TRUE(run.FirstErrorLine().startsWith("error -4: ")) << run.FirstErrorLine().toStdString();
+        EXPECT_TRUE(run.FirstErrorLine().startsWith("tamerisk-qva: error -4: ")) << run.FirstErrorLine().toStdString();
         EXPECT_TRUE(run.FirstErrorLine().contains(c.reason)) << run.FirstErrorLine().toStdString();
         EXPECT_EQ(ReadBytes(Path("m.json")), json) << c.line;
         EXPECT_EQ(ReadBytes(Path("m.qva")), qva) << c.line;
@@ -160,8 +160,8 @@ TEST_F(QvaTool, StandardInputIsHeldToOneMebibyteAsFilesAre)
         const char* firstLine;
     } cases[] = {
         {qsizetype{1} << 20, 0, ""},
-        {(qsizetype{1} << 20) + 1, 1, "error -10: "},
-        {qsizetype{64} << 20, 1, "error -10: "},
+        {(qsizetype{1} << 20) + 1, 1, "tamerisk-qva: error -10: "},
+        {qsizetype{64} << 20, 1, "tamerisk-qva: error -10: "},
     };
     for (const auto& c : cases) {
         QByteArray input(c.size, ' ');
