@@ -64,9 +64,16 @@ class RowPool {
 public:
     ~RowPool() { Resize(0); }
 
-    void Run(std::int32_t begin, std::int32_t end, FZRowChunkFunction chunk, void* context, int threads)
+    // Runs the job on the pool and the calling thread; false, having run
+    // nothing, while the pool serves another thread's job: that caller then
+    // runs its rows on its own thread (the same bytes either way) rather
+    // than wait for a pass of unknown length.
+    [[nodiscard]] bool TryRun(std::int32_t begin, std::int32_t end, FZRowChunkFunction chunk, void* context,
+                              int threads)
     {
-        const std::lock_guard<std::mutex> one(jobMutex);
+        const std::unique_lock<std::mutex> one(jobMutex, std::try_to_lock);
+        if (!one.owns_lock())
+            return false;
         Resize(threads - 1);
         const std::int32_t rows = end - begin;
         job = Job{begin, rows, std::min<std::int32_t>(rows, threads * kChunksPerThread), chunk, context};
@@ -79,9 +86,10 @@ public:
         wake.notify_all();
         Work(job);
         if (SpinUntil([this] { return reporting.load(std::memory_order_acquire) == 0; }))
-            return;
+            return true;
         std::unique_lock<std::mutex> lock(mutex);
         done.wait(lock, [this] { return reporting.load(std::memory_order_acquire) == 0; });
+        return true;
     }
 
 private:
@@ -153,7 +161,7 @@ private:
         }
     }
 
-    std::mutex jobMutex;  // one job at a time, whichever thread asks
+    std::mutex jobMutex;  // one job at a time, the first thread that asks
     std::mutex mutex;     // for sleeping and waking
     std::condition_variable wake;
     std::condition_variable done;
@@ -179,10 +187,8 @@ void RunWatchedRows(std::int32_t begin, std::int32_t end, FZRowChunkFunction chu
     const auto watched = [](void* p, std::int32_t first, std::int32_t last) {
         RunWatchedChunk(*static_cast<FZWatchedPass*>(p), first, last);
     };
-    if (threads > 1 && end - begin > 1) {
-        Pool().Run(begin, end, watched, &pass, threads);
+    if (threads > 1 && end - begin > 1 && Pool().TryRun(begin, end, watched, &pass, threads))
         return;
-    }
     const std::int32_t rows = end - begin;
     const std::int32_t chunks = std::min(rows, kChunksPerThread);
     for (std::int32_t i = 0; i < chunks; ++i)
@@ -212,9 +218,7 @@ void RunRowChunks(std::int32_t begin, std::int32_t end, FZRowChunkFunction chunk
         RunWatchedRows(begin, end, chunk, context, threads);
         return;
     }
-    if (threads <= 1 || end - begin == 1 || insideChunk) {
-        chunk(context, begin, end);
+    if (threads > 1 && end - begin > 1 && !insideChunk && Pool().TryRun(begin, end, chunk, context, threads))
         return;
-    }
-    Pool().Run(begin, end, chunk, context, threads);
+    chunk(context, begin, end);
 }
