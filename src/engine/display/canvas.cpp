@@ -1,5 +1,7 @@
 #include "engine/display/canvas.h"
 
+#include <utility>
+
 #include <QPainter>
 
 FZCanvas::FZCanvas(QWidget* parent) : QWidget(parent)
@@ -52,6 +54,12 @@ void FZCanvas::Blit(const QImage& source, const QRect& sourceRect, const QPoint&
     painter.drawImage(clipped.topLeft(), source, from);
     painter.end();
     surface.setDevicePixelRatio(ratio);
+    update();
+}
+
+void FZCanvas::Show(QImage picture)
+{
+    surface = std::move(picture);
     update();
 }
 

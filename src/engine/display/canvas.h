@@ -21,6 +21,11 @@ public:
     // repaints.
     void Blit(const QImage& source, const QRect& sourceRect, const QPoint& target);
 
+    // Shows `picture` as the whole surface, as it is (device pixels, with
+    // the picture's own pixel ratio): a picture already in the screen's
+    // format is painted without a conversion, and nothing is copied here.
+    void Show(QImage picture);
+
     // What is shown: empty until the first draw.
     const QImage& Surface() const { return surface; }
     // The widget's size in device pixels.
