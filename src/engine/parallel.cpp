@@ -57,9 +57,11 @@ bool SpinUntil(Ready ready)
     }
 }
 
-// The workers wait for a job, claim its chunks by number until none is
-// left, and report back. Every worker reports on every job, so the job's
-// state is never touched by a worker once its caller has returned.
+// The workers wait for a job, join it while it is open, claim its chunks by
+// number until none is left, and leave. The caller closes the job once it
+// has no chunk left to claim and waits only for the workers that joined: a
+// worker that wakes late (the system had the core busy) finds the job closed
+// and touches nothing of it, and the caller never waits for it.
 class RowPool {
 public:
     ~RowPool() { Resize(0); }
@@ -78,17 +80,19 @@ public:
         const std::int32_t rows = end - begin;
         job = Job{begin, rows, std::min<std::int32_t>(rows, threads * kChunksPerThread), chunk, context};
         next.store(0);
-        reporting.store(static_cast<int>(workers.size()));
+        entry.store(kOpen, std::memory_order_release);
         {
             const std::lock_guard<std::mutex> lock(mutex);
             generation.fetch_add(1, std::memory_order_release);
         }
         wake.notify_all();
         Work(job);
-        if (SpinUntil([this] { return reporting.load(std::memory_order_acquire) == 0; }))
+        entry.fetch_and(~kOpen, std::memory_order_acq_rel);
+        const auto left = [this] { return entry.load(std::memory_order_acquire) == 0; };
+        if (SpinUntil(left))
             return true;
         std::unique_lock<std::mutex> lock(mutex);
-        done.wait(lock, [this] { return reporting.load(std::memory_order_acquire) == 0; });
+        done.wait(lock, left);
         return true;
     }
 
@@ -129,12 +133,27 @@ private:
             if (stopping.load(std::memory_order_acquire))
                 return;
             seen = generation.load(std::memory_order_acquire);
+            if (!Join())
+                continue;
             Work(job);
-            if (reporting.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+            // The last to leave a closed job tells its caller.
+            if (entry.fetch_sub(1, std::memory_order_acq_rel) == 1) {
                 const std::lock_guard<std::mutex> lock(mutex);
                 done.notify_one();
             }
         }
+    }
+
+    // Counts this worker into the open job; false when it is closed.
+    bool Join()
+    {
+        std::uint32_t state = entry.load(std::memory_order_relaxed);
+        do {
+            if ((state & kOpen) == 0)
+                return false;
+        } while (!entry.compare_exchange_weak(state, state + 1, std::memory_order_acq_rel,
+                                              std::memory_order_relaxed));
+        return true;
     }
 
     // Keeps exactly count workers (fewer when the system refuses threads);
@@ -168,7 +187,9 @@ private:
     std::vector<std::thread> workers;
     Job job;
     std::atomic<std::int32_t> next{0};
-    std::atomic<int> reporting{0};
+    // kOpen while workers may join the job, plus the workers in it.
+    static constexpr std::uint32_t kOpen = 1u << 31;
+    std::atomic<std::uint32_t> entry{0};
     std::atomic<std::uint64_t> generation{0};
     std::atomic<bool> stopping{false};
 };
