@@ -56,6 +56,11 @@ void CLargePreview::ShowMaterial(const FZAttributeEx& record, int bind, int samp
         Request(moving);
 }
 
+bool CLargePreview::Settled() const
+{
+    return anyRequested && !requested.draft && shownSequence == requested.sequence;
+}
+
 void CLargePreview::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
@@ -105,13 +110,14 @@ void CLargePreview::Request(bool moving)
     renderer->Post(requested);
 }
 
-void CLargePreview::ShowFrame(quint64 sequence, const QImage& frame)
+void CLargePreview::ShowFrame(const CPreviewFrame& frame)
 {
     // Frames come in order; one older than the picture shown never replaces it.
-    if (sequence <= shownSequence)
+    if (frame.sequence <= shownSequence)
         return;
-    shownSequence = sequence;
-    area->Show(frame);
+    const QRect changed = frame.base == shownSequence ? frame.changed : frame.image.rect();
+    shownSequence = frame.sequence;
+    area->Show(frame.image, changed);
 }
 
 void CLargePreview::RememberSize() const

@@ -42,6 +42,9 @@ public:
     // come first. While the window is shown it follows at once; while it is
     // hidden the values are only kept.
     void ShowMaterial(const FZAttributeEx& record, int bind, int shape, bool moving = false);
+    // Whether the window shows the full picture of the last thing it was
+    // given (false while it is hidden, and while a frame is on its way).
+    bool Settled() const;
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -52,7 +55,7 @@ private:
     // Asks for the picture of the area's size, the shape and the material,
     // unless it was the last thing asked for.
     void Request(bool moving);
-    void ShowFrame(quint64 sequence, const QImage& frame);
+    void ShowFrame(const CPreviewFrame& frame);
     void RememberSize() const;
 
     FZCanvas* area = nullptr;

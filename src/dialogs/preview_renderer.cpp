@@ -1,6 +1,11 @@
 #include "dialogs/preview_renderer.h"
 
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <system_error>
+#include <utility>
 
 #include "dialogs/material_history.h"
 #include "engine/display/image_display.h"
@@ -11,9 +16,49 @@ namespace {
 // 640 x 360, which every material renders within a frame or two of a drag.
 constexpr qint64 kDraftPixels = 512 * 512;
 
+// How much lower than the window's thread the render thread runs.
+constexpr int kRenderNiceness = 5;
+
 qint64 Area(QSize size)
 {
     return qint64{size.width()} * size.height();
+}
+
+// The columns [first, last) in which two lines of 32-bit pixels differ;
+// first == last when they are the same.
+std::pair<int, int> ChangedColumns(const QRgb* a, const QRgb* b, int width)
+{
+    int first = 0;
+    while (first < width && a[first] == b[first])
+        ++first;
+    int last = width;
+    while (last > first && a[last - 1] == b[last - 1])
+        --last;
+    return {first, last};
+}
+
+// The smallest rectangle outside which the two images are the same; all of
+// `after` when they differ in size or format.
+QRect ChangedRect(const QImage& before, const QImage& after)
+{
+    if (before.size() != after.size() || before.format() != after.format() || after.depth() != 32)
+        return after.rect();
+    int left = after.width();
+    int right = 0;
+    int top = -1;
+    int bottom = -1;
+    for (int y = 0; y < after.height(); ++y) {
+        const auto* a = reinterpret_cast<const QRgb*>(before.constScanLine(y));
+        const auto* b = reinterpret_cast<const QRgb*>(after.constScanLine(y));
+        const auto [first, last] = ChangedColumns(a, b, after.width());
+        if (first == last)
+            continue;
+        top = top < 0 ? y : top;
+        bottom = y;
+        left = std::min(left, first);
+        right = std::max(right, last);
+    }
+    return top < 0 ? QRect() : QRect(QPoint(left, top), QPoint(right - 1, bottom));
 }
 
 } // namespace
@@ -78,6 +123,10 @@ void CPreviewRenderer::Cancel()
 
 void CPreviewRenderer::Loop()
 {
+    // The window's thread comes first when the cores are busy: a frame may
+    // come a little later, an edit is never held up. (Raising a thread's
+    // niceness needs no privilege; should it fail, nothing else changes.)
+    static_cast<void>(setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kRenderNiceness));
     // The stop flag is this thread's alone: the dialogs' renders on the
     // window's thread are never stopped by it.
     SetRenderWatch(&watch);
@@ -101,6 +150,7 @@ void CPreviewRenderer::Loop()
     // The scenes go with the thread that made them, not on the window's.
     full.panel.ReleaseScene();
     draft.panel.ReleaseScene();
+    sent = CPreviewFrame();
 }
 
 void CPreviewRenderer::Render(const CPreviewRequest& request)
@@ -115,7 +165,11 @@ void CPreviewRenderer::Render(const CPreviewRequest& request)
     if (Stopped() || frame.isNull())
         return;
     frame.setDevicePixelRatio(request.ratio);
-    emit FrameReady(request.sequence, frame);
+    CPreviewFrame next{request.sequence, frame, sent.sequence, ChangedRect(sent.image, frame)};
+    if (Stopped())
+        return;
+    sent = next;
+    emit FrameReady(next);
 }
 
 FZResult CPreviewRenderer::Bring(Target& target, QSize size, const CPreviewRequest& request)

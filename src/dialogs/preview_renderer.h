@@ -7,8 +7,7 @@
 // newer request arrives (a quick draft is not stopped by the next draft, so
 // that a drag keeps showing pictures). Each finished frame goes out with its
 // request's sequence number by FrameReady, from the render thread, as an
-// image ready to paint: 32-bit RGB at the requested size in device pixels,
-// with the screen's pixel ratio.
+// image ready to paint (CPreviewFrame).
 //
 // The thread keeps two preview panels, one at the full size and one for the
 // drafts, so that a drag and its refinement do not build each other's scene
@@ -24,7 +23,9 @@
 #include <thread>
 
 #include <QImage>
+#include <QMetaType>
 #include <QObject>
+#include <QRect>
 #include <QSize>
 
 #include <tamerisk/attribute.h>
@@ -42,6 +43,19 @@ struct CPreviewRequest {
     bool draft = false;
     quint64 sequence = 0;
 };
+
+// A finished frame, ready to paint.
+struct CPreviewFrame {
+    quint64 sequence = 0;  // of its request
+    // 32-bit RGB at the requested size, with the screen's pixel ratio.
+    QImage image;
+    // Where the image differs from the frame sent before it (sequence
+    // `base`; 0 when none was), in device pixels: a drag changes the sample,
+    // not the ground around it, so that is all a window need paint again.
+    quint64 base = 0;
+    QRect changed;
+};
+Q_DECLARE_METATYPE(CPreviewFrame)
 
 class CPreviewRenderer : public QObject {
     Q_OBJECT
@@ -67,7 +81,7 @@ public:
 signals:
     // Emitted on the render thread: connect with an automatic or a queued
     // connection.
-    void FrameReady(quint64 sequence, const QImage& frame);
+    void FrameReady(const CPreviewFrame& frame);
 
 private:
     // A panel and the material its sample was last given.
@@ -90,6 +104,7 @@ private:
     // Touched by the render thread alone.
     Target full;
     Target draft;
+    CPreviewFrame sent;  // the last frame sent
 
     std::mutex mutex;  // guards what follows, up to the thread
     std::condition_variable wake;

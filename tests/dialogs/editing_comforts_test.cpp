@@ -18,6 +18,7 @@
 #include <QDir>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPainter>
 #include <QPointer>
 #include <QScrollBar>
 #include <QTemporaryDir>
@@ -276,11 +277,17 @@ class Renderer : public ::testing::Test {
 protected:
     Renderer()
     {
-        QObject::connect(&renderer, &CPreviewRenderer::FrameReady, &receiver,
-                         [this](quint64 sequence, const QImage& frame) {
-                             sequences.push_back(sequence);
-                             last = frame;
-                         });
+        QObject::connect(&renderer, &CPreviewRenderer::FrameReady, &receiver, [this](const CPreviewFrame& frame) {
+            // Outside its changed rectangle a frame is the frame before it.
+            if (frame.base != 0 && frame.base == sequences.back()) {
+                QImage outside = last;
+                QPainter(&outside).drawImage(frame.changed.topLeft(), frame.image, frame.changed);
+                EXPECT_EQ(outside, frame.image) << frame.sequence;
+            }
+            sequences.push_back(frame.sequence);
+            last = frame.image;
+            last.setDevicePixelRatio(1.0);
+        });
     }
     CPreviewRequest Request(float diffuse, QSize pixels)
     {
