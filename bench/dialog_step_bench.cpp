@@ -122,21 +122,31 @@ constexpr int kDragSteps = 100;
 constexpr auto kMouseInterval = std::chrono::milliseconds(16);
 constexpr auto kSettleLimit = std::chrono::seconds(60);
 
-void LargePreviewDrag(benchmark::State& state, const FZAttributeEx& material)
+// The material dialog showing the material, with the benchmark's thread
+// count; null (the benchmark skipped) when it cannot be made.
+std::unique_ptr<CDlgAttribute> ShownDialog(benchmark::State& state, const FZAttributeEx& material)
 {
     SetRenderThreads(static_cast<int>(state.range(0)));
-    CDlgAttribute dialog(nullptr);
-    if (!dialog.Create()) {
-        state.SkipWithError("the dialog could not be created");
-        return;
+    auto dialog = std::make_unique<CDlgAttribute>(nullptr);
+    if (!dialog->Create() || DlgItem<QScrollBar>(dialog.get(), kIdDiffuse) == nullptr
+        || GetDlgItem(dialog.get(), kIdPreview) == nullptr) {
+        state.SkipWithError("the dialog, its diffuse slider or its preview could not be made");
+        return nullptr;
     }
-    dialog.SetAttribute(material);
-    dialog.UpdatePanelView();
-    dialog.show();
+    dialog->SetAttribute(material);
+    dialog->UpdatePanelView();
+    dialog->show();
     QApplication::processEvents();
-    QScrollBar* diffuse = DlgItem<QScrollBar>(&dialog, kIdDiffuse);
-    QWidget* preview = GetDlgItem(&dialog, kIdPreview);
-    if (diffuse == nullptr || preview == nullptr || !OpenLargePreview(preview, QSize(3840, 2160))) {
+    return dialog;
+}
+
+void LargePreviewDrag(benchmark::State& state, const FZAttributeEx& material)
+{
+    const std::unique_ptr<CDlgAttribute> dialog = ShownDialog(state, material);
+    if (dialog == nullptr)
+        return;
+    QScrollBar* diffuse = DlgItem<QScrollBar>(dialog.get(), kIdDiffuse);
+    if (!OpenLargePreview(GetDlgItem(dialog.get(), kIdPreview), QSize(3840, 2160))) {
         state.SkipWithError("the large preview did not open at 3840 x 2160");
         return;
     }
@@ -193,22 +203,11 @@ void LargePreviewDrag(benchmark::State& state, const FZAttributeEx& material)
 
 void SliderStep(benchmark::State& state, const FZAttributeEx& material, int largeSide)
 {
-    SetRenderThreads(static_cast<int>(state.range(0)));
-    CDlgAttribute dialog(nullptr);
-    if (!dialog.Create()) {
-        state.SkipWithError("the dialog could not be created");
+    const std::unique_ptr<CDlgAttribute> dialog = ShownDialog(state, material);
+    if (dialog == nullptr)
         return;
-    }
-    dialog.SetAttribute(material);
-    dialog.UpdatePanelView();
-    dialog.show();
-    QApplication::processEvents();
-    QScrollBar* diffuse = DlgItem<QScrollBar>(&dialog, kIdDiffuse);
-    QWidget* preview = GetDlgItem(&dialog, kIdPreview);
-    if (diffuse == nullptr || preview == nullptr) {
-        state.SkipWithError("the dialog has no diffuse slider or preview");
-        return;
-    }
+    QScrollBar* diffuse = DlgItem<QScrollBar>(dialog.get(), kIdDiffuse);
+    QWidget* preview = GetDlgItem(dialog.get(), kIdPreview);
     if (largeSide > 0 && !OpenLargePreview(preview, QSize(largeSide, largeSide))) {
         state.SkipWithError("the large preview did not open at its size");
         return;
