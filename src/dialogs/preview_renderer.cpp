@@ -151,6 +151,7 @@ void CPreviewRenderer::Loop()
     full.panel.ReleaseScene();
     draft.panel.ReleaseScene();
     sent = CPreviewFrame();
+    sentBefore = QImage();
 }
 
 void CPreviewRenderer::Render(const CPreviewRequest& request)
@@ -168,6 +169,7 @@ void CPreviewRenderer::Render(const CPreviewRequest& request)
     CPreviewFrame next{request.sequence, frame, sent.sequence, ChangedRect(sent.image, frame)};
     if (Stopped())
         return;
+    sentBefore = std::move(sent.image);
     sent = next;
     emit FrameReady(next);
 }

@@ -105,6 +105,10 @@ private:
     Target full;
     Target draft;
     CPreviewFrame sent;  // the last frame sent
+    // The one sent before it, which the window may still show: released
+    // here, when the next frame goes out, so that the window's thread
+    // seldom has to give its memory back.
+    QImage sentBefore;
 
     std::mutex mutex;  // guards what follows, up to the thread
     std::condition_variable wake;

@@ -63,7 +63,7 @@ namespace {
 
 // The most a band of rows holds: its paint is a copy of this many bytes at
 // most, a few milliseconds.
-constexpr qsizetype kBandBytes = qsizetype{4} << 20;
+constexpr qsizetype kBandBytes = qsizetype{2} << 20;
 
 } // namespace
 
