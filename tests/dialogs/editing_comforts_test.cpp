@@ -5,8 +5,10 @@
 // With TAMERISK_SCREENSHOT_DIR set the large preview test writes the README's
 // picture of it there (see screenshot_test.cpp).
 #include <algorithm>
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -26,6 +28,7 @@
 #include <QUrl>
 #include <gtest/gtest.h>
 
+#include "../../bench/bench_materials.h"
 #include "dialogs/dialog_template.h"
 #include "dialogs/material_history.h"
 #include "dialogs/preview_renderer.h"
@@ -334,6 +337,28 @@ TEST_F(Renderer, TheLastRequestWinsAndFramesComeInOrder)
     EXPECT_TRUE(std::adjacent_find(sequences.begin(), sequences.end()) == sequences.end());
     EXPECT_GT(sequences.front(), stopped);
     EXPECT_EQ(last, Rendered(request.material, 3, request.pixels));
+}
+
+// A render stopped at any point of building a shape or shading leaves
+// nothing behind: the render that follows, of the same shape, is exact.
+TEST_F(Renderer, StoppedRendersLeaveTheNextOneExact)
+{
+    const std::vector<BenchMaterial> materials = BenchMaterials();
+    const auto settled = [&] { return !sequences.empty() && sequences.back() == posted; };
+    for (int round = 0; round < 12; ++round) {
+        renderer.Post(Request(0.5f, QSize(640, 480)));
+        ASSERT_TRUE(QTest::qWaitFor(settled));
+        // A new shape, stopped after `round` ms by a new material on it.
+        CPreviewRequest request = Request(0.5f, QSize(640, 480));
+        request.shape = round % 2 + 1;
+        renderer.Post(request);
+        std::this_thread::sleep_for(std::chrono::milliseconds(round));
+        request.material = materials[static_cast<std::size_t>(round) % materials.size()].material;
+        request.sequence = ++posted;
+        renderer.Post(request);
+        ASSERT_TRUE(QTest::qWaitFor(settled));
+        EXPECT_EQ(last, Rendered(request.material, request.shape, request.pixels)) << round;
+    }
 }
 
 // A draft is the picture at a reduced size shown enlarged, small enough to
