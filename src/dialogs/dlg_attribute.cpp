@@ -1,5 +1,6 @@
 #include "dialogs/dlg_attribute.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 
@@ -161,6 +162,12 @@ struct CDlgAttribute::Controls {
             colorControls.push_back(built.Get<QWidget>(id));
     }
 
+    // Whether the user holds a slider's thumb: a drag is in progress.
+    bool SliderHeld() const
+    {
+        return std::any_of(sliders.begin(), sliders.end(), [](const QScrollBar* bar) { return bar->isSliderDown(); });
+    }
+
     std::array<QScrollBar*, kSliderCount> sliders{};  // in the order of kSliders
     FZCanvas* preview;
     COwnerDrawButton* colorSwatch;
@@ -266,6 +273,11 @@ void CDlgAttribute::ConnectHandlers(const DialogControls& built)
     for (std::size_t i = 0; i < kSliderCount; ++i) {
         ConnectHScroll(controls->sliders[i], [this, i](QScrollBar*, int p) { OnHScroll(i, p); });
         history->Watch(controls->sliders[i]);
+        // The drag is over: the large preview refines its draft at once.
+        connect(controls->sliders[i], &QAbstractSlider::sliderReleased, this, [this] {
+            if (largePreview)
+                largePreview->ShowMaterial(attribute, colorBind, sampleShape);
+        });
     }
     ConnectEditActions();
 
@@ -434,7 +446,7 @@ void CDlgAttribute::ReDraw()
     DrawHighlightColorPallete();
     UpdateEnabling();
     if (largePreview)
-        largePreview->ShowMaterial(attribute, colorBind, sampleShape);
+        largePreview->ShowMaterial(attribute, colorBind, sampleShape, controls->SliderHeld());
 }
 
 void CDlgAttribute::ShowSampleShape(int shape)

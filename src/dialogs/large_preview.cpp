@@ -1,14 +1,26 @@
 #include "dialogs/large_preview.h"
 
-#include <QTimer>
 #include <QVBoxLayout>
 
 #include "dialogs/material_history.h"
 #include "engine/display/canvas.h"
 #include "host/settings.h"
-#include "host/settings.h"
 
-CLargePreview::CLargePreview(QWidget* owner) : QWidget(owner, Qt::Window)
+namespace {
+
+// A drag that has not moved for this long has come to rest.
+constexpr int kRestMs = 150;
+
+bool SameRequest(const CPreviewRequest& a, const CPreviewRequest& b)
+{
+    return SameRecord(a.material, b.material) && a.bind == b.bind && a.shape == b.shape && a.pixels == b.pixels
+           && a.ratio == b.ratio && a.draft == b.draft;
+}
+
+} // namespace
+
+CLargePreview::CLargePreview(QWidget* owner)
+    : QWidget(owner, Qt::Window), renderer(std::make_unique<CPreviewRenderer>())
 {
     setObjectName(QStringLiteral("tamerisk-large-preview"));
     setWindowTitle(QString::fromUtf8("ﾌﾟﾚﾋﾞｭｰ"));
@@ -18,6 +30,11 @@ CLargePreview::CLargePreview(QWidget* owner) : QWidget(owner, Qt::Window)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(area);
+    rest.setSingleShot(true);
+    rest.setInterval(kRestMs);
+    connect(&rest, &QTimer::timeout, this, [this] { Request(false); });
+    // Frames come from the render thread, so they are queued to this one.
+    connect(renderer.get(), &CPreviewRenderer::FrameReady, this, &CLargePreview::ShowFrame);
     resize(ReadLargePreviewSize(SettingsFilePath()));
 }
 
@@ -25,26 +42,37 @@ CLargePreview::~CLargePreview()
 {
     if (isVisible())
         RememberSize();
+    // Joined here, while the window is whole; frames it still sent are
+    // dropped with the window's pending events.
+    renderer.reset();
 }
 
-void CLargePreview::ShowMaterial(const FZAttributeEx& record, int bind, int sampleShape)
+void CLargePreview::ShowMaterial(const FZAttributeEx& record, int bind, int sampleShape, bool moving)
 {
-    material = record;
-    colorBind = bind;
-    shape = sampleShape;
+    wanted.material = record;
+    wanted.bind = bind;
+    wanted.shape = sampleShape;
     if (isVisible())
-        Render();
+        Request(moving);
+}
+
+bool CLargePreview::Settled() const
+{
+    return anyRequested && !requested.draft && shownSequence == requested.sequence;
 }
 
 void CLargePreview::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    Render();
+    Request(false);
 }
 
 void CLargePreview::hideEvent(QHideEvent* event)
 {
     QWidget::hideEvent(event);
+    rest.stop();
+    renderer->Cancel();
+    anyRequested = false;
     RememberSize();
 }
 
@@ -52,50 +80,44 @@ void CLargePreview::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
     // Dragging the window's edge sends a stream of resizes; the picture for
-    // the new size is made once, when the events that came with it are done.
+    // the new size is asked for once, when the events that came with it are
+    // done.
     if (!isVisible() || renderQueued)
         return;
     renderQueued = true;
     QTimer::singleShot(0, this, [this] {
         renderQueued = false;
-        Render();
+        Request(false);
     });
 }
 
-void CLargePreview::Render()
+void CLargePreview::Request(bool moving)
 {
-    const QSize pixels = area->PixelSize();
-    const FZScene* scene = panel.Scene();
-    if (scene == nullptr || scene->width != pixels.width() || scene->height != pixels.height()) {
-        // An area the scene cannot be made for (none yet, or too large for
-        // the memory) keeps the last picture until its next size. The
-        // material goes on with the set-up, so a new size renders once.
-        if (panel.SetUpFrame(pixels.width(), pixels.height(), shape, material, colorBind) != FZResult::Ok) {
-            shown = false;
-            panel.ReleaseScene();
-            return;
-        }
-        ShowFrame();
+    wanted.pixels = area->PixelSize();
+    wanted.ratio = area->devicePixelRatioF();
+    if (wanted.pixels.isEmpty())
         return;
-    }
-    if (panel.ShapeNumber() != shape) {
-        shown = false;
-        if (panel.BuildSampleShape(shape) != FZResult::Ok)
-            return;
-    }
-    if (shown && SameRecord(material, shownMaterial) && colorBind == shownBind)
+    wanted.draft = moving && CPreviewRenderer::DraftSize(wanted.pixels) != wanted.pixels;
+    if (wanted.draft)
+        rest.start();
+    else
+        rest.stop();
+    if (anyRequested && SameRequest(wanted, requested))
         return;
-    if (panel.ApplyMaterial(material, colorBind) != FZResult::Ok)
-        return;
-    ShowFrame();
+    wanted.sequence = requested.sequence + 1;
+    requested = wanted;
+    anyRequested = true;
+    renderer->Post(requested);
 }
 
-void CLargePreview::ShowFrame()
+void CLargePreview::ShowFrame(const CPreviewFrame& frame)
 {
-    shownMaterial = material;
-    shownBind = colorBind;
-    shown = true;
-    panel.Present(area);
+    // Frames come in order; one older than the picture shown never replaces it.
+    if (frame.sequence <= shownSequence)
+        return;
+    const QRect changed = frame.base == shownSequence ? frame.changed : frame.image.rect();
+    shownSequence = frame.sequence;
+    area->Show(frame.image, changed);
 }
 
 void CLargePreview::RememberSize() const

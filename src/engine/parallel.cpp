@@ -57,31 +57,43 @@ bool SpinUntil(Ready ready)
     }
 }
 
-// The workers wait for a job, claim its chunks by number until none is
-// left, and report back. Every worker reports on every job, so the job's
-// state is never touched by a worker once its caller has returned.
+// The workers wait for a job, join it while it is open, claim its chunks by
+// number until none is left, and leave. The caller closes the job once it
+// has no chunk left to claim and waits only for the workers that joined: a
+// worker that wakes late (the system had the core busy) finds the job closed
+// and touches nothing of it, and the caller never waits for it.
 class RowPool {
 public:
     ~RowPool() { Resize(0); }
 
-    void Run(std::int32_t begin, std::int32_t end, FZRowChunkFunction chunk, void* context, int threads)
+    // Runs the job on the pool and the calling thread; false, having run
+    // nothing, while the pool serves another thread's job: that caller then
+    // runs its rows on its own thread (the same bytes either way) rather
+    // than wait for a pass of unknown length.
+    [[nodiscard]] bool TryRun(std::int32_t begin, std::int32_t end, FZRowChunkFunction chunk, void* context,
+                              int threads)
     {
-        const std::lock_guard<std::mutex> one(jobMutex);
+        const std::unique_lock<std::mutex> one(jobMutex, std::try_to_lock);
+        if (!one.owns_lock())
+            return false;
         Resize(threads - 1);
         const std::int32_t rows = end - begin;
         job = Job{begin, rows, std::min<std::int32_t>(rows, threads * kChunksPerThread), chunk, context};
         next.store(0);
-        reporting.store(static_cast<int>(workers.size()));
+        entry.store(kOpen, std::memory_order_release);
         {
             const std::lock_guard<std::mutex> lock(mutex);
             generation.fetch_add(1, std::memory_order_release);
         }
         wake.notify_all();
         Work(job);
-        if (SpinUntil([this] { return reporting.load(std::memory_order_acquire) == 0; }))
-            return;
+        entry.fetch_and(~kOpen, std::memory_order_acq_rel);
+        const auto left = [this] { return entry.load(std::memory_order_acquire) == 0; };
+        if (SpinUntil(left))
+            return true;
         std::unique_lock<std::mutex> lock(mutex);
-        done.wait(lock, [this] { return reporting.load(std::memory_order_acquire) == 0; });
+        done.wait(lock, left);
+        return true;
     }
 
 private:
@@ -121,12 +133,27 @@ private:
             if (stopping.load(std::memory_order_acquire))
                 return;
             seen = generation.load(std::memory_order_acquire);
+            if (!Join())
+                continue;
             Work(job);
-            if (reporting.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+            // The last to leave a closed job tells its caller.
+            if (entry.fetch_sub(1, std::memory_order_acq_rel) == 1) {
                 const std::lock_guard<std::mutex> lock(mutex);
                 done.notify_one();
             }
         }
+    }
+
+    // Counts this worker into the open job; false when it is closed.
+    bool Join()
+    {
+        std::uint32_t state = entry.load(std::memory_order_relaxed);
+        do {
+            if ((state & kOpen) == 0)
+                return false;
+        } while (!entry.compare_exchange_weak(state, state + 1, std::memory_order_acq_rel,
+                                              std::memory_order_relaxed));
+        return true;
     }
 
     // Keeps exactly count workers (fewer when the system refuses threads);
@@ -153,14 +180,16 @@ private:
         }
     }
 
-    std::mutex jobMutex;  // one job at a time, whichever thread asks
+    std::mutex jobMutex;  // one job at a time, the first thread that asks
     std::mutex mutex;     // for sleeping and waking
     std::condition_variable wake;
     std::condition_variable done;
     std::vector<std::thread> workers;
     Job job;
     std::atomic<std::int32_t> next{0};
-    std::atomic<int> reporting{0};
+    // kOpen while workers may join the job, plus the workers in it.
+    static constexpr std::uint32_t kOpen = 1u << 31;
+    std::atomic<std::uint32_t> entry{0};
     std::atomic<std::uint64_t> generation{0};
     std::atomic<bool> stopping{false};
 };
@@ -179,10 +208,8 @@ void RunWatchedRows(std::int32_t begin, std::int32_t end, FZRowChunkFunction chu
     const auto watched = [](void* p, std::int32_t first, std::int32_t last) {
         RunWatchedChunk(*static_cast<FZWatchedPass*>(p), first, last);
     };
-    if (threads > 1 && end - begin > 1) {
-        Pool().Run(begin, end, watched, &pass, threads);
+    if (threads > 1 && end - begin > 1 && Pool().TryRun(begin, end, watched, &pass, threads))
         return;
-    }
     const std::int32_t rows = end - begin;
     const std::int32_t chunks = std::min(rows, kChunksPerThread);
     for (std::int32_t i = 0; i < chunks; ++i)
@@ -212,9 +239,7 @@ void RunRowChunks(std::int32_t begin, std::int32_t end, FZRowChunkFunction chunk
         RunWatchedRows(begin, end, chunk, context, threads);
         return;
     }
-    if (threads <= 1 || end - begin == 1 || insideChunk) {
-        chunk(context, begin, end);
+    if (threads > 1 && end - begin > 1 && !insideChunk && Pool().TryRun(begin, end, chunk, context, threads))
         return;
-    }
-    Pool().Run(begin, end, chunk, context, threads);
+    chunk(context, begin, end);
 }

@@ -3,6 +3,10 @@
 // ParallelRows, which splits them into contiguous chunks and runs the chunks
 // on the pool's threads and the caller's.
 //
+// Several threads may render at once (the editor's large preview has a
+// thread of its own): the pool serves one pass at a time, and a pass that
+// finds it busy runs on its caller's thread alone.
+//
 // The thread count decides only how many cores run the renderer: every count
 // runs the same code and gives the same bytes.
 #ifndef TAMERISK_ENGINE_PARALLEL_H
@@ -25,9 +29,9 @@ using FZRowChunkFunction = void (*)(void* context, std::int32_t first, std::int3
 
 // Runs chunk over contiguous chunks that together cover [begin, end) exactly
 // once, on the pool and the calling thread, and returns when all are done.
-// With one thread, for a single row, or when called from inside a chunk, it
-// calls chunk(context, begin, end) on the calling thread. Chunks must not
-// throw.
+// With one thread, for a single row, when called from inside a chunk, or
+// while the pool runs another thread's pass, it calls chunk(context, begin,
+// end) on the calling thread. Chunks must not throw.
 void RunRowChunks(std::int32_t begin, std::int32_t end, FZRowChunkFunction chunk, void* context);
 
 // Calls row(y) for every y in [begin, end), rows split across the pool.

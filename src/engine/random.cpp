@@ -1,6 +1,7 @@
 #include "engine/random.h"
 
 #include <ctime>
+#include <mutex>
 #include <random>
 
 namespace {
@@ -11,6 +12,14 @@ std::mt19937& State()
 {
     static std::mt19937 state(5489u);
     return state;
+}
+
+// The editor draws random colours on its window's thread while the large
+// preview may shade grooves on its own; each draw or seeding is whole.
+std::mutex& StateMutex()
+{
+    static std::mutex mutex;
+    return mutex;
 }
 
 std::optional<std::uint32_t>& FixedSeedSlot()
@@ -31,6 +40,7 @@ FZRandom::FZRandom()
 
 std::uint32_t FZRandom::Next()
 {
+    const std::lock_guard<std::mutex> lock(StateMutex());
     return static_cast<std::uint32_t>(State()());
 }
 
@@ -46,6 +56,7 @@ double FZRandom::Between(double a, double b)
 
 void FZRandom::Seed(std::uint32_t seed)
 {
+    const std::lock_guard<std::mutex> lock(StateMutex());
     State().seed(seed);
 }
 

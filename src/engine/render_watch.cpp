@@ -1,43 +1,63 @@
 #include "engine/render_watch.h"
 
-#include <mutex>
-
 namespace {
 
-std::atomic<const FZRenderWatch*> current{nullptr};
-// Reports come from several threads; the watcher sees one at a time.
-std::mutex reportMutex;
+thread_local const FZRenderWatch* current = nullptr;
+
+bool StopRequested(const FZRenderWatch* watch)
+{
+    return watch != nullptr && watch->stop != nullptr && watch->stop->load(std::memory_order_relaxed);
+}
+
+// Lends a pass's watch to the thread that runs one of its chunks, so that
+// the work inside the chunk polls the same stop flag.
+class BorrowedWatch {
+public:
+    explicit BorrowedWatch(const FZRenderWatch* watch) : saved(current) { current = watch; }
+    ~BorrowedWatch() { current = saved; }
+    BorrowedWatch(const BorrowedWatch&) = delete;
+    BorrowedWatch& operator=(const BorrowedWatch&) = delete;
+
+private:
+    const FZRenderWatch* saved;
+};
 
 }  // namespace
 
 void SetRenderWatch(const FZRenderWatch* watch)
 {
-    current.store(watch);
+    current = watch;
+}
+
+const FZRenderWatch* RenderWatch()
+{
+    return current;
 }
 
 bool RenderWatched()
 {
-    return current.load(std::memory_order_relaxed) != nullptr;
+    return current != nullptr;
 }
 
 bool RenderStopRequested()
 {
-    const FZRenderWatch* watch = current.load(std::memory_order_acquire);
-    return watch != nullptr && watch->stop != nullptr && watch->stop->load(std::memory_order_relaxed);
+    return StopRequested(current);
 }
 
 void RunWatchedChunk(FZWatchedPass& pass, std::int32_t first, std::int32_t last)
 {
-    if (RenderStopRequested())
+    if (StopRequested(pass.watch))
         return;
-    pass.chunk(pass.context, first, last);
+    {
+        const BorrowedWatch borrowed(pass.watch);
+        pass.chunk(pass.context, first, last);
+    }
     const std::int32_t done = pass.done.fetch_add(last - first) + (last - first);
-    const FZRenderWatch* watch = current.load(std::memory_order_acquire);
-    if (watch == nullptr || watch->rowsDone == nullptr)
+    if (pass.watch == nullptr || pass.watch->rowsDone == nullptr)
         return;
     // A report that would wait for another is dropped: the next one follows
     // within a chunk.
-    std::unique_lock<std::mutex> lock(reportMutex, std::try_to_lock);
+    std::unique_lock<std::mutex> lock(pass.reporting, std::try_to_lock);
     if (lock.owns_lock())
-        watch->rowsDone(watch->context, done, pass.total);
+        pass.watch->rowsDone(pass.watch->context, done, pass.total);
 }

@@ -4,8 +4,13 @@
 //
 // With TAMERISK_SCREENSHOT_DIR set the large preview test writes the README's
 // picture of it there (see screenshot_test.cpp).
+#include <algorithm>
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <thread>
+#include <utility>
+#include <vector>
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -15,14 +20,18 @@
 #include <QDir>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPainter>
+#include <QPointer>
 #include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
 #include <gtest/gtest.h>
 
+#include "../../bench/bench_materials.h"
 #include "dialogs/dialog_template.h"
 #include "dialogs/material_history.h"
+#include "dialogs/preview_renderer.h"
 #include "dialogs/templates.h"
 #include "engine/display/canvas.h"
 #include "engine/display/image_display.h"
@@ -253,12 +262,170 @@ TEST_F(Comforts, LargePreviewFollowsTheEditorAndKeepsItsSize)
 
     Bar(kIdDiffuse)->triggerAction(QAbstractSlider::SliderPageStepAdd);
     Click(kIdShapeNext);
-    EXPECT_TRUE(shows(Record(), 2));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shows(Record(), 2); }));
     Keys(QKeySequence::Undo);
-    EXPECT_TRUE(shows(start, 2));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shows(start, 2); }));
     dialog->close();  // puts the large preview away with it
     EXPECT_FALSE(window->isVisible());
     EXPECT_EQ(ReadLargePreviewSize(SettingsFilePath()), QSize(400, 300));
 }
 
 } // namespace
+
+namespace {
+
+// The large preview's renderer, driven directly: what it sends back and in
+// which order.
+class Renderer : public ::testing::Test {
+protected:
+    Renderer()
+    {
+        QObject::connect(&renderer, &CPreviewRenderer::FrameReady, &receiver, [this](const CPreviewFrame& frame) {
+            // Outside its changed rectangle a frame is the frame before it.
+            if (frame.base != 0 && frame.base == sequences.back()) {
+                QImage outside = last;
+                QPainter(&outside).drawImage(frame.changed.topLeft(), frame.image, frame.changed);
+                EXPECT_EQ(outside, frame.image) << frame.sequence;
+            }
+            sequences.push_back(frame.sequence);
+            last = frame.image;
+            last.setDevicePixelRatio(1.0);
+        });
+    }
+    CPreviewRequest Request(float diffuse, QSize pixels)
+    {
+        CPreviewRequest r;
+        r.material.diffuse = diffuse;
+        r.shape = 3;
+        r.pixels = pixels;
+        r.sequence = ++posted;
+        return r;
+    }
+    // A render that takes far longer than posting the next request.
+    CPreviewRequest Heavy()
+    {
+        CPreviewRequest r = Request(0.5f, QSize(1400, 1400));
+        r.material.emission = 0.7f;
+        return r;
+    }
+
+    CPreviewRenderer renderer;
+    QObject receiver;
+    std::vector<quint64> sequences;
+    QImage last;
+    quint64 posted = 0;
+};
+
+} // namespace
+
+// A burst of requests ends at the picture of the last one; renders that a
+// newer request or a cancel overtook send nothing, and the frames that do
+// come arrive in order.
+TEST_F(Renderer, TheLastRequestWinsAndFramesComeInOrder)
+{
+    renderer.Post(Heavy());
+    renderer.Cancel();
+    renderer.Post(Heavy());
+    const quint64 stopped = posted;
+    CPreviewRequest request;
+    for (int i = 1; i <= 12; ++i) {
+        request = Request(i / 16.0f, QSize(150, 100));
+        renderer.Post(request);
+    }
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !sequences.empty() && sequences.back() == posted; }));
+    EXPECT_TRUE(std::is_sorted(sequences.begin(), sequences.end()));
+    EXPECT_TRUE(std::adjacent_find(sequences.begin(), sequences.end()) == sequences.end());
+    EXPECT_GT(sequences.front(), stopped);
+    EXPECT_EQ(last, Rendered(request.material, 3, request.pixels));
+}
+
+// A render stopped at any point of building a shape or shading leaves
+// nothing behind: the render that follows, of the same shape, is exact.
+TEST_F(Renderer, StoppedRendersLeaveTheNextOneExact)
+{
+    const std::vector<BenchMaterial> materials = BenchMaterials();
+    const auto settled = [&] { return !sequences.empty() && sequences.back() == posted; };
+    for (int round = 0; round < 12; ++round) {
+        renderer.Post(Request(0.5f, QSize(640, 480)));
+        ASSERT_TRUE(QTest::qWaitFor(settled));
+        // A new shape, stopped after `round` ms by a new material on it.
+        CPreviewRequest request = Request(0.5f, QSize(640, 480));
+        request.shape = round % 2 + 1;
+        renderer.Post(request);
+        std::this_thread::sleep_for(std::chrono::milliseconds(round));
+        request.material = materials[static_cast<std::size_t>(round) % materials.size()].material;
+        request.sequence = ++posted;
+        renderer.Post(request);
+        ASSERT_TRUE(QTest::qWaitFor(settled));
+        EXPECT_EQ(last, Rendered(request.material, request.shape, request.pixels)) << round;
+    }
+}
+
+// A draft is the picture at a reduced size shown enlarged, small enough to
+// follow a drag; small pictures are their own draft.
+TEST_F(Renderer, DraftsAreSmallAndShownAtTheFullSize)
+{
+    const std::pair<QSize, QSize> drafts[] = {{QSize(3840, 2160), QSize(640, 360)},
+                                              {QSize(1024, 1024), QSize(512, 512)},
+                                              {QSize(800, 600), QSize(400, 300)},
+                                              {QSize(512, 512), QSize(512, 512)},
+                                              {QSize(1, 600000), QSize(1, 200000)}};
+    for (const auto& [pixels, draft] : drafts)
+        EXPECT_EQ(CPreviewRenderer::DraftSize(pixels), draft) << pixels.width() << "x" << pixels.height();
+
+    CPreviewRequest request = Request(0.3f, QSize(800, 600));
+    request.draft = true;
+    renderer.Post(request);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !sequences.empty(); }));
+    EXPECT_EQ(last.size(), QSize(800, 600));
+    // Each pixel of the draft shows as a block of 2 x 2.
+    const QImage small = Rendered(request.material, 3, QSize(400, 300));
+    EXPECT_EQ(last.scaled(400, 300), small);
+    EXPECT_EQ(last.pixel(351, 241), small.pixel(175, 120));
+}
+
+// While a slider is held the large preview may show drafts; once the drag is
+// over it shows exactly the full picture of the last step, and no older
+// frame replaces it.
+TEST_F(Comforts, LargePreviewEndsADragAtItsLastStep)
+{
+    QWidget* window = OpenLargePreview(*dialog);
+    ASSERT_NE(window, nullptr);
+    auto* area = window->findChild<FZCanvas*>("4000");
+    window->resize(800, 600);  // large enough for drafts
+    const auto shows = [&](const FZAttributeEx& m) {
+        return area->Surface().convertToFormat(QImage::Format_RGB32) == Rendered(m, 1, area->PixelSize());
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return area->PixelSize() == QSize(800, 600) && shows(start); }));
+
+    QScrollBar* bar = Bar(kIdDiffuse);
+    bar->setSliderDown(true);
+    for (int i = 0; i < 12; ++i) {
+        bar->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+        QApplication::processEvents();
+    }
+    bar->setSliderDown(false);
+    const FZAttributeEx last = Record();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shows(last); }));
+    QTest::qWait(300);  // longer than a drag takes to come to rest
+    EXPECT_TRUE(shows(last));
+}
+
+// Closing the editor while the large preview renders a picture the size of a
+// screen stops the render and leaves nothing behind that a late frame could
+// reach.
+TEST_F(Comforts, ClosingWithALargeRenderInFlightIsClean)
+{
+    QWidget* window = OpenLargePreview(*dialog);
+    ASSERT_NE(window, nullptr);
+    window->resize(1600, 1200);
+    QApplication::processEvents();
+    FZAttributeEx lamp = start;
+    lamp.emission = 0.7f;
+    dialog->SetAttribute(lamp);
+    dialog->UpdatePanelView();
+    const QPointer<QWidget> watched(window);
+    dialog.reset();  // as Tamerisk_Close deletes the editor
+    EXPECT_TRUE(watched.isNull());
+    QTest::qWait(50);
+}

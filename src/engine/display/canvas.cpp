@@ -1,6 +1,10 @@
 #include "engine/display/canvas.h"
 
+#include <algorithm>
+#include <utility>
+
 #include <QPainter>
+#include <QTimer>
 
 FZCanvas::FZCanvas(QWidget* parent) : QWidget(parent)
 {
@@ -53,6 +57,45 @@ void FZCanvas::Blit(const QImage& source, const QRect& sourceRect, const QPoint&
     painter.end();
     surface.setDevicePixelRatio(ratio);
     update();
+}
+
+namespace {
+
+// The most a band of rows holds: its paint is a copy of this many bytes at
+// most, a few milliseconds.
+constexpr qsizetype kBandBytes = qsizetype{2} << 20;
+
+} // namespace
+
+void FZCanvas::Show(QImage picture, QRect changed)
+{
+    if (picture.size() != surface.size())
+        changed = picture.rect();
+    surface = std::move(picture);
+    unpainted = unpainted.united(changed.intersected(surface.rect()));
+    if (unpainted.isEmpty() || bandQueued)
+        return;
+    bandQueued = true;
+    QTimer::singleShot(0, this, &FZCanvas::PaintNextBand);
+}
+
+void FZCanvas::PaintNextBand()
+{
+    bandQueued = false;
+    if (unpainted.isEmpty())
+        return;
+    const qsizetype rowBytes = std::max<qsizetype>(surface.bytesPerLine(), 1);
+    const int rows = static_cast<int>(std::clamp<qsizetype>(kBandBytes / rowBytes, 1, unpainted.height()));
+    QRect band = unpainted;
+    band.setHeight(rows);
+    unpainted.setTop(band.bottom() + 1);
+    const qreal ratio = surface.devicePixelRatio();
+    const QRectF logical(band.x() / ratio, band.y() / ratio, band.width() / ratio, band.height() / ratio);
+    repaint(logical.toAlignedRect());
+    if (!unpainted.isEmpty()) {
+        bandQueued = true;
+        QTimer::singleShot(0, this, &FZCanvas::PaintNextBand);
+    }
 }
 
 void FZCanvas::paintEvent(QPaintEvent*)

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include <QImage>
+#include <QSize>
 
 class FZImage;
 class FZScene;
@@ -15,6 +16,13 @@ class QWidget;
 // row of the picture) becomes the last line. Images that are empty or not
 // 3 bytes a pixel give a null image.
 QImage MakeBitmap(const FZImage& image);
+
+// The image as the screen takes it: an upright 32-bit RGB image of `size`,
+// each of its pixels the image's pixel at the same place scaled (nearest
+// pixel: a smaller image is shown enlarged, in blocks). A window paints such
+// an image without converting it. Null when the image is not 3 bytes a pixel,
+// either is empty, or the memory cannot be had.
+QImage MakeScreenBitmap(const FZImage& image, QSize size);
 
 // Copies the inclusive rectangle (x0, y0)-(x1, y1) of the image, in image
 // coordinates (row 0 at the bottom), to the same place of the target, whose
