@@ -11,20 +11,22 @@
 namespace {
 
 #if defined(__linux__)
-// From this size a block is mapped from the system in huge pages. A block is
-// rounded up to whole huge pages, so a smaller one (a 1024 x 1024 layer's
-// coverage is 1 MB) would hold twice its size.
+// From this size a block is mapped from the system in huge pages (a
+// smaller one, a 1024 x 1024 layer's coverage is 1 MB, would hold twice its
+// size). The block starts on a huge page and ends on an ordinary one: its
+// whole huge pages are backed by huge pages, the rest by ordinary pages, so
+// that it never holds more than a page beyond its size.
 constexpr std::size_t kMapFrom = std::size_t{2} << 20;
 constexpr std::size_t kHugePage = std::size_t{2} << 20;
+constexpr std::size_t kPage = std::size_t{4} << 10;
 
 std::size_t RoundUp(std::size_t n, std::size_t unit)
 {
     return (n + unit - 1) / unit * unit;
 }
 
-// Whole huge pages, aligned to one, so that all of the block can be backed
-// by them. One more page is mapped than needed and the ends beyond the
-// aligned block are given back.
+// Aligned to a huge page. One more huge page is mapped than needed and the
+// ends beyond the aligned block are given back.
 void* MapZeroed(std::size_t length)
 {
     void* raw = mmap(nullptr, length + kHugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -51,7 +53,7 @@ FZZeroedBlock::FZZeroedBlock(std::size_t bytes)
         return;
 #if defined(__linux__)
     if (bytes >= kMapFrom) {
-        const std::size_t length = RoundUp(bytes, kHugePage);
+        const std::size_t length = RoundUp(bytes, kPage);
         if (length < bytes)
             throw std::bad_alloc();
         memory = std::unique_ptr<void, FZZeroedRelease>(MapZeroed(length), FZZeroedRelease{length});
