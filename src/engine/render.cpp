@@ -41,6 +41,19 @@ FZRect LayerFrameRect(const FZLayer& layer)
                   ClampToInt32(std::int64_t{layer.y} + layer.height - 1));
 }
 
+// The pixels the layer's rows hold, in frame coordinates; for a flat layer
+// all of its pixels.
+FZRect StoredFrameRect(const FZLayer& layer)
+{
+    if (layer.IsFlat())
+        return LayerFrameRect(layer);
+    const FZRect s = layer.Stored();
+    if (s.IsEmpty())
+        return FZRect();
+    return FZRect(ClampToInt32(std::int64_t{layer.x} + s.x0), ClampToInt32(std::int64_t{layer.y} + s.y0),
+                  ClampToInt32(std::int64_t{layer.x} + s.x1), ClampToInt32(std::int64_t{layer.y} + s.y1));
+}
+
 // The part of rect that lies inside the scene and inside the image; false
 // when nothing is left.
 bool ClipToImage(const FZScene& scene, const FZImage& image, FZRect& rect)
@@ -237,13 +250,16 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
 void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t y,
                 std::int32_t x0, std::int32_t x1)
 {
+    const FZRect stored = pass.layer.Stored();
     const std::int32_t ly = ClampToInt32(std::int64_t{y} - pass.layer.y);
-    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, pass.layer.x));
-    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{pass.layer.x} + pass.layer.width - 1));
+    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, std::int64_t{pass.layer.x} + stored.x0));
+    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{pass.layer.x} + stored.x1));
     NormalMemo memo;
     const ComposeShortcuts& shortcuts = pass.shortcuts;
     const std::uint8_t* coverage = pass.layer.coverage[ly];
-    const std::uint8_t* shaded = shortcuts.opaqueTable ? pass.layer.shaded->PixelAddress(0, ly) : nullptr;
+    // Column lx of the shaded image's row is pixel lx + stored.x0 of the layer.
+    const std::uint8_t* shaded
+        = shortcuts.opaqueTable ? pass.layer.ShadedAt(stored.x0, ly) - std::ptrdiff_t{3} * stored.x0 : nullptr;
     std::uint8_t* out = frame.PixelAddress(0, y);
     for (std::int32_t x = first; x <= last; ++x) {
         const std::int32_t lx = x - pass.layer.x;
@@ -268,9 +284,10 @@ void ComposeRefractingRow(const LayerPass& pass, const FZImage& behind, FZImage&
                           std::int32_t x0, std::int32_t x1)
 {
     const FZLayer& layer = pass.layer;
+    const FZRect stored = layer.Stored();
     const std::int32_t ly = ClampToInt32(std::int64_t{y} - layer.y);
-    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, layer.x) - layer.x);
-    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{layer.x} + layer.width - 1) - layer.x);
+    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(std::int64_t{x0} - layer.x, stored.x0));
+    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(std::int64_t{x1} - layer.x, stored.x1));
     const std::uint8_t* coverage = layer.coverage[ly];
     const FZPackedVector* normals = layer.normals.empty() ? nullptr : layer.normals[ly];
     NormalMemo memo;
@@ -297,9 +314,10 @@ void SetUpShortcuts(const LayerPass& pass, ComposeShortcuts& shortcuts)
 {
     const FZLayer& layer = pass.layer;
     const FZImage* shaded = layer.shaded.get();
+    const FZRect stored = layer.Stored();
     shortcuts.opaqueTable = !pass.reflects && !pass.refracts && shaded != nullptr && !shaded->data.empty()
-                            && shaded->bytesPerPixel == 3 && shaded->width >= layer.width
-                            && shaded->height >= layer.height;
+                            && shaded->bytesPerPixel == 3 && shaded->width > stored.x1 - stored.x0
+                            && shaded->height > stored.y1 - stored.y0;
     struct Table {
         std::uint8_t opaque[256];
     };
@@ -321,7 +339,7 @@ bool CoversAny(const FZLayer& layer, std::int32_t y0, std::int32_t y1, const FZR
         = ClampToInt32(FZMin<std::int64_t>(rect.x1, std::int64_t{layer.x} + layer.width - 1) - layer.x);
     for (std::int32_t y = y0; y <= y1; ++y)
         for (std::int32_t lx = first; lx <= last; ++lx)
-            if (layer.coverage[y - layer.y][lx] != 0)
+            if (layer.CoverageAt(lx, y - layer.y) != 0)
                 return true;
     return false;
 }
@@ -334,6 +352,36 @@ void PrepareSky(const LayerPass& pass, std::int32_t y0, std::int32_t y1, const F
     FZEnvironment& env = pass.scene.environment;
     if (env.mode == 1 && !env.rampBuilt && CoversAny(pass.layer, y0, y1, rect))
         BuildSkyRamp(env);
+}
+
+// A flat layer that neither reflects nor refracts shows the bytes of its
+// two shaded colours, as a fully covered pixel shows them through the table.
+void ComposeFlatLayer(const LayerPass& pass, const FZRect& rect, FZImage& frame)
+{
+    const FZLayer& layer = pass.layer;
+    FZRect area = LayerFrameRect(layer);
+    if (!area.Intersect(rect))
+        return;
+    std::uint8_t bytes[2][3];
+    for (int k = 0; k < 2; ++k)
+        for (int c = 0; c < 3; ++c)
+            bytes[k][c] = pass.shortcuts.table[layer.fill.shaded[k][c]];
+    const std::int32_t cellWidth = layer.fill.cellWidth < 1 ? INT32_MAX : layer.fill.cellWidth;
+    ParallelRows(area.y0, area.y1 + 1, [&](std::int32_t y) {
+        const std::int32_t ly = y - layer.y;
+        std::uint8_t* out = frame.PixelAddress(area.x0, y);
+        const std::int32_t end = area.x1 - layer.x;
+        // Cell by cell along the row.
+        for (std::int32_t lx = area.x0 - layer.x; lx <= end;) {
+            const std::uint8_t* cell = bytes[layer.fill.CellOf(lx, ly)];
+            const std::int32_t cellEnd = FZMin<std::int64_t>(end, (std::int64_t{lx} / cellWidth + 1) * cellWidth - 1);
+            for (; lx <= cellEnd; ++lx, out += 3) {
+                out[0] = cell[0];
+                out[1] = cell[1];
+                out[2] = cell[2];
+            }
+        }
+    });
 }
 
 // Composites the layer over the frame inside rect, which lies in the frame.
@@ -351,12 +399,21 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
                    m.transparency > 0.0f,
                    FZRefraction{eta, bias, m.thinGlass != 0, m.thickness, layer.x, layer.y},
                    {}};
-    CopyRect(frame, *scene.behind, rect);
+    if (layer.IsFlat()) {
+        SetUpShortcuts(pass, pass.shortcuts);
+        ComposeFlatLayer(pass, rect, frame);
+        return;
+    }
+    // Only refraction looks at what lies behind other pixels than its own;
+    // every other layer reads its own pixel of the frame before writing it.
+    if (pass.refracts)
+        CopyRect(frame, *scene.behind, rect);
+    const FZImage& behind = pass.refracts ? *scene.behind : frame;
     if (layer.coverage.empty() || layer.depth.empty())
         return;
-    const std::int64_t top = std::int64_t{layer.y} + layer.height - 1;
-    const std::int32_t y0 = ClampToInt32(FZMax<std::int64_t>(rect.y0, layer.y));
-    const std::int32_t y1 = ClampToInt32(FZMin<std::int64_t>(rect.y1, top));
+    const FZRect stored = StoredFrameRect(layer);
+    const std::int32_t y0 = FZMax(rect.y0, stored.y0);
+    const std::int32_t y1 = FZMin(rect.y1, stored.y1);
     if (y0 > y1)
         return;
     if (pass.reflects)
@@ -364,9 +421,35 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
     SetUpShortcuts(pass, pass.shortcuts);
     if (pass.refracts)
         ParallelRows(y0, y1 + 1,
-                     [&](std::int32_t y) { ComposeRefractingRow(pass, *scene.behind, frame, y, rect.x0, rect.x1); });
+                     [&](std::int32_t y) { ComposeRefractingRow(pass, behind, frame, y, rect.x0, rect.x1); });
     else
-        ParallelRows(y0, y1 + 1, [&](std::int32_t y) { ComposeRow(pass, *scene.behind, frame, y, rect.x0, rect.x1); });
+        ParallelRows(y0, y1 + 1, [&](std::int32_t y) { ComposeRow(pass, behind, frame, y, rect.x0, rect.x1); });
+}
+
+// A flat layer's bytes hold for a pixel that neither reflects nor refracts;
+// a layer that does takes the rows it stands for and is shaded again.
+FZResult GiveRowsIfNeeded(FZScene& scene, std::int32_t index)
+{
+    FZLayer& layer = *scene.LayerAt(index);
+    const FZAttributeEx& m = layer.material;
+    const bool perPixel = (m.reflection > 0.0f && scene.environment.IsOn()) || m.transparency > 0.0f;
+    if (!layer.IsFlat() || !perPixel)
+        return FZResult::Ok;
+    if (const FZResult made = layer.MakeRows(); made != FZResult::Ok)
+        return made;
+    if (const FZResult prepared = PrepareLayer(scene, index); prepared != FZResult::Ok)
+        return prepared;
+    return ShadeLayerAt(scene, index);
+}
+
+bool AnyRefracts(const FZScene& scene)
+{
+    for (std::int32_t i = 0; i < scene.LayerCount(); ++i) {
+        const FZLayer* layer = scene.LayerAt(i);
+        if (layer != nullptr && layer->IsVisible() != 0 && layer->material.transparency > 0.0f)
+            return true;
+    }
+    return false;
 }
 
 bool IsEmitter(const FZLayer* layer)
@@ -413,14 +496,14 @@ FZLightGrid LightGridOf(const Grid& grid)
 // each cell keeps 1 - a + a x transparency of its light.
 void DimEmissionRow(const FZLayer* front, const FZRect& renderRect, const FZRect& rect, std::int32_t y, float* row)
 {
-    if (front == nullptr || front->IsVisible() == 0 || front->coverage.empty())
+    if (front == nullptr || front->IsVisible() == 0 || (front->coverage.empty() && !front->IsFlat()))
         return;
     FZRect frontRect = LayerFrameRect(*front);
     if (!frontRect.Intersect(renderRect) || !frontRect.Intersect(rect) || y < frontRect.y0 || y > frontRect.y1)
         return;
     const double clear = front->material.transparency;
     for (std::int32_t fx = frontRect.x0; fx <= frontRect.x1; ++fx) {
-        const float aj = FZByteToFloat(front->coverage[y - front->y][fx - front->x]);
+        const float aj = FZByteToFloat(front->CoverageAt(fx - front->x, y - front->y));
         float& cell = row[fx - rect.x0];
         cell = static_cast<float>(cell * (1.0 - aj + aj * clear));
     }
@@ -437,7 +520,7 @@ void GatherEmission(const FZScene& scene, std::int32_t index, const FZRect& rend
     const double emission = layer.material.emission;
     ParallelRows(0, m.height, [&](std::int32_t r) {
         for (std::int32_t c = 0; c < m.width; ++c) {
-            const std::uint8_t cov = layer.coverage[rect.y0 + r - layer.y][rect.x0 + c - layer.x];
+            const std::uint8_t cov = layer.CoverageAt(rect.x0 + c - layer.x, rect.y0 + r - layer.y);
             m[r][c] = static_cast<float>(FZByteRatio(cov) * emission * 200.0);
         }
         for (std::int32_t j = 1; j < index; ++j)
@@ -507,7 +590,7 @@ FZResult AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& rende
 {
     const FZLayer& layer = *scene.LayerAt(index);
     FZRect rect = LayerFrameRect(layer);
-    if (layer.coverage.empty() || !rect.Intersect(renderRect))
+    if ((layer.coverage.empty() && !layer.IsFlat()) || !rect.Intersect(renderRect))
         return FZResult::Ok;
     // An emitter too small for its emission to reach a whole pixel has
     // radius 0: it lights nothing.
@@ -527,6 +610,30 @@ FZResult AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& rende
     if (result != FZResult::Ok)
         return result;
     AddLightToFrame(g, groundRect, layer.material.color, frame);
+    return FZResult::Ok;
+}
+
+// Fills the rect with the background and composites the layers over it.
+FZResult ComposeAllLayers(FZScene& scene, const FZRect& area, FZImage& frame)
+{
+    std::uint8_t bgr[3];
+    for (int c = 0; c < 3; ++c)
+        bgr[2 - c] = FZTruncateLow8(static_cast<double>(scene.background[c]) * 255.0);
+    FillRect(frame, area, bgr);
+
+    for (std::int32_t i = 0; i < scene.LayerCount(); ++i) {
+        const FZLayer* layer = scene.LayerAt(i);
+        if (layer == nullptr || layer->IsVisible() == 0)
+            continue;
+        if (const FZResult rows = GiveRowsIfNeeded(scene, i); rows != FZResult::Ok)
+            return rows;
+        ComposeLayer(scene, i, *layer, area, frame);
+        if (i == 0) {
+            const FZResult result = AddEmissionLight(scene, area, frame);
+            if (result != FZResult::Ok)
+                return result;
+        }
+    }
     return FZResult::Ok;
 }
 
@@ -553,27 +660,14 @@ FZResult ComposeLayers(FZScene& scene, const FZRect& rect, FZImage& frame)
     FZRect area = rect;
     if (!ClipToImage(scene, frame, area))
         return FZResult::BadParameter;
-    const FZResult made = EnsureFrameSizedImage(scene, scene.behind);
-    if (made != FZResult::Ok)
-        return made;
-
-    std::uint8_t bgr[3];
-    for (int c = 0; c < 3; ++c)
-        bgr[2 - c] = FZTruncateLow8(static_cast<double>(scene.background[c]) * 255.0);
-    FillRect(frame, area, bgr);
-
-    for (std::int32_t i = 0; i < scene.LayerCount(); ++i) {
-        const FZLayer* layer = scene.LayerAt(i);
-        if (layer == nullptr || layer->IsVisible() == 0)
-            continue;
-        ComposeLayer(scene, i, *layer, area, frame);
-        if (i == 0) {
-            const FZResult result = AddEmissionLight(scene, area, frame);
-            if (result != FZResult::Ok)
-                return result;
-        }
-    }
-    return FZResult::Ok;
+    // The behind image lives while a frame with a refracting layer is made.
+    const bool refracts = AnyRefracts(scene);
+    if (refracts)
+        if (const FZResult made = EnsureFrameSizedImage(scene, scene.behind); made != FZResult::Ok)
+            return made;
+    const FZResult result = ComposeAllLayers(scene, area, frame);
+    scene.behind.reset();
+    return result;
 }
 
 void SampleBehind(const FZScene& scene, double sx, double sy, float out[3])

@@ -564,10 +564,11 @@ void AddDimple(FZLayer& layer, float cx, float cy, float radius, float depth)
     FZSmoothStep bowl;
     bowl.Setup(0.0f, -depth, radius, 0.0f);
     const double radiusSquared = static_cast<double>(radius) * radius;
-    const std::int32_t columnFirst = FZTruncateClamped(static_cast<double>(cx) - radius, 0, INT32_MAX);
-    const std::int32_t columnLast = FZTruncateClamped(static_cast<double>(cx) + radius, INT32_MIN, layer.width - 1);
-    const std::int32_t rowFirst = FZTruncateClamped(static_cast<double>(cy) - radius, 0, INT32_MAX);
-    const std::int32_t rowLast = FZTruncateClamped(static_cast<double>(cy) + radius, INT32_MIN, layer.height - 1);
+    const FZRect stored = layer.Stored();
+    const std::int32_t columnFirst = FZTruncateClamped(static_cast<double>(cx) - radius, stored.x0, INT32_MAX);
+    const std::int32_t columnLast = FZTruncateClamped(static_cast<double>(cx) + radius, INT32_MIN, stored.x1);
+    const std::int32_t rowFirst = FZTruncateClamped(static_cast<double>(cy) - radius, stored.y0, INT32_MAX);
+    const std::int32_t rowLast = FZTruncateClamped(static_cast<double>(cy) + radius, INT32_MIN, stored.y1);
     if (columnFirst > columnLast || rowFirst > rowLast)
         return;
     const DimpleColumns columns(columnFirst, columnLast, cx);
@@ -617,8 +618,10 @@ void ClampDepth(FZLayer& layer, float level)
 {
     if (layer.coverage.empty() || layer.depth.empty())
         return;
-    ParallelRows(0, layer.height,
-                 [&](std::int32_t y) { ClampCovered(layer.coverage[y], level, layer.width, layer.depth[y]); });
+    const FZRect s = layer.Stored();
+    ParallelRows(s.y0, s.y1 + 1, [&](std::int32_t y) {
+        ClampCovered(layer.coverage[y] + s.x0, level, s.x1 - s.x0 + 1, layer.depth[y] + s.x0);
+    });
 }
 
 // ---------------------------------------------------------------- catalogue
@@ -653,4 +656,18 @@ void DrawSampleShape(FZLayer& layer, int n, float cx, float cy, float r)
     default:
         break;
     }
+}
+
+FZRect SampleShapeWindow(float cx, float cy, float r, std::int32_t w, std::int32_t h)
+{
+    // Every shape lies within r of its centre; the drawing tests the pixels
+    // of that box (its last column and row reach 0.1 further), and a
+    // pixel's normal looks one further.
+    const double reach = std::fabs(static_cast<double>(r)) + 2.0;
+    FZRect window(FZTruncateClamped(cx - reach, 0, INT32_MAX), FZTruncateClamped(cy - reach, 0, INT32_MAX),
+                  FZTruncateClamped(cx + reach, INT32_MIN, w - 1), FZTruncateClamped(cy + reach, INT32_MIN, h - 1));
+    // Parameters that are not numbers draw nothing, anywhere.
+    if (!std::isfinite(cx) || !std::isfinite(cy) || !std::isfinite(r) || window.IsEmpty())
+        return FZRect();
+    return window;
 }

@@ -333,7 +333,7 @@ void FZRowDrawing<Shape>::TestColumn(std::int32_t p, int j, int i, const FZSolid
 }
 
 // Draws an outline into the layer: every pixel of its bounding box (clipped
-// to the layer) is tested at 3 x 3 points and merged with CompositeSample.
+// to the pixels the layer's rows hold) is tested at 3 x 3 points and merged with CompositeSample.
 // Single-precision arithmetic throughout. Each pixel reads and writes only
 // itself, so rows run in parallel; the outline is tested a piece of a
 // sample row at a time, with the terms of the sample columns computed once.
@@ -344,10 +344,11 @@ void RasterizeShape(FZLayer& layer, const Shape& shape)
         return;
     float bx0, by0, bx1, by1;
     shape.Bounds(bx0, by0, bx1, by1);
-    const std::int32_t columnFirst = FZTruncateClamped(bx0, 0, INT32_MAX);
-    const std::int32_t columnLast = FZTruncateClamped(bx1 + 0.1f, INT32_MIN, layer.width - 1);
-    const std::int32_t rowFirst = FZTruncateClamped(by0, 0, INT32_MAX);
-    const std::int32_t rowLast = FZTruncateClamped(by1 + 0.1f, INT32_MIN, layer.height - 1);
+    const FZRect stored = layer.Stored();
+    const std::int32_t columnFirst = FZTruncateClamped(bx0, stored.x0, INT32_MAX);
+    const std::int32_t columnLast = FZTruncateClamped(bx1 + 0.1f, INT32_MIN, stored.x1);
+    const std::int32_t rowFirst = FZTruncateClamped(by0, stored.y0, INT32_MAX);
+    const std::int32_t rowLast = FZTruncateClamped(by1 + 0.1f, INT32_MIN, stored.y1);
     if (columnFirst > columnLast || rowFirst > rowLast)
         return;
     const FZSampleColumns columns(shape, columnFirst, columnLast);
@@ -371,5 +372,9 @@ void ClampDepth(FZLayer& layer, float level);
 //   height, 4 a ring with a round cross-section of radius r / 4.
 // The preview centres the shapes in the frame and takes r = h / 2.3.
 void DrawSampleShape(FZLayer& layer, int n, float cx, float cy, float r);
+// The pixels of a w x h layer that DrawSampleShape can cover with those
+// parameters, and one more all round (the neighbours its normals are
+// estimated from): the window a sample layer needs rows for.
+FZRect SampleShapeWindow(float cx, float cy, float r, std::int32_t w, std::int32_t h);
 
 #endif

@@ -74,8 +74,9 @@ TEST(RenderDriver, SampleBehindFillsWhatLiesOutsideWithTheBackground)
 {
     FZScene scene;
     SetUpPlainScene(scene, 10, 10);
-    ASSERT_EQ(RenderScene(scene), FZResult::Ok);
-    ASSERT_NE(scene.behind, nullptr);
+    // The behind image lives only while a refracting layer is composited.
+    scene.behind = std::make_unique<FZImage>();
+    ASSERT_EQ(scene.behind->Create(10, 10, 3), FZResult::Ok);
     for (int y = 0; y < 10; ++y)
         for (int x = 0; x < 10; ++x)
             SetPixel(*scene.behind, x, y, {0, 0, 255});
