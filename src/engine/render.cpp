@@ -11,7 +11,6 @@
 #include "engine/parallel.h"
 #include "engine/pixel.h"
 #include "engine/refraction_rows.h"
-#include "engine/scratch.h"
 #include "engine/shading/lighting.h"
 #include "engine/shading/surface.h"
 #include "engine/shading/transparency.h"
@@ -250,16 +249,16 @@ void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, 
 void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t y,
                 std::int32_t x0, std::int32_t x1)
 {
-    const FZRect stored = pass.layer.Stored();
     const std::int32_t ly = ClampToInt32(std::int64_t{y} - pass.layer.y);
-    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, std::int64_t{pass.layer.x} + stored.x0));
-    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{pass.layer.x} + stored.x1));
+    const FZSpan held = pass.layer.StoredRow(ly);
+    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, std::int64_t{pass.layer.x} + held.first));
+    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{pass.layer.x} + held.last));
+    if (first > last)
+        return;
     NormalMemo memo;
     const ComposeShortcuts& shortcuts = pass.shortcuts;
     const std::uint8_t* coverage = pass.layer.coverage[ly];
-    // Column lx of the shaded image's row is pixel lx + stored.x0 of the layer.
-    const std::uint8_t* shaded
-        = shortcuts.opaqueTable ? pass.layer.ShadedAt(stored.x0, ly) - std::ptrdiff_t{3} * stored.x0 : nullptr;
+    const FZShadedPixel* shaded = shortcuts.opaqueTable ? pass.layer.shaded[ly] : nullptr;
     std::uint8_t* out = frame.PixelAddress(0, y);
     for (std::int32_t x = first; x <= last; ++x) {
         const std::int32_t lx = x - pass.layer.x;
@@ -267,7 +266,7 @@ void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, st
         if (c == 0)
             continue;
         if (c == 255 && shaded != nullptr) {
-            const std::uint8_t* from = shaded + std::ptrdiff_t{3} * lx;
+            const std::uint8_t* from = shaded[lx].bgr;
             std::uint8_t* to = out + std::ptrdiff_t{3} * x;
             to[0] = shortcuts.table[from[0]];
             to[1] = shortcuts.table[from[1]];
@@ -284,10 +283,10 @@ void ComposeRefractingRow(const LayerPass& pass, const FZImage& behind, FZImage&
                           std::int32_t x0, std::int32_t x1)
 {
     const FZLayer& layer = pass.layer;
-    const FZRect stored = layer.Stored();
     const std::int32_t ly = ClampToInt32(std::int64_t{y} - layer.y);
-    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(std::int64_t{x0} - layer.x, stored.x0));
-    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(std::int64_t{x1} - layer.x, stored.x1));
+    const FZSpan held = layer.StoredRow(ly);
+    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(std::int64_t{x0} - layer.x, held.first));
+    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(std::int64_t{x1} - layer.x, held.last));
     const std::uint8_t* coverage = layer.coverage[ly];
     const FZPackedVector* normals = layer.normals.empty() ? nullptr : layer.normals[ly];
     NormalMemo memo;
@@ -313,11 +312,8 @@ void ComposeRefractingRow(const LayerPass& pass, const FZImage& behind, FZImage&
 void SetUpShortcuts(const LayerPass& pass, ComposeShortcuts& shortcuts)
 {
     const FZLayer& layer = pass.layer;
-    const FZImage* shaded = layer.shaded.get();
-    const FZRect stored = layer.Stored();
-    shortcuts.opaqueTable = !pass.reflects && !pass.refracts && shaded != nullptr && !shaded->data.empty()
-                            && shaded->bytesPerPixel == 3 && shaded->width > stored.x1 - stored.x0
-                            && shaded->height > stored.y1 - stored.y0;
+    shortcuts.opaqueTable = !pass.reflects && !pass.refracts && !layer.shaded.empty()
+                            && layer.shaded.Layout() == layer.coverage.Layout();
     struct Table {
         std::uint8_t opaque[256];
     };
@@ -457,41 +453,6 @@ bool IsEmitter(const FZLayer* layer)
     return layer != nullptr && layer->IsVisible() != 0 && layer->material.emission > 0.0f;
 }
 
-// A float raster of h rows of w floats with its row pointers.
-struct Grid {
-    explicit Grid(FZScratchSlot slot) : cells(slot) {}
-
-    FZScratchFloats cells;
-    std::vector<float*> rows;
-    std::int32_t width = 0;
-    std::int32_t height = 0;
-
-    // All cells 0; false when out of memory.
-    bool Allocate(std::int32_t w, std::int32_t h)
-    {
-        if (!cells.Assign(static_cast<std::size_t>(w) * static_cast<std::size_t>(h)))
-            return false;
-        try {
-            rows.resize(static_cast<std::size_t>(h));
-        } catch (const std::bad_alloc&) {
-            return false;
-        }
-        for (std::int32_t r = 0; r < h; ++r)
-            rows[r] = cells.Data() + static_cast<std::size_t>(r) * static_cast<std::size_t>(w);
-        width = w;
-        height = h;
-        return true;
-    }
-    void Clear() { std::fill(cells.Vector().begin(), cells.Vector().end(), 0.0f); }
-    float* operator[](std::int32_t r) { return rows[r]; }
-    const float* operator[](std::int32_t r) const { return rows[r]; }
-};
-
-FZLightGrid LightGridOf(const Grid& grid)
-{
-    return FZLightGrid{grid.rows.data(), grid.width, grid.height};
-}
-
 // Dims one row of the emitter's light (frame row y) by a layer in front:
 // each cell keeps 1 - a + a x transparency of its light.
 void DimEmissionRow(const FZLayer* front, const FZRect& renderRect, const FZRect& rect, std::int32_t y, float* row)
@@ -513,51 +474,38 @@ void DimEmissionRow(const FZLayer* front, const FZRect& renderRect, const FZRect
 // rect, dimmed by the layers between it and the ground (first to index - 1)
 // by how much of the light their coverage and transparency let pass. Rows
 // are independent: each cell is dimmed by the layers in list order.
-void GatherEmission(const FZScene& scene, std::int32_t index, const FZRect& renderRect,
-                    const FZRect& rect, Grid& m)
-{
-    const FZLayer& layer = *scene.LayerAt(index);
-    const double emission = layer.material.emission;
-    ParallelRows(0, m.height, [&](std::int32_t r) {
-        for (std::int32_t c = 0; c < m.width; ++c) {
-            const std::uint8_t cov = layer.CoverageAt(rect.x0 + c - layer.x, rect.y0 + r - layer.y);
-            m[r][c] = static_cast<float>(FZByteRatio(cov) * emission * 200.0);
-        }
-        for (std::int32_t j = 1; j < index; ++j)
-            DimEmissionRow(scene.LayerAt(j), renderRect, rect, rect.y0 + r, m[r]);
-    });
-}
+class EmitterRows : public FZEmitterLight {
+public:
+    EmitterRows(const FZScene& s, std::int32_t i, const FZRect& render, const FZRect& r)
+        : scene(s), index(i), renderRect(render), rect(r)
+    {
+        rect.GetSize(width, height);
+    }
 
-// Splats the emitter's light onto the ground lattice: one light centre per
-// 5 x 5 block of the emitter, falling off to 0 at the radius.
-void SplatEmission(const Grid& m, const FZRect& emitterRect, Grid& g, const FZRect& groundRect,
-                   std::int32_t radius)
-{
-    const double r = radius;
-    const float k = static_cast<float>(1.0 / (r * r * r * 100.0));
-    const FZLightGrid light = LightGridOf(m);
-    for (std::int32_t br = 2; br < m.height; br += 5)
-        for (std::int32_t bc = 2; bc < m.width; bc += 5) {
-            float w = 0.0f;
-            float cx = 0.0f;
-            float cy = 0.0f;
-            if (!EmissionBlockCentre(light, emitterRect.x0, emitterRect.y0, br, bc, w, cx, cy))
-                continue;
-            for (std::int32_t gr = 2; gr < g.height; gr += 5) {
-                const double dy = cy - (groundRect.y0 + gr + 0.5);
-                if (!(dy * dy <= r * r))
-                    continue;
-                for (std::int32_t gc = 2; gc < g.width; gc += 5) {
-                    const double dx = cx - (groundRect.x0 + gc + 0.5);
-                    const float dist2 = static_cast<float>(dx * dx + dy * dy);
-                    if (!(dist2 <= r * r))
-                        continue;
-                    const double fall = std::sqrt(static_cast<double>(dist2)) - r;
-                    g[gr][gc] = static_cast<float>(g[gr][gc] + static_cast<double>(w) * k * fall * fall);
-                }
+    void FillRows(std::int32_t first, std::int32_t n, float* const* rows) const override
+    {
+        const FZLayer& layer = *scene.LayerAt(index);
+        const double emission = layer.material.emission;
+        // What a pixel the layer does not cover gives.
+        const float uncovered = static_cast<float>(FZByteRatio(0) * emission * 200.0);
+        for (std::int32_t k = 0; k < n; ++k) {
+            const std::int32_t y = rect.y0 + first + k;
+            float* row = rows[k];
+            for (std::int32_t c = 0; c < width; ++c) {
+                const std::uint8_t cov = layer.CoverageAt(rect.x0 + c - layer.x, y - layer.y);
+                row[c] = cov == 0 ? uncovered : static_cast<float>(FZByteRatio(cov) * emission * 200.0);
             }
+            for (std::int32_t j = 1; j < index; ++j)
+                DimEmissionRow(scene.LayerAt(j), renderRect, rect, y, row);
         }
-}
+    }
+
+private:
+    const FZScene& scene;
+    std::int32_t index;
+    FZRect renderRect;
+    FZRect rect;
+};
 
 // byte + light, at most 255. Light that a broken material makes negative or
 // not a number adds nothing below 0 and nothing at all, respectively.
@@ -569,24 +517,100 @@ std::uint8_t AddLight(std::uint8_t byte, double light)
     return static_cast<std::uint8_t>(FZTruncateClamped(v, 0, 255));
 }
 
-void AddLightToFrame(const Grid& g, const FZRect& groundRect, const FZColor& colour, FZImage& frame)
+bool AllZero(const std::vector<float>& values)
+{
+    return std::all_of(values.begin(), values.end(), [](float v) { return v == 0.0f; });
+}
+
+// The ground's light spread from its lattice to every pixel by the tent
+// filter of size 10: the sums FilterSeparable makes over a grid holding the
+// lattice's light at its points and 0 elsewhere, where only the lattice
+// rows are not 0. They are filtered across and kept; each pixel row then
+// sums them down, in row order.
+class GroundLight {
+public:
+    GroundLight(const FZGroundLattice& g, std::int32_t w, std::int32_t h)
+        : lattice(g), width(w), height(h), tent(10),
+          across(static_cast<std::size_t>(g.rows) * static_cast<std::size_t>(w)),
+          zero(static_cast<std::size_t>(g.rows))
+    {
+        ParallelRows(0, g.rows, [this](std::int32_t i) { FilterAcross(i); });
+    }
+
+    // The light of pixel row r, width values.
+    void Row(std::int32_t r, std::vector<double>& sums, float* light) const
+    {
+        std::fill(sums.begin(), sums.end(), 0.0);
+        const int half = tent.Half();
+        for (std::int32_t gr = FZMax(r - half, 0); gr <= FZMin(r + half, height - 1); ++gr) {
+            const std::int32_t i = (gr - 2) / 5;
+            if (gr < 2 || (gr - 2) % 5 != 0 || i >= lattice.rows || zero[static_cast<std::size_t>(i)] != 0)
+                continue;
+            const float* values = &across[static_cast<std::size_t>(i) * static_cast<std::size_t>(width)];
+            const double weight = tent.Weight(gr - (r - half));
+            for (std::int32_t c = 0; c < width; ++c)
+                if (values[c] != 0.0f)
+                    sums[static_cast<std::size_t>(c)] += static_cast<double>(values[c]) * weight;
+        }
+        for (std::int32_t c = 0; c < width; ++c)
+            light[c] = static_cast<float>(sums[static_cast<std::size_t>(c)]);
+    }
+
+private:
+    void FilterAcross(std::int32_t i)
+    {
+        std::vector<float> row(static_cast<std::size_t>(width), 0.0f);
+        for (std::int32_t j = 0; j < lattice.columns; ++j)
+            row[static_cast<std::size_t>(2 + 5 * j)]
+                = lattice.cells[static_cast<std::size_t>(i) * static_cast<std::size_t>(lattice.columns) + j];
+        zero[static_cast<std::size_t>(i)] = AllZero(row) ? 1 : 0;
+        float* out = &across[static_cast<std::size_t>(i) * static_cast<std::size_t>(width)];
+        for (std::int32_t c = 0; c < width; ++c)
+            out[c] = zero[static_cast<std::size_t>(i)] != 0 ? 0.0f : tent.Sum(row.data(), 1, c, width);
+    }
+
+    const FZGroundLattice& lattice;
+    std::int32_t width;
+    std::int32_t height;
+    FZTentFilter tent;
+    std::vector<float> across;
+    std::vector<char> zero;
+};
+
+void AddLightToFrame(const GroundLight& light, const FZRect& groundRect, const FZColor& colour, FZImage& frame)
 {
     float rgb[3];
     colour.GetFloats(rgb);
-    ParallelRows(0, g.height, [&](std::int32_t gr) {
-        for (std::int32_t gc = 0; gc < g.width; ++gc) {
-            std::uint8_t* p = frame.PixelAddress(groundRect.x0 + gc, groundRect.y0 + gr);
-            const double light = g[gr][gc];
-            p[0] = AddLight(p[0], rgb[2] * light * 255.0);
-            p[1] = AddLight(p[1], rgb[1] * light * 255.0);
-            p[2] = AddLight(p[2], rgb[0] * light * 255.0);
+    std::int32_t w = 0;
+    std::int32_t h = 0;
+    groundRect.GetSize(w, h);
+    struct Rows {
+        const GroundLight& light;
+        const FZRect& groundRect;
+        const float* rgb;
+        FZImage& frame;
+        std::int32_t width;
+    } rows{light, groundRect, rgb, frame, w};
+    RunRowChunks(0, h, [](void* context, std::int32_t first, std::int32_t last) {
+        const Rows& c = *static_cast<const Rows*>(context);
+        std::vector<double> sums(static_cast<std::size_t>(c.width));
+        std::vector<float> values(static_cast<std::size_t>(c.width));
+        for (std::int32_t gr = first; gr < last; ++gr) {
+            c.light.Row(gr, sums, values.data());
+            for (std::int32_t gc = 0; gc < c.width; ++gc) {
+                std::uint8_t* p = c.frame.PixelAddress(c.groundRect.x0 + gc, c.groundRect.y0 + gr);
+                const double v = values[static_cast<std::size_t>(gc)];
+                p[0] = AddLight(p[0], c.rgb[2] * v * 255.0);
+                p[1] = AddLight(p[1], c.rgb[1] * v * 255.0);
+                p[2] = AddLight(p[2], c.rgb[0] * v * 255.0);
+            }
         }
-    });
+    }, &rows);
 }
 
 // Lights the ground around emitter i: 0, or -2 when out of memory.
 FZResult AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& renderRect, const FZRect& groundRect,
-                    Grid& g, FZImage& frame)
+                         FZImage& frame)
 {
     const FZLayer& layer = *scene.LayerAt(index);
     FZRect rect = LayerFrameRect(layer);
@@ -597,19 +621,19 @@ FZResult AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& rende
     const std::int32_t radius = EmissionRadius(layer);
     if (radius <= 0)
         return FZResult::Ok;
-    Grid m(FZScratchSlot::EmitterLight);
-    if (!m.Allocate(rect.x1 - rect.x0 + 1, rect.y1 - rect.y0 + 1))
+    const EmitterRows m(scene, index, renderRect, rect);
+    FZGroundLattice g;
+    if (!SplatEmissionByGroundRows(m, rect, groundRect, radius, g))
         return FZResult::OutOfMemory;
-    GatherEmission(scene, index, renderRect, rect, m);
-    g.Clear();
-    // The splat by ground rows needs scratch memory; without it the plain one runs.
-    if (!SplatEmissionByGroundRows(LightGridOf(m), rect, LightGridOf(g), groundRect, radius))
-        SplatEmission(m, rect, g, groundRect, radius);
-    FZFloatGrid view(g.width, g.height, g.rows.data());
-    const FZResult result = FilterSeparable(view, 10);
-    if (result != FZResult::Ok)
-        return result;
-    AddLightToFrame(g, groundRect, layer.material.color, frame);
+    std::int32_t w = 0;
+    std::int32_t h = 0;
+    groundRect.GetSize(w, h);
+    try {
+        const GroundLight light(g, w, h);
+        AddLightToFrame(light, groundRect, layer.material.color, frame);
+    } catch (const std::bad_alloc&) {
+        return FZResult::OutOfMemory;
+    }
     return FZResult::Ok;
 }
 
@@ -731,13 +755,10 @@ FZResult AddEmissionLight(FZScene& scene, const FZRect& rect, FZImage& frame)
     if (!anyLight)
         return FZResult::Ok;
 
-    Grid g(FZScratchSlot::GroundLight);
-    if (!g.Allocate(groundRect.x1 - groundRect.x0 + 1, groundRect.y1 - groundRect.y0 + 1))
-        return FZResult::OutOfMemory;
     for (std::int32_t i = 1; i < scene.LayerCount(); ++i) {
         if (!IsEmitter(scene.LayerAt(i)))
             continue;
-        const FZResult result = AddEmitterLight(scene, i, area, groundRect, g, frame);
+        const FZResult result = AddEmitterLight(scene, i, area, groundRect, frame);
         if (result != FZResult::Ok)
             return result;
     }

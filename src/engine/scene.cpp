@@ -67,8 +67,28 @@ FZResult FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::
     FZRect rows = window;
     if (!rows.ClipTo(0, 0, w - 1, h - 1))
         rows = FZRect(0, 0, -1, -1);
+    std::shared_ptr<const FZRowLayout> layout;
+    try {
+        layout = FZRowLayout::Rectangle(rows.x0, rows.y0, rows.x1 - rows.x0 + 1, rows.y1 - rows.y0 + 1);
+    } catch (const std::bad_alloc&) {
+        Release();
+        return FZResult::OutOfMemory;
+    }
+    return TakeRows(std::move(layout));
+}
+
+FZResult FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base,
+                         std::shared_ptr<const FZRowLayout> rows)
+{
+    if (const FZResult made = CreateFlat(lx, ly, w, h, base); made != FZResult::Ok)
+        return made;
+    return TakeRows(std::move(rows));
+}
+
+FZResult FZLayer::TakeRows(std::shared_ptr<const FZRowLayout> rows)
+{
     // New rasters come zeroed: coverage and depth 0, normals 0, colours black.
-    const FZResult made = MakeRows(rows);
+    const FZResult made = MakeRows(std::move(rows));
     if (made != FZResult::Ok)
         Release();
     return made;
@@ -93,16 +113,13 @@ FZResult FZLayer::CreateFlat(std::int32_t lx, std::int32_t ly, std::int32_t w, s
     return FZResult::Ok;
 }
 
-FZResult FZLayer::MakeRows(const FZRect& window)
+FZResult FZLayer::MakeRows(std::shared_ptr<const FZRowLayout> rows)
 {
-    std::int32_t w = 0;
-    std::int32_t h = 0;
-    window.GetSize(w, h);
     try {
-        FZRaster<std::uint8_t> newCoverage(window.x0, window.y0, w, h);
-        FZRaster<float> newDepth(window.x0, window.y0, w, h);
-        FZRaster<FZPackedVector> newNormals(window.x0, window.y0, w, h);
-        FZRaster<FZColor> newColors(window.x0, window.y0, w, h);
+        FZRaster<std::uint8_t> newCoverage(rows);
+        FZRaster<float> newDepth(rows);
+        FZRaster<FZPackedVector> newNormals(rows);
+        FZRaster<FZColor> newColors(rows);
         coverage = std::move(newCoverage);
         depth = std::move(newDepth);
         normals = std::move(newNormals);
@@ -111,7 +128,7 @@ FZResult FZLayer::MakeRows(const FZRect& window)
         return FZResult::OutOfMemory;
     }
     highlight.Clear();
-    shaded.reset();
+    shaded.Clear();
     flat = false;
     return FZResult::Ok;
 }
@@ -121,7 +138,12 @@ FZResult FZLayer::MakeRows()
     if (!flat)
         return FZResult::Ok;
     const FZFlatFill was = fill;
-    if (const FZResult made = MakeRows(FZRect(0, 0, width - 1, height - 1)); made != FZResult::Ok) {
+    FZResult made = FZResult::OutOfMemory;
+    try {
+        made = MakeRows(FZRowLayout::Rectangle(0, 0, width, height));
+    } catch (const std::bad_alloc&) {
+    }
+    if (made != FZResult::Ok) {
         flat = true;
         return made;
     }
@@ -140,7 +162,7 @@ void FZLayer::Release()
     normals.Clear();
     colors.Clear();
     highlight.Clear();
-    shaded.reset();
+    shaded.Clear();
     baseDepth = 0.0f;
     x = y = width = height = 0;
     flat = false;
@@ -183,11 +205,14 @@ void FZLayer::FillDepth(float value)
     std::memcpy(&bits, &value, sizeof bits);
     const FZRect s = Stored();
     for (std::int32_t ly = s.y0; ly <= s.y1; ++ly) {
-        std::memset(coverage[ly] + s.x0, 255, static_cast<std::size_t>(s.x1 - s.x0 + 1));
+        const FZSpan held = StoredRow(ly);
+        if (held.Empty())
+            continue;
+        std::memset(coverage[ly] + held.first, 255, static_cast<std::size_t>(held.last - held.first + 1));
         // Only depths that differ are written: a new layer's depths are
         // already 0, and pages that are only read cost nothing to map.
         float* row = depth[ly];
-        for (std::int32_t lx = s.x0; lx <= s.x1; ++lx) {
+        for (std::int32_t lx = held.first; lx <= held.last; ++lx) {
             std::uint32_t old;
             std::memcpy(&old, &row[lx], sizeof old);
             if (old != bits)
@@ -206,8 +231,12 @@ void FZLayer::ClearColors()
     if (colors.empty())
         return;
     const FZRect s = Stored();
-    for (std::int32_t ly = s.y0; ly <= s.y1; ++ly)
-        std::memset(static_cast<void*>(colors[ly] + s.x0), 0, sizeof(FZColor) * static_cast<std::size_t>(s.x1 - s.x0 + 1));
+    for (std::int32_t ly = s.y0; ly <= s.y1; ++ly) {
+        const FZSpan held = StoredRow(ly);
+        if (!held.Empty())
+            std::memset(static_cast<void*>(colors[ly] + held.first), 0,
+                        sizeof(FZColor) * static_cast<std::size_t>(held.last - held.first + 1));
+    }
 }
 
 void FZLayer::FillColorRect(const FZRect& rect, const FZColor& color)
@@ -217,9 +246,11 @@ void FZLayer::FillColorRect(const FZRect& rect, const FZColor& color)
     FZRect r = rect;
     if (colors.empty() || !r.Intersect(Stored()))
         return;
-    for (std::int32_t ly = r.y0; ly <= r.y1; ++ly)
-        for (std::int32_t lx = r.x0; lx <= r.x1; ++lx)
+    for (std::int32_t ly = r.y0; ly <= r.y1; ++ly) {
+        const FZSpan held = StoredRow(ly);
+        for (std::int32_t lx = FZMax(r.x0, held.first); lx <= FZMin(r.x1, held.last); ++lx)
             colors[ly][lx] = color;
+    }
 }
 
 void FZLayer::FillChecker(std::int32_t cellWidth, std::int32_t cellHeight, const FZColor& a, const FZColor& b)
@@ -253,8 +284,8 @@ int FZLayer::CompositeSample(std::int32_t lx, std::int32_t ly, float z, std::uin
 {
     if (flat && MakeRows() != FZResult::Ok)
         return 0;
-    const FZRect s = Stored();
-    if (coverage.empty() || depth.empty() || lx < s.x0 || ly < s.y0 || lx > s.x1 || ly > s.y1)
+    const FZSpan held = StoredRow(ly);
+    if (coverage.empty() || depth.empty() || lx < held.first || lx > held.last)
         return 0;
     std::uint8_t& pixelCoverage = coverage[ly][lx];
     float& z0 = depth[ly][lx];
@@ -378,14 +409,18 @@ FZResult FZScene::InsertLayer(const FZLayer& layer, std::int32_t index)
 
 FZResult FZScene::AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h)
 {
-    return AddLayerRect(lx, ly, w, h, FZRect(0, 0, w - 1, h - 1));
+    auto layer = std::make_unique<FZLayer>();
+    if (const FZResult result = layer->Create(lx, ly, w, h, layerDepth); result != FZResult::Ok)
+        return result;
+    layers.push_back(std::move(layer));
+    return FZResult::Ok;
 }
 
 FZResult FZScene::AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h,
-                               const FZRect& window)
+                               std::shared_ptr<const FZRowLayout> rows)
 {
     auto layer = std::make_unique<FZLayer>();
-    if (const FZResult result = layer->Create(lx, ly, w, h, layerDepth, window); result != FZResult::Ok)
+    if (const FZResult result = layer->Create(lx, ly, w, h, layerDepth, std::move(rows)); result != FZResult::Ok)
         return result;
     layers.push_back(std::move(layer));
     return FZResult::Ok;

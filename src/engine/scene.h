@@ -71,13 +71,18 @@ struct FZFlatFill {
     }
 };
 
+// A pixel of a layer's shaded colour image: blue, green, red.
+struct FZShadedPixel {
+    std::uint8_t bgr[3];
+};
+
 // A raster object of the scene: per-pixel coverage, depth, normal and own
 // colour, one material, and the images the shading makes from them.
 //
-// The rows of a layer may hold only a window of its pixels (Stored()):
-// every pixel outside the window is uncovered, and passes over the layer
-// visit the window only. A flat layer (IsFlat()) holds no rows: its pixels
-// follow its FZFlatFill.
+// The rows of a layer may hold only some of its pixels (StoredRow(),
+// Stored()): every pixel they do not hold is uncovered, and passes over the
+// layer visit the pixels held only. A flat layer (IsFlat()) holds no rows:
+// its pixels follow its FZFlatFill.
 class FZLayer {
 public:
     float baseDepth = 0.0f;             // z of depth 0 of this layer
@@ -92,7 +97,7 @@ public:
     std::int16_t colorSource = 0;       // 0 material colour, 1 own colour rows
     std::int16_t visible = 0;           // 1 from Create
     FZRaster<FZColor> colors;           // own colour rows
-    std::unique_ptr<FZImage> shaded;    // shaded colour image of the window, by ShadeLayer
+    FZRaster<FZShadedPixel> shaded;     // shaded colour image, by ShadeLayer
     FZRaster<float> highlight;          // highlight map, while ShadeLayer runs
     std::int32_t boundsX0 = 0;          // coverage bounds, by PrepareSurface
     std::int32_t boundsX1 = 0;
@@ -120,9 +125,12 @@ public:
     // rendered; rows that cannot be had give OutOfMemory the same way.
     FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base);
     // The same with rows over the window only (layer coordinates, clipped to
-    // the layer): the pixels outside stay uncovered for good.
+    // the layer), or over the pixels of the layout (which must lie in the
+    // layer): the pixels outside stay uncovered for good.
     FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base,
                     const FZRect& window);
+    FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base,
+                    std::shared_ptr<const FZRowLayout> rows);
     // A flat layer of w x h at depth 0 with black colours, colour source 1,
     // visible; the same failures as Create.
     FZResult CreateFlat(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base);
@@ -144,33 +152,23 @@ public:
     std::int16_t IsVisible() const { return visible; }
     bool IsFlat() const { return flat; }
 
-    // The pixels the rows hold, in layer coordinates; empty without rows.
-    FZRect Stored() const
-    {
-        return coverage.empty() ? FZRect()
-                                : FZRect(coverage.x0, coverage.y0, coverage.x0 + coverage.width - 1,
-                                         coverage.y0 + coverage.height - 1);
-    }
+    // The rectangle around the pixels the rows hold, in layer coordinates;
+    // empty without rows.
+    FZRect Stored() const { return coverage.Bounds(); }
+    // The columns row ly holds; none without rows.
+    FZSpan StoredRow(std::int32_t ly) const { return coverage.Row(ly); }
     // The coverage of any pixel of the layer: 255 everywhere on a flat
-    // layer, 0 outside the window.
+    // layer, 0 where the rows hold nothing.
     std::uint8_t CoverageAt(std::int32_t lx, std::int32_t ly) const
     {
         if (flat)
             return 255;
-        return coverage.empty() || lx < coverage.x0 || ly < coverage.y0 || lx >= coverage.x0 + coverage.width
-                       || ly >= coverage.y0 + coverage.height
-                   ? 0
-                   : coverage[ly][lx];
+        const FZSpan row = coverage.Row(ly);
+        return lx < row.first || lx > row.last ? 0 : coverage[ly][lx];
     }
-    // The shaded image's bytes of layer pixel (lx, ly), which lies in the window.
-    std::uint8_t* ShadedAt(std::int32_t lx, std::int32_t ly)
-    {
-        return shaded->PixelAddress(lx - coverage.x0, ly - coverage.y0);
-    }
-    const std::uint8_t* ShadedAt(std::int32_t lx, std::int32_t ly) const
-    {
-        return shaded->PixelAddress(lx - coverage.x0, ly - coverage.y0);
-    }
+    // The shaded bytes of a pixel the rows hold.
+    std::uint8_t* ShadedAt(std::int32_t lx, std::int32_t ly) { return shaded[ly][lx].bgr; }
+    const std::uint8_t* ShadedAt(std::int32_t lx, std::int32_t ly) const { return shaded[ly][lx].bgr; }
 
     void FillDepth(float value);
     void ClearColors();
@@ -181,7 +179,9 @@ public:
     int CompositeSample(std::int32_t lx, std::int32_t ly, float z, std::uint8_t cb, const FZColor& color);
 
 private:
-    FZResult MakeRows(const FZRect& window);
+    FZResult MakeRows(std::shared_ptr<const FZRowLayout> rows);
+    // MakeRows for a new layer, which is released when they cannot be had.
+    FZResult TakeRows(std::shared_ptr<const FZRowLayout> rows);
 };
 
 class FZScene {
@@ -222,8 +222,9 @@ public:
     void AddLayer(const FZLayer& layer);
     FZResult InsertLayer(const FZLayer& layer, std::int32_t index);
     FZResult AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h);
-    // The same with rows over the window of the layer only.
-    FZResult AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, const FZRect& window);
+    // The same with rows over the pixels of the layout only.
+    FZResult AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h,
+                          std::shared_ptr<const FZRowLayout> rows);
     FZResult AddFullFrameLayer() { return AddLayerRect(0, 0, width, height); }
     // Out of range does nothing.
     void RemoveLayer(std::int32_t index);

@@ -102,8 +102,8 @@ FZResult CPreviewPanel::MakeSample(std::int32_t n)
     const float r = static_cast<float>(h / 2.3);
     const float cx = static_cast<float>(w * 0.5);
     const float cy = static_cast<float>(h * 0.5);
-    // The sample covers the frame, with rows only where its shape can be.
-    if (const FZResult added = scene->AddLayerRect(0, 0, w, h, SampleShapeWindow(cx, cy, r, w, h));
+    // The sample covers the frame, with rows only where its shape can reach.
+    if (const FZResult added = scene->AddLayerRect(0, 0, w, h, SampleShapeRows(cx, cy, r, w, h));
         added != FZResult::Ok)
         return added;
     FZLayer* sample = scene->LayerAt(sampleIndex);

@@ -41,21 +41,18 @@ void ClampToOne(float rgb[3])
             rgb[c] = 1.0f;
 }
 
-// The shaded image covers the pixels the rows hold.
+// The shaded image holds the pixels the rows hold.
 FZResult EnsureShadedImage(FZLayer& layer)
 {
-    const FZRect stored = layer.Stored();
-    const std::int32_t w = stored.x1 - stored.x0 + 1;
-    const std::int32_t h = stored.y1 - stored.y0 + 1;
-    const FZImage* image = layer.shaded.get();
-    if (image != nullptr && image->width == w && image->height == h && image->bytesPerPixel == 3
-        && !image->data.empty())
+    if (!layer.shaded.empty() && layer.shaded.Layout() == layer.coverage.Layout())
         return FZResult::Ok;
-    layer.shaded = std::make_unique<FZImage>();
-    const FZResult result = layer.shaded->Create(w, h, 3);
-    if (result != FZResult::Ok)
-        layer.shaded.reset();
-    return result;
+    try {
+        layer.shaded = FZRaster<FZShadedPixel>(layer.coverage.Layout());
+    } catch (const std::bad_alloc&) {
+        layer.shaded.Clear();
+        return FZResult::OutOfMemory;
+    }
+    return FZResult::Ok;
 }
 
 // What a highlight term needs that stays the same over a layer for one
@@ -307,9 +304,9 @@ void ShadeUniformRow(const ShadingPass& pass, std::int32_t y)
     const std::uint8_t* coverage = layer.coverage[y];
     const FZPackedVector* normals = layer.normals[y];
     FZDiffuseBytes bytes;
-    const FZRect stored = layer.Stored();
-    for (std::int32_t start = stored.x0; start <= stored.x1; start += kFZDiffusePiece) {
-        const std::int32_t n = FZMin(kFZDiffusePiece, stored.x1 + 1 - start);
+    const FZSpan held = layer.StoredRow(y);
+    for (std::int32_t start = held.first; start <= held.last; start += kFZDiffusePiece) {
+        const std::int32_t n = FZMin(kFZDiffusePiece, held.last + 1 - start);
         if (std::all_of(coverage + start, coverage + start + n, [](std::uint8_t c) { return c == 0; }))
             continue;
         ShadeDiffusePiece(pass.diffuse, normals + start, n, bytes);
@@ -332,14 +329,16 @@ void ShadeOwnColourRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
     RowMemo memo;
-    const FZRect stored = layer.Stored();
+    const FZSpan held = layer.StoredRow(y);
+    if (held.Empty())
+        return;
     const FZColor* own = layer.colors[y];
-    FZColor lastColour = own[stored.x0];
+    FZColor lastColour = own[held.first];
     float base[3];
     lastColour.GetFloats(base);
     bool haveBytes = false;
     std::uint8_t bytes[3] = {0, 0, 0};
-    for (std::int32_t x = stored.x0; x <= stored.x1; ++x) {
+    for (std::int32_t x = held.first; x <= held.last; ++x) {
         if (layer.coverage[y][x] == 0)
             continue;
         const FZPackedVector& normal = layer.normals[y][x];
@@ -371,7 +370,7 @@ void ShadeOwnColourRow(const ShadingPass& pass, std::int32_t y)
         for (int c = 0; c < 3; ++c)
             acc[c] = static_cast<float>(static_cast<double>(acc[c]) * base[c]);
         ClampToOne(acc);
-        FZStorePixel(*layer.shaded, x - stored.x0, y - stored.y0, acc);
+        FZStoreBytes(p, acc);
         lastColour = colour;
         haveBytes = true;
         bytes[0] = p[0];
@@ -398,8 +397,8 @@ void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
     // Without grooves the highlight too depends on the normal alone.
     RowMemo memo;
     const bool grooves = layer.material.anisotropic != 0;
-    const FZRect stored = layer.Stored();
-    for (std::int32_t x = stored.x0; x <= stored.x1; ++x) {
+    const FZSpan held = layer.StoredRow(y);
+    for (std::int32_t x = held.first; x <= held.last; ++x) {
         if (layer.coverage[y][x] == 0) {
             layer.highlight[y][x] = -1.0f;
             continue;
@@ -431,10 +430,12 @@ bool HighlightVaries(const FZLayer& layer, std::int32_t x, std::int32_t y)
 {
     const float centre = FZMin(layer.highlight[y][x], 1.0f);
     // Neighbours the rows do not hold are uncovered.
-    const FZRect stored = layer.Stored();
-    const std::int32_t x0 = FZMax(x - 1, stored.x0);
-    const std::int32_t x1 = FZMin(x + 1, stored.x1);
-    for (std::int32_t yy = FZMax(y - 1, stored.y0); yy <= FZMin(y + 1, stored.y1); ++yy) {
+    for (std::int32_t yy = FZMax(y - 1, 0); yy <= FZMin(y + 1, layer.height - 1); ++yy) {
+        const FZSpan held = layer.StoredRow(yy);
+        const std::int32_t x0 = FZMax(x - 1, held.first);
+        const std::int32_t x1 = FZMin(x + 1, held.last);
+        if (x0 > x1)
+            continue;
         const float* row = layer.highlight[yy];
         for (std::int32_t xx = x0; xx <= x1; ++xx) {
             if (row[xx] < 0.0f)
@@ -490,8 +491,8 @@ bool IsWhite(const std::uint8_t* p)
 void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
-    const FZRect stored = layer.Stored();
-    for (std::int32_t x = stored.x0; x <= stored.x1; ++x) {
+    const FZSpan held = layer.StoredRow(y);
+    for (std::int32_t x = held.first; x <= held.last; ++x) {
         if (layer.coverage[y][x] == 0)
             continue;
         if (pass.whiteStaysWhite && IsWhite(layer.ShadedAt(x, y)))
@@ -504,11 +505,11 @@ void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
         float hc[3];
         HighlightColor(pass, x, y, hc);
         float colour[3];
-        FZReadPixel(*layer.shaded, x - stored.x0, y - stored.y0, colour);
+        FZReadBytes(layer.ShadedAt(x, y), colour);
         for (int c = 0; c < 3; ++c)
             colour[c] = static_cast<float>(colour[c] + static_cast<double>(h) * hc[c]);
         ClampToOne(colour);
-        FZStorePixel(*layer.shaded, x - stored.x0, y - stored.y0, colour);
+        FZStoreBytes(layer.ShadedAt(x, y), colour);
     }
 }
 
@@ -516,7 +517,7 @@ bool AnyCovered(const FZLayer& layer)
 {
     const FZRect stored = layer.Stored();
     for (std::int32_t y = stored.y0; y <= stored.y1; ++y)
-        for (std::int32_t x = stored.x0; x <= stored.x1; ++x)
+        for (std::int32_t x = layer.StoredRow(y).first; x <= layer.StoredRow(y).last; ++x)
             if (layer.coverage[y][x] != 0)
                 return true;
     return false;
@@ -564,9 +565,8 @@ struct HighlightMap {
 
     FZResult Make()
     {
-        const FZRect s = layer.Stored();
         try {
-            layer.highlight = FZRaster<float>(s.x0, s.y0, s.x1 - s.x0 + 1, s.y1 - s.y0 + 1);
+            layer.highlight = FZRaster<float>(layer.coverage.Layout());
         } catch (const std::bad_alloc&) {
             return FZResult::OutOfMemory;
         }
@@ -658,19 +658,18 @@ FZPackedVector FilteredNormal(const FZLayer& layer, float sx, float sy, float bo
     const float right = FZMin(width, static_cast<float>(static_cast<double>(sx) + half));
     const float top = FZMax(0.0f, static_cast<float>(static_cast<double>(sy) - half));
     const float bottom = FZMin(height, static_cast<float>(static_cast<double>(sy) + half));
-    // Pixels the rows do not hold are uncovered.
-    const FZRect stored = layer.Stored();
-    const std::int32_t firstColumn = FZMax(FZTruncate(left), stored.x0);
-    const std::int32_t lastColumn = FZMin(FZMin(FZTruncate(right), layer.width - 1), stored.x1);
-    const std::int32_t lastRow = FZMin(FZMin(FZTruncate(bottom), layer.height - 1), stored.y1);
+    const std::int32_t lastColumn = FZMin(FZTruncate(right), layer.width - 1);
+    const std::int32_t lastRow = FZMin(FZTruncate(bottom), layer.height - 1);
 
-    for (std::int32_t r = FZMax(FZTruncate(top), stored.y0); r <= lastRow; ++r) {
+    for (std::int32_t r = FZTruncate(top); r <= lastRow; ++r) {
+        // Pixels the rows do not hold are uncovered.
+        const FZSpan held = layer.StoredRow(r);
         const float rowTop = FZMax(static_cast<float>(r), top);
         const float rowBottom = FZMin(static_cast<float>(r + 1), bottom);
         const float dh = static_cast<float>(static_cast<double>(rowBottom) - rowTop);
         if (!(dh > 0.0f))
             continue;
-        for (std::int32_t c = firstColumn; c <= lastColumn; ++c) {
+        for (std::int32_t c = FZMax(FZTruncate(left), held.first); c <= FZMin(lastColumn, held.last); ++c) {
             if (layer.coverage[r][c] == 0)
                 continue;
             const float colLeft = FZMax(static_cast<float>(c), left);

@@ -180,12 +180,18 @@ std::vector<RowExtent> MeasureRows(const FZLayer& layer, const FZRect& r, bool w
 {
     std::vector<RowExtent> rows(static_cast<std::size_t>(r.y1 - r.y0 + 1));
     ParallelRows(r.y0, r.y1 + 1, [&](std::int32_t y) {
+        // Only the columns the row holds can be covered.
+        const FZSpan held = layer.StoredRow(y);
+        const std::int32_t x0 = FZMax(r.x0, held.first);
+        const std::int32_t x1 = FZMin(r.x1, held.last);
+        if (x0 > x1)
+            return;
         const std::uint8_t* coverage = layer.coverage[y];
         RowExtent& e = rows[static_cast<std::size_t>(y - r.y0)];
-        e.first = FirstCovered(coverage, r.x0, r.x1);
-        if (e.first > r.x1)
+        e.first = FirstCovered(coverage, x0, x1);
+        if (e.first > x1)
             return;
-        e.last = LastCovered(coverage, e.first, r.x1);
+        e.last = LastCovered(coverage, e.first, x1);
         if (withDepth)
             e.depths = CoveredDepthSpan(coverage + e.first, layer.depth[y] + e.first, e.Count());
     });
@@ -252,10 +258,12 @@ FZPackedVector NormalAt(const FZLayer& layer, std::int32_t x, std::int32_t y)
     float wx = 0.0f;
     float wy = 0.0f;
     // Neighbours the rows do not hold are uncovered.
-    const FZRect stored = layer.Stored();
-    const std::int32_t firstColumn = x > stored.x0 ? x - 1 : stored.x0;
-    const std::int32_t lastColumn = x < stored.x1 ? x + 1 : stored.x1;
-    for (std::int32_t ny = y > stored.y0 ? y - 1 : stored.y0; ny <= y + 1 && ny <= stored.y1; ++ny) {
+    for (std::int32_t ny = y > 0 ? y - 1 : 0; ny <= y + 1 && ny < layer.height; ++ny) {
+        const FZSpan held = layer.StoredRow(ny);
+        const std::int32_t firstColumn = FZMax(x - 1, held.first);
+        const std::int32_t lastColumn = FZMin(x + 1, held.last);
+        if (firstColumn > lastColumn)
+            continue;
         const std::uint8_t* coverage = layer.coverage[ny];
         const float* depth = layer.depth[ny];
         const int dy = ny - y;
@@ -466,10 +474,15 @@ TAMERISK_ROW_KERNEL PieceSurvey Survey(const Neighbourhood& around, std::int32_t
 void NormalsOfCoveredRun(FZLayer& layer, std::int32_t y, std::int32_t x0, std::int32_t x1)
 {
     FZPackedVector* normals = layer.normals[y];
-    const FZRect stored = layer.Stored();
-    const bool interiorRow = y > stored.y0 && y < stored.y1;
-    const std::int32_t first = interiorRow ? FZMax(x0, stored.x0 + 1) : x1 + 1;
-    const std::int32_t last = interiorRow ? FZMin(x1, stored.x1 - 1) : x1;
+    // The kernels read the neighbours of a pixel without asking: only where
+    // the rows above and below hold them too.
+    const FZSpan here = layer.StoredRow(y);
+    const FZSpan below = layer.StoredRow(y - 1);
+    const FZSpan above = layer.StoredRow(y + 1);
+    const bool interiorRow = y > 0 && !below.Empty() && !above.Empty();
+    const std::int32_t first
+        = interiorRow ? FZMax(x0, FZMax(here.first, FZMax(below.first, above.first)) + 1) : x1 + 1;
+    const std::int32_t last = interiorRow ? FZMin(x1, FZMin(here.last, FZMin(below.last, above.last)) - 1) : x1;
     for (std::int32_t x = x0; x < first && x <= x1; ++x)
         normals[x] = NormalAt(layer, x, y);
     FZPackedVector flat;
@@ -511,6 +524,11 @@ void NormalsOfCoveredRun(FZLayer& layer, std::int32_t y, std::int32_t x0, std::i
 // covered pixels.
 void EstimateRowNormals(FZLayer& layer, std::int32_t y, std::int32_t x0, std::int32_t x1)
 {
+    const FZSpan held = layer.StoredRow(y);
+    x0 = FZMax(x0, held.first);
+    x1 = FZMin(x1, held.last);
+    if (x0 > x1)
+        return;
     const std::uint8_t* coverage = layer.coverage[y];
     for (std::int32_t x = FirstCovered(coverage, x0, x1); x <= x1;) {
         const std::int32_t end = FirstUncovered(coverage, x, x1);
@@ -609,11 +627,9 @@ FZResult DepthRange(const FZLayer& layer, const FZRect& rect, float& minimum, fl
 
 FZResult EstimateNormals(FZLayer& layer, const FZRect& rect)
 {
-    const FZRect stored = layer.Stored();
-    if (layer.normals.empty() && !stored.IsEmpty()) {
+    if (layer.normals.empty() && !layer.coverage.empty()) {
         try {
-            layer.normals = FZRaster<FZPackedVector>(stored.x0, stored.y0, stored.x1 - stored.x0 + 1,
-                                                     stored.y1 - stored.y0 + 1);
+            layer.normals = FZRaster<FZPackedVector>(layer.coverage.Layout());
         } catch (const std::bad_alloc&) {
             return FZResult::OutOfMemory;
         }

@@ -60,14 +60,10 @@ void Lookup(const FZLayer& layer, int x, int y, float colour[3], float& t, const
 {
     colour[0] = colour[1] = colour[2] = 0.0f;
     t = 0.0f;
-    // The shaded image covers the window of pixels the rows hold.
-    const FZImage* image = layer.shaded.get();
-    const std::int64_t ix = std::int64_t{x} - layer.coverage.x0;
-    const std::int64_t iy = std::int64_t{y} - layer.coverage.y0;
-    if (image == nullptr || image->data.empty() || ix < 0 || iy < 0 || ix >= image->width || iy >= image->height
-        || x >= layer.width || y >= layer.height)
+    const FZSpan held = layer.shaded.Row(y);
+    if (x < held.first || x > held.last || x >= layer.width || y >= layer.height)
         return;
-    FZReadPixel(*image, static_cast<std::int32_t>(ix), static_cast<std::int32_t>(iy), colour);
+    FZReadBytes(layer.ShadedAt(x, y), colour);
 
     const FZAttributeEx& m = layer.material;
     if (!(m.transparency > 0.0f))
