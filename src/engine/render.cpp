@@ -491,9 +491,17 @@ public:
         for (std::int32_t k = 0; k < n; ++k) {
             const std::int32_t y = rect.y0 + first + k;
             float* row = rows[k];
-            for (std::int32_t c = 0; c < width; ++c) {
-                const std::uint8_t cov = layer.CoverageAt(rect.x0 + c - layer.x, y - layer.y);
-                row[c] = cov == 0 ? uncovered : static_cast<float>(FZByteRatio(cov) * emission * 200.0);
+            std::fill(row, row + width, uncovered);
+            // The columns of rect the layer's row holds (all of a flat layer's).
+            const FZSpan held = layer.IsFlat() ? FZSpan{0, layer.width - 1} : layer.StoredRow(y - layer.y);
+            const std::int32_t c0 = ClampToInt32(FZMax<std::int64_t>(std::int64_t{held.first} + layer.x - rect.x0, 0));
+            const std::int32_t c1
+                = ClampToInt32(FZMin<std::int64_t>(std::int64_t{held.last} + layer.x - rect.x0, width - 1));
+            const std::uint8_t* coverage = layer.IsFlat() || c0 > c1 ? nullptr : layer.coverage[y - layer.y];
+            for (std::int32_t c = c0; c <= c1; ++c) {
+                const std::uint8_t cov = coverage == nullptr ? 255 : coverage[rect.x0 + c - layer.x];
+                if (cov != 0)
+                    row[c] = static_cast<float>(FZByteRatio(cov) * emission * 200.0);
             }
             for (std::int32_t j = 1; j < index; ++j)
                 DimEmissionRow(scene.LayerAt(j), renderRect, rect, y, row);
