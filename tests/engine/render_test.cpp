@@ -52,18 +52,24 @@ void SetUpPlainScene(FZScene& scene, int w, int h)
     ASSERT_EQ(ShadeLayerAt(scene, 0), FZResult::Ok);
 }
 
+// Cells of w x h pixels in two colours, the ground's own.
+void PaintChecker(FZLayer& ground, int w, int h)
+{
+    FZColor a;
+    FZColor b;
+    a.SetBytes(240, 200, 40);
+    b.SetBytes(20, 60, 180);
+    ground.FillChecker(w, h, a, b);
+    ground.SetColorSource(1);
+}
+
 // A scene whose ground shows a 5 x 5 pixel checker of two colours exactly.
 void SetUpCheckerScene(FZScene& scene, int w, int h)
 {
     ASSERT_EQ(scene.SetUpFrame(w, h, kWhite), FZResult::Ok);
     FZLayer& ground = *scene.LayerAt(0);
     ground.SetMaterial(Matte(255, 255, 255));
-    FZColor a;
-    FZColor b;
-    a.SetBytes(240, 200, 40);
-    b.SetBytes(20, 60, 180);
-    ground.FillChecker(5, 5, a, b);
-    ground.SetColorSource(1);
+    PaintChecker(ground, 5, 5);
     ASSERT_EQ(PrepareLayer(scene, 0), FZResult::Ok);
     ASSERT_EQ(ShadeLayerAt(scene, 0), FZResult::Ok);
 }
@@ -140,14 +146,8 @@ std::vector<std::uint8_t> GroundFrame(const FZAttributeEx& material, bool checke
     EXPECT_EQ(scene.SetUpFrame(23, 17, kWhite), FZResult::Ok);
     FZLayer& ground = *scene.LayerAt(0);
     ground.SetMaterial(material);
-    if (checker) {
-        FZColor a;
-        FZColor b;
-        a.SetBytes(240, 200, 40);
-        b.SetBytes(20, 60, 180);
-        ground.FillChecker(4, 3, a, b);
-        ground.SetColorSource(1);
-    }
+    if (checker)
+        PaintChecker(ground, 4, 3);
     if (rows) {
         EXPECT_EQ(ground.MakeRows(), FZResult::Ok);
     }
