@@ -11,12 +11,13 @@
 namespace {
 
 #if defined(__linux__)
-// From this size a block is mapped from the system in huge pages (a
-// smaller one, a 1024 x 1024 layer's coverage is 1 MB, would hold twice its
-// size). The block starts on a huge page and ends on an ordinary one: its
-// whole huge pages are backed by huge pages, the rest by ordinary pages, so
-// that it never holds more than a page beyond its size.
-constexpr std::size_t kMapFrom = std::size_t{2} << 20;
+// From this size a block is mapped from the system, starting on a huge
+// page. Its whole huge pages are backed by huge pages; the rest, when a
+// last huge page would hold more than an eighth of the block again, by
+// ordinary pages (a 1024 x 1024 layer's coverage, 1 MB, would hold twice
+// its size in one). A huge page is one fault where ordinary pages are five
+// hundred, so a block takes one whenever that costs little memory.
+constexpr std::size_t kMapFrom = std::size_t{1} << 20;
 constexpr std::size_t kHugePage = std::size_t{2} << 20;
 constexpr std::size_t kPage = std::size_t{4} << 10;
 
@@ -53,8 +54,9 @@ FZZeroedBlock::FZZeroedBlock(std::size_t bytes)
         return;
 #if defined(__linux__)
     if (bytes >= kMapFrom) {
-        const std::size_t length = RoundUp(bytes, kPage);
-        if (length < bytes)
+        const std::size_t whole = RoundUp(bytes, kHugePage);
+        const std::size_t length = whole - bytes <= bytes / 8 ? whole : RoundUp(bytes, kPage);
+        if (length < bytes || whole < bytes)
             throw std::bad_alloc();
         memory = std::unique_ptr<void, FZZeroedRelease>(MapZeroed(length), FZZeroedRelease{length});
         return;
