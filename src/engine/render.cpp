@@ -1,9 +1,11 @@
 #include "engine/render.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <vector>
 
 #include "engine/emission_lattice.h"
@@ -530,11 +532,38 @@ bool AllZero(const std::vector<float>& values)
     return std::all_of(values.begin(), values.end(), [](float v) { return v == 0.0f; });
 }
 
+// Runs row(y, buffer) over [begin, end) on the pool, each chunk of rows
+// with a buffer of n values of its own; std::bad_alloc (after the pool is
+// done) when one cannot be had.
+template <typename T, typename RowFunction>
+void ParallelRowsWithBuffer(std::int32_t begin, std::int32_t end, std::size_t n, RowFunction&& row)
+{
+    struct Context {
+        RowFunction& row;
+        std::size_t n;
+        std::atomic<bool> failed;
+    } context{row, n, false};
+    RunRowChunks(begin, end, [](void* p, std::int32_t first, std::int32_t last) {
+        Context& c = *static_cast<Context*>(p);
+        std::vector<T> buffer;
+        try {
+            buffer.resize(c.n);
+        } catch (const std::bad_alloc&) {
+            c.failed = true;
+            return;
+        }
+        for (std::int32_t y = first; y < last; ++y)
+            c.row(y, buffer);
+    }, &context);
+    if (context.failed)
+        throw std::bad_alloc();
+}
+
 // The ground's light spread from its lattice to every pixel by the tent
 // filter of size 10: the sums FilterSeparable makes over a grid holding the
 // lattice's light at its points and 0 elsewhere, where only the lattice
 // rows are not 0. They are filtered across and kept; each pixel row then
-// sums them down, in row order.
+// sums them down, in row order. std::bad_alloc when memory runs out.
 class GroundLight {
 public:
     GroundLight(const FZGroundLattice& g, std::int32_t w, std::int32_t h)
@@ -542,11 +571,13 @@ public:
           across(static_cast<std::size_t>(g.rows) * static_cast<std::size_t>(w)),
           zero(static_cast<std::size_t>(g.rows))
     {
-        ParallelRows(0, g.rows, [this](std::int32_t i) { FilterAcross(i); });
+        ParallelRowsWithBuffer<float>(0, g.rows, static_cast<std::size_t>(w),
+                                      [this](std::int32_t i, std::vector<float>& row) { FilterAcross(i, row); });
     }
 
-    // The light of pixel row r, width values.
-    void Row(std::int32_t r, std::vector<double>& sums, float* light) const
+    // The sums of pixel row r, width values; each rounded to float is the
+    // light of its pixel.
+    void Row(std::int32_t r, std::vector<double>& sums) const
     {
         std::fill(sums.begin(), sums.end(), 0.0);
         const int half = tent.Half();
@@ -560,14 +591,13 @@ public:
                 if (values[c] != 0.0f)
                     sums[static_cast<std::size_t>(c)] += static_cast<double>(values[c]) * weight;
         }
-        for (std::int32_t c = 0; c < width; ++c)
-            light[c] = static_cast<float>(sums[static_cast<std::size_t>(c)]);
     }
 
 private:
-    void FilterAcross(std::int32_t i)
+    // Lattice row i filtered across; row is width floats of work memory.
+    void FilterAcross(std::int32_t i, std::vector<float>& row)
     {
-        std::vector<float> row(static_cast<std::size_t>(width), 0.0f);
+        std::fill(row.begin(), row.end(), 0.0f);
         for (std::int32_t j = 0; j < lattice.columns; ++j)
             row[static_cast<std::size_t>(2 + 5 * j)]
                 = lattice.cells[static_cast<std::size_t>(i) * static_cast<std::size_t>(lattice.columns) + j];
@@ -592,28 +622,16 @@ void AddLightToFrame(const GroundLight& light, const FZRect& groundRect, const F
     std::int32_t w = 0;
     std::int32_t h = 0;
     groundRect.GetSize(w, h);
-    struct Rows {
-        const GroundLight& light;
-        const FZRect& groundRect;
-        const float* rgb;
-        FZImage& frame;
-        std::int32_t width;
-    } rows{light, groundRect, rgb, frame, w};
-    RunRowChunks(0, h, [](void* context, std::int32_t first, std::int32_t last) {
-        const Rows& c = *static_cast<const Rows*>(context);
-        std::vector<double> sums(static_cast<std::size_t>(c.width));
-        std::vector<float> values(static_cast<std::size_t>(c.width));
-        for (std::int32_t gr = first; gr < last; ++gr) {
-            c.light.Row(gr, sums, values.data());
-            for (std::int32_t gc = 0; gc < c.width; ++gc) {
-                std::uint8_t* p = c.frame.PixelAddress(c.groundRect.x0 + gc, c.groundRect.y0 + gr);
-                const double v = values[static_cast<std::size_t>(gc)];
-                p[0] = AddLight(p[0], c.rgb[2] * v * 255.0);
-                p[1] = AddLight(p[1], c.rgb[1] * v * 255.0);
-                p[2] = AddLight(p[2], c.rgb[0] * v * 255.0);
-            }
+    ParallelRowsWithBuffer<double>(0, h, static_cast<std::size_t>(w), [&](std::int32_t gr, std::vector<double>& sums) {
+        light.Row(gr, sums);
+        for (std::int32_t gc = 0; gc < w; ++gc) {
+            std::uint8_t* p = frame.PixelAddress(groundRect.x0 + gc, groundRect.y0 + gr);
+            const double v = static_cast<float>(sums[static_cast<std::size_t>(gc)]);
+            p[0] = AddLight(p[0], rgb[2] * v * 255.0);
+            p[1] = AddLight(p[1], rgb[1] * v * 255.0);
+            p[2] = AddLight(p[2], rgb[0] * v * 255.0);
         }
-    }, &rows);
+    });
 }
 
 // Lights the ground around emitter i: 0, or -2 when out of memory.
