@@ -82,6 +82,12 @@ FZResult FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::
 {
     if (const FZResult made = CreateFlat(lx, ly, w, h, base); made != FZResult::Ok)
         return made;
+    // Rows beyond the layer would be pixels no pass visits.
+    const FZRect inside = rows != nullptr ? rows->Bounds() : FZRect();
+    if (!inside.IsEmpty() && (inside.x1 >= w || inside.y0 < 0 || inside.y1 >= h)) {
+        Release();
+        return FZResult::BadParameter;
+    }
     return TakeRows(std::move(rows));
 }
 

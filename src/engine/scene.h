@@ -125,8 +125,9 @@ public:
     // rendered; rows that cannot be had give OutOfMemory the same way.
     FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base);
     // The same with rows over the window only (layer coordinates, clipped to
-    // the layer), or over the pixels of the layout (which must lie in the
-    // layer): the pixels outside stay uncovered for good.
+    // the layer), or over the pixels of the layout (BadParameter, the layer
+    // released, when they do not lie in the layer): the pixels outside stay
+    // uncovered for good.
     FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base,
                     const FZRect& window);
     FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base,

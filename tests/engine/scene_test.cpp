@@ -179,6 +179,10 @@ TEST(RowLayout, PixelsALayerDoesNotHoldStayUncovered)
     EXPECT_EQ(layer.CompositeSample(0, 3, 1.0f, 255, Rgb(1, 2, 3)), 0);
     EXPECT_EQ(layer.CompositeSample(1, 2, 3.0f, 255, Rgb(1, 2, 3)), 2);
     EXPECT_EQ(layer.CoverageAt(5, 2), 0);
+
+    const auto beyond = std::make_shared<const FZRowLayout>(3, std::vector<FZSpan>{{0, 1}, {0, 1}});
+    EXPECT_EQ(layer.Create(0, 0, 6, 4, 0.0f, beyond), FZResult::BadParameter);
+    EXPECT_EQ(layer.width, 0);
 }
 
 // A flat layer keeps no rows until something needs them; then it holds
