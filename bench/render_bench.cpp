@@ -9,12 +9,15 @@
 // The several-thread runs use every processor, or TAMERISK_THREADS threads
 // when that variable is set (a number of 2 or more).
 //
-// PeakMemory, which runs first, builds a 1024 x 1024 preview and applies
-// every material of the set: its "peak_MB" counter is how far the process's
-// resident memory rose above where it stood before the frame set-up (the
-// rasters are mapped from the system, not taken through operator new, so
-// the high-water mark of resident pages is what counts them all, huge pages
-// whole).
+// PeakMemory, which runs first, builds a 1024 x 1024 preview (and then a
+// 3840 x 2160 one) and applies every material of the set: its "peak_MB"
+// counter is how far the process's resident memory rose above where it
+// stood before the frame set-up (the rasters are mapped from the system,
+// not taken through operator new, so the high-water mark of resident pages
+// is what counts them all), "bytes_per_pixel" the same per frame pixel.
+// Memory the first run freed may stay with the process and serve the
+// second unseen; run each alone (--benchmark_filter=PeakMemory/width:3840)
+// for its own figure.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -138,8 +141,10 @@ void BuildShape(benchmark::State& state, std::int32_t shape)
 void PeakMemory(benchmark::State& state)
 {
     std::int64_t peak = 0;
+    const auto w = static_cast<std::int32_t>(state.range(0));
+    const auto h = static_cast<std::int32_t>(state.range(1));
     for (auto _ : state) {
-        SetRenderThreads(static_cast<int>(state.range(1)));
+        SetRenderThreads(static_cast<int>(state.range(2)));
         if (!ResetPeakResident()) {
             state.SkipWithError("the resident high-water mark cannot be reset");
             return;
@@ -147,8 +152,7 @@ void PeakMemory(benchmark::State& state)
         const std::int64_t before = StatusBytes("VmRSS");
         {
             CPreviewPanel panel;
-            const auto size = static_cast<std::int32_t>(state.range(0));
-            if (panel.SetUpFrame(size, size) != FZResult::Ok) {
+            if (panel.SetUpFrame(w, h) != FZResult::Ok) {
                 state.SkipWithError("the preview could not be set up");
                 return;
             }
@@ -161,6 +165,7 @@ void PeakMemory(benchmark::State& state)
         peak = StatusBytes("VmHWM") - before;
     }
     state.counters["peak_MB"] = static_cast<double>(peak) / (1024.0 * 1024.0);
+    state.counters["bytes_per_pixel"] = static_cast<double>(peak) / (static_cast<double>(w) * h);
 }
 
 void AddRuns(benchmark::internal::Benchmark* b)
@@ -178,8 +183,9 @@ const bool kRegistered = [] {
     // from frame to frame, which a later run would find already there.
     static const int parallel = ParallelThreads();
     benchmark::RegisterBenchmark("PeakMemory", PeakMemory)
-        ->Args({1024, parallel})
-        ->ArgNames({"size", "threads"})
+        ->Args({1024, 1024, parallel})
+        ->Args({3840, 2160, parallel})
+        ->ArgNames({"width", "height", "threads"})
         ->Iterations(1)
         ->Unit(benchmark::kMillisecond)
         ->UseRealTime();

@@ -1,6 +1,7 @@
 #include "engine/emission_lattice.h"
 
 #include <atomic>
+#include <cstddef>
 #include <cmath>
 #include <limits>
 #include <new>
@@ -269,9 +270,9 @@ std::int32_t LatticeCount(std::int32_t size)
 }
 
 struct Lattice {
-    const FZLightGrid& m;
+    const FZEmitterLight& m;
     const FZRect& emitterRect;
-    const FZLightGrid& g;
+    FZGroundLattice& g;
     const FZRect& groundRect;
     double r;
     std::int32_t blockColumns;
@@ -284,13 +285,22 @@ struct Lattice {
     FallTable falls;
 };
 
-void GatherCentres(Lattice& l, std::int32_t blockRow)
+// The centres of one row of blocks, from the five emitter rows it spans
+// (fewer at the end of the grid, which clips the blocks there).
+void GatherCentres(Lattice& l, std::int32_t blockRow, std::vector<float>& band)
 {
+    const std::int32_t first = 5 * blockRow;
+    const std::int32_t n = FZMin(5, l.m.height - first);
+    float* rows[5];
+    for (std::int32_t r = 0; r < n; ++r)
+        rows[r] = band.data() + static_cast<std::size_t>(r) * static_cast<std::size_t>(l.m.width);
+    l.m.FillRows(first, n, rows);
+    const FZLightGrid light{rows, l.m.width, n};
     const float k = static_cast<float>(1.0 / (l.r * l.r * l.r * 100.0));
     for (std::int32_t j = 0; j < l.blockColumns; ++j) {
         Centre& c = l.centres[static_cast<std::size_t>(blockRow) * l.blockColumns + j];
         float w = 0.0f;
-        c.lit = EmissionBlockCentre(l.m, l.emitterRect.x0, l.emitterRect.y0, 2 + 5 * blockRow, 2 + 5 * j, w, c.cx,
+        c.lit = EmissionBlockCentre(light, l.emitterRect.x0, l.emitterRect.y0 + first, 2, 2 + 5 * j, w, c.cx,
                                     c.cy);
         c.wk = static_cast<double>(w) * k;
         c.column = -1;
@@ -335,9 +345,9 @@ TAMERISK_LATTICE_KERNEL void SplatGroundRow(Lattice& l, SplatCentreFunction spla
         if (first <= last)
             splat(c, dy * dy, l.gx.data(), first, last, r, cells);
     }
-    float* out = l.g.rows[2 + 5 * row];
+    float* out = l.g.cells.data() + static_cast<std::size_t>(row) * static_cast<std::size_t>(l.columns);
     for (std::int32_t j = 0; j < l.columns; ++j)
-        out[2 + 5 * j] = cells[j];
+        out[j] = cells[j];
 }
 
 } // namespace
@@ -371,12 +381,15 @@ bool EmissionBlockCentre(const FZLightGrid& m, std::int32_t x0, std::int32_t y0,
     return true;
 }
 
-bool SplatEmissionByGroundRows(const FZLightGrid& m, const FZRect& emitterRect, const FZLightGrid& g,
-                               const FZRect& groundRect, std::int32_t radius)
+bool SplatEmissionByGroundRows(const FZEmitterLight& m, const FZRect& emitterRect, const FZRect& groundRect,
+                               std::int32_t radius, FZGroundLattice& g)
 {
     const SplatCentreFunction splat = Kernel().load();
+    std::int32_t groundWidth = 0;
+    std::int32_t groundHeight = 0;
+    groundRect.GetSize(groundWidth, groundHeight);
     Lattice l{m, emitterRect, g, groundRect, static_cast<double>(radius), LatticeCount(m.width),
-              LatticeCount(g.width), LatticeCount(g.height), 0, {}, {}, {}, {}};
+              LatticeCount(groundWidth), LatticeCount(groundHeight), 0, {}, {}, {}, {}};
     const std::int32_t blockRows = LatticeCount(m.height);
     const std::int32_t groundRows = l.groundRows;
     l.stride = (l.columns + kPad - 1) / kPad * kPad + kPad;
@@ -384,18 +397,35 @@ bool SplatEmissionByGroundRows(const FZLightGrid& m, const FZRect& emitterRect, 
         l.centres.resize(static_cast<std::size_t>(blockRows) * static_cast<std::size_t>(l.blockColumns));
         l.gx.assign(static_cast<std::size_t>(l.stride), std::numeric_limits<double>::quiet_NaN());
         l.cells.assign(static_cast<std::size_t>(groundRows) * static_cast<std::size_t>(l.stride), 0.0f);
+        g.cells.assign(static_cast<std::size_t>(groundRows) * static_cast<std::size_t>(l.columns), 0.0f);
     } catch (const std::bad_alloc&) {
         return false;
     }
+    g.rows = groundRows;
+    g.columns = l.columns;
     for (std::int32_t j = 0; j < l.columns; ++j)
         l.gx[j] = groundRect.x0 + (2 + 5 * j) + 0.5;
     // Without memory for the table every centre takes the plain way.
     (void)l.falls.Make(groundRows, l.columns, l.r);
-    for (std::int32_t row = 0; row < groundRows; ++row)
-        for (std::int32_t j = 0; j < l.columns; ++j)
-            l.cells[static_cast<std::size_t>(row) * l.stride + j] = g.rows[2 + 5 * row][2 + 5 * j];
-
-    ParallelRows(0, blockRows, [&l](std::int32_t row) { GatherCentres(l, row); });
+    // Each chunk of block rows takes its band of emitter rows once.
+    struct Gathering {
+        Lattice* lattice;
+        std::atomic<bool> failed;
+    } gathering{&l, false};
+    RunRowChunks(0, blockRows, [](void* context, std::int32_t first, std::int32_t last) {
+        auto& g = *static_cast<Gathering*>(context);
+        std::vector<float> band;
+        try {
+            band.resize(static_cast<std::size_t>(5) * static_cast<std::size_t>(g.lattice->m.width));
+        } catch (const std::bad_alloc&) {
+            g.failed = true;
+            return;
+        }
+        for (std::int32_t row = first; row < last; ++row)
+            GatherCentres(*g.lattice, row, band);
+    }, &gathering);
+    if (gathering.failed)
+        return false;
     // The middle of the emitter is the likeliest to be evenly lit.
     const std::size_t middle = l.centres.size() / 2;
     for (std::size_t i = middle; i < l.centres.size(); ++i)

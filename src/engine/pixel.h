@@ -51,19 +51,28 @@ inline std::uint8_t FZFloatToByte(float v)
     return static_cast<std::uint8_t>(FZTruncateClamped(static_cast<double>(v) * 255.0, 0, 255));
 }
 
-// Pixel (x, y) of a 24-bit image; no bounds check, callers clip.
-inline void FZReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, float rgb[3])
+// The three bytes of a pixel, blue, green, red.
+inline void FZReadBytes(const std::uint8_t* p, float rgb[3])
 {
-    const std::uint8_t* p = image.PixelAddress(x, y);
     for (int c = 0; c < 3; ++c)
         rgb[c] = FZByteToFloat(p[2 - c]);
 }
 
-inline void FZStorePixel(FZImage& image, std::int32_t x, std::int32_t y, const float rgb[3])
+inline void FZStoreBytes(std::uint8_t* p, const float rgb[3])
 {
-    std::uint8_t* p = image.PixelAddress(x, y);
     for (int c = 0; c < 3; ++c)
         p[2 - c] = FZFloatToByte(rgb[c]);
+}
+
+// Pixel (x, y) of a 24-bit image; no bounds check, callers clip.
+inline void FZReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, float rgb[3])
+{
+    FZReadBytes(image.PixelAddress(x, y), rgb);
+}
+
+inline void FZStorePixel(FZImage& image, std::int32_t x, std::int32_t y, const float rgb[3])
+{
+    FZStoreBytes(image.PixelAddress(x, y), rgb);
 }
 
 #endif

@@ -1,9 +1,11 @@
 #include "engine/render.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <vector>
 
 #include "engine/emission_lattice.h"
@@ -11,7 +13,6 @@
 #include "engine/parallel.h"
 #include "engine/pixel.h"
 #include "engine/refraction_rows.h"
-#include "engine/scratch.h"
 #include "engine/shading/lighting.h"
 #include "engine/shading/surface.h"
 #include "engine/shading/transparency.h"
@@ -39,6 +40,19 @@ FZRect LayerFrameRect(const FZLayer& layer)
 {
     return FZRect(layer.x, layer.y, ClampToInt32(std::int64_t{layer.x} + layer.width - 1),
                   ClampToInt32(std::int64_t{layer.y} + layer.height - 1));
+}
+
+// The pixels the layer's rows hold, in frame coordinates; for a flat layer
+// all of its pixels.
+FZRect StoredFrameRect(const FZLayer& layer)
+{
+    if (layer.IsFlat())
+        return LayerFrameRect(layer);
+    const FZRect s = layer.Stored();
+    if (s.IsEmpty())
+        return FZRect();
+    return FZRect(ClampToInt32(std::int64_t{layer.x} + s.x0), ClampToInt32(std::int64_t{layer.y} + s.y0),
+                  ClampToInt32(std::int64_t{layer.x} + s.x1), ClampToInt32(std::int64_t{layer.y} + s.y1));
 }
 
 // The part of rect that lies inside the scene and inside the image; false
@@ -238,12 +252,15 @@ void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, st
                 std::int32_t x0, std::int32_t x1)
 {
     const std::int32_t ly = ClampToInt32(std::int64_t{y} - pass.layer.y);
-    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, pass.layer.x));
-    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{pass.layer.x} + pass.layer.width - 1));
+    const FZSpan held = pass.layer.StoredRow(ly);
+    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, std::int64_t{pass.layer.x} + held.first));
+    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{pass.layer.x} + held.last));
+    if (first > last)
+        return;
     NormalMemo memo;
     const ComposeShortcuts& shortcuts = pass.shortcuts;
     const std::uint8_t* coverage = pass.layer.coverage[ly];
-    const std::uint8_t* shaded = shortcuts.opaqueTable ? pass.layer.shaded->PixelAddress(0, ly) : nullptr;
+    const FZShadedPixel* shaded = shortcuts.opaqueTable ? pass.layer.shaded[ly] : nullptr;
     std::uint8_t* out = frame.PixelAddress(0, y);
     for (std::int32_t x = first; x <= last; ++x) {
         const std::int32_t lx = x - pass.layer.x;
@@ -251,7 +268,7 @@ void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, st
         if (c == 0)
             continue;
         if (c == 255 && shaded != nullptr) {
-            const std::uint8_t* from = shaded + std::ptrdiff_t{3} * lx;
+            const std::uint8_t* from = shaded[lx].bgr;
             std::uint8_t* to = out + std::ptrdiff_t{3} * x;
             to[0] = shortcuts.table[from[0]];
             to[1] = shortcuts.table[from[1]];
@@ -269,8 +286,9 @@ void ComposeRefractingRow(const LayerPass& pass, const FZImage& behind, FZImage&
 {
     const FZLayer& layer = pass.layer;
     const std::int32_t ly = ClampToInt32(std::int64_t{y} - layer.y);
-    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(x0, layer.x) - layer.x);
-    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(x1, std::int64_t{layer.x} + layer.width - 1) - layer.x);
+    const FZSpan held = layer.StoredRow(ly);
+    const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(std::int64_t{x0} - layer.x, held.first));
+    const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(std::int64_t{x1} - layer.x, held.last));
     const std::uint8_t* coverage = layer.coverage[ly];
     const FZPackedVector* normals = layer.normals.empty() ? nullptr : layer.normals[ly];
     NormalMemo memo;
@@ -296,10 +314,8 @@ void ComposeRefractingRow(const LayerPass& pass, const FZImage& behind, FZImage&
 void SetUpShortcuts(const LayerPass& pass, ComposeShortcuts& shortcuts)
 {
     const FZLayer& layer = pass.layer;
-    const FZImage* shaded = layer.shaded.get();
-    shortcuts.opaqueTable = !pass.reflects && !pass.refracts && shaded != nullptr && !shaded->data.empty()
-                            && shaded->bytesPerPixel == 3 && shaded->width >= layer.width
-                            && shaded->height >= layer.height;
+    shortcuts.opaqueTable = !pass.reflects && !pass.refracts && !layer.shaded.empty()
+                            && layer.shaded.Layout() == layer.coverage.Layout();
     struct Table {
         std::uint8_t opaque[256];
     };
@@ -321,7 +337,7 @@ bool CoversAny(const FZLayer& layer, std::int32_t y0, std::int32_t y1, const FZR
         = ClampToInt32(FZMin<std::int64_t>(rect.x1, std::int64_t{layer.x} + layer.width - 1) - layer.x);
     for (std::int32_t y = y0; y <= y1; ++y)
         for (std::int32_t lx = first; lx <= last; ++lx)
-            if (layer.coverage[y - layer.y][lx] != 0)
+            if (layer.CoverageAt(lx, y - layer.y) != 0)
                 return true;
     return false;
 }
@@ -334,6 +350,36 @@ void PrepareSky(const LayerPass& pass, std::int32_t y0, std::int32_t y1, const F
     FZEnvironment& env = pass.scene.environment;
     if (env.mode == 1 && !env.rampBuilt && CoversAny(pass.layer, y0, y1, rect))
         BuildSkyRamp(env);
+}
+
+// A flat layer that neither reflects nor refracts shows the bytes of its
+// two shaded colours, as a fully covered pixel shows them through the table.
+void ComposeFlatLayer(const LayerPass& pass, const FZRect& rect, FZImage& frame)
+{
+    const FZLayer& layer = pass.layer;
+    FZRect area = LayerFrameRect(layer);
+    if (!area.Intersect(rect))
+        return;
+    std::uint8_t bytes[2][3];
+    for (int k = 0; k < 2; ++k)
+        for (int c = 0; c < 3; ++c)
+            bytes[k][c] = pass.shortcuts.table[layer.fill.shaded[k][c]];
+    const std::int32_t cellWidth = layer.fill.cellWidth < 1 ? INT32_MAX : layer.fill.cellWidth;
+    ParallelRows(area.y0, area.y1 + 1, [&](std::int32_t y) {
+        const std::int32_t ly = y - layer.y;
+        std::uint8_t* out = frame.PixelAddress(area.x0, y);
+        const std::int32_t end = area.x1 - layer.x;
+        // Cell by cell along the row.
+        for (std::int32_t lx = area.x0 - layer.x; lx <= end;) {
+            const std::uint8_t* cell = bytes[layer.fill.CellOf(lx, ly)];
+            const std::int32_t cellEnd = FZMin<std::int64_t>(end, (std::int64_t{lx} / cellWidth + 1) * cellWidth - 1);
+            for (; lx <= cellEnd; ++lx, out += 3) {
+                out[0] = cell[0];
+                out[1] = cell[1];
+                out[2] = cell[2];
+            }
+        }
+    });
 }
 
 // Composites the layer over the frame inside rect, which lies in the frame.
@@ -351,12 +397,21 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
                    m.transparency > 0.0f,
                    FZRefraction{eta, bias, m.thinGlass != 0, m.thickness, layer.x, layer.y},
                    {}};
-    CopyRect(frame, *scene.behind, rect);
+    if (layer.IsFlat()) {
+        SetUpShortcuts(pass, pass.shortcuts);
+        ComposeFlatLayer(pass, rect, frame);
+        return;
+    }
+    // Only refraction looks at what lies behind other pixels than its own;
+    // every other layer reads its own pixel of the frame before writing it.
+    if (pass.refracts)
+        CopyRect(frame, *scene.behind, rect);
+    const FZImage& behind = pass.refracts ? *scene.behind : frame;
     if (layer.coverage.empty() || layer.depth.empty())
         return;
-    const std::int64_t top = std::int64_t{layer.y} + layer.height - 1;
-    const std::int32_t y0 = ClampToInt32(FZMax<std::int64_t>(rect.y0, layer.y));
-    const std::int32_t y1 = ClampToInt32(FZMin<std::int64_t>(rect.y1, top));
+    const FZRect stored = StoredFrameRect(layer);
+    const std::int32_t y0 = FZMax(rect.y0, stored.y0);
+    const std::int32_t y1 = FZMin(rect.y1, stored.y1);
     if (y0 > y1)
         return;
     if (pass.reflects)
@@ -364,9 +419,35 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
     SetUpShortcuts(pass, pass.shortcuts);
     if (pass.refracts)
         ParallelRows(y0, y1 + 1,
-                     [&](std::int32_t y) { ComposeRefractingRow(pass, *scene.behind, frame, y, rect.x0, rect.x1); });
+                     [&](std::int32_t y) { ComposeRefractingRow(pass, behind, frame, y, rect.x0, rect.x1); });
     else
-        ParallelRows(y0, y1 + 1, [&](std::int32_t y) { ComposeRow(pass, *scene.behind, frame, y, rect.x0, rect.x1); });
+        ParallelRows(y0, y1 + 1, [&](std::int32_t y) { ComposeRow(pass, behind, frame, y, rect.x0, rect.x1); });
+}
+
+// A flat layer's bytes hold for a pixel that neither reflects nor refracts;
+// a layer that does takes the rows it stands for and is shaded again.
+FZResult GiveRowsIfNeeded(FZScene& scene, std::int32_t index)
+{
+    FZLayer& layer = *scene.LayerAt(index);
+    const FZAttributeEx& m = layer.material;
+    const bool perPixel = (m.reflection > 0.0f && scene.environment.IsOn()) || m.transparency > 0.0f;
+    if (!layer.IsFlat() || !perPixel)
+        return FZResult::Ok;
+    if (const FZResult made = layer.MakeRows(); made != FZResult::Ok)
+        return made;
+    if (const FZResult prepared = PrepareLayer(scene, index); prepared != FZResult::Ok)
+        return prepared;
+    return ShadeLayerAt(scene, index);
+}
+
+bool AnyRefracts(const FZScene& scene)
+{
+    for (std::int32_t i = 0; i < scene.LayerCount(); ++i) {
+        const FZLayer* layer = scene.LayerAt(i);
+        if (layer != nullptr && layer->IsVisible() != 0 && layer->material.transparency > 0.0f)
+            return true;
+    }
+    return false;
 }
 
 bool IsEmitter(const FZLayer* layer)
@@ -374,53 +455,18 @@ bool IsEmitter(const FZLayer* layer)
     return layer != nullptr && layer->IsVisible() != 0 && layer->material.emission > 0.0f;
 }
 
-// A float raster of h rows of w floats with its row pointers.
-struct Grid {
-    explicit Grid(FZScratchSlot slot) : cells(slot) {}
-
-    FZScratchFloats cells;
-    std::vector<float*> rows;
-    std::int32_t width = 0;
-    std::int32_t height = 0;
-
-    // All cells 0; false when out of memory.
-    bool Allocate(std::int32_t w, std::int32_t h)
-    {
-        if (!cells.Assign(static_cast<std::size_t>(w) * static_cast<std::size_t>(h)))
-            return false;
-        try {
-            rows.resize(static_cast<std::size_t>(h));
-        } catch (const std::bad_alloc&) {
-            return false;
-        }
-        for (std::int32_t r = 0; r < h; ++r)
-            rows[r] = cells.Data() + static_cast<std::size_t>(r) * static_cast<std::size_t>(w);
-        width = w;
-        height = h;
-        return true;
-    }
-    void Clear() { std::fill(cells.Vector().begin(), cells.Vector().end(), 0.0f); }
-    float* operator[](std::int32_t r) { return rows[r]; }
-    const float* operator[](std::int32_t r) const { return rows[r]; }
-};
-
-FZLightGrid LightGridOf(const Grid& grid)
-{
-    return FZLightGrid{grid.rows.data(), grid.width, grid.height};
-}
-
 // Dims one row of the emitter's light (frame row y) by a layer in front:
 // each cell keeps 1 - a + a x transparency of its light.
 void DimEmissionRow(const FZLayer* front, const FZRect& renderRect, const FZRect& rect, std::int32_t y, float* row)
 {
-    if (front == nullptr || front->IsVisible() == 0 || front->coverage.empty())
+    if (front == nullptr || front->IsVisible() == 0 || (front->coverage.empty() && !front->IsFlat()))
         return;
     FZRect frontRect = LayerFrameRect(*front);
     if (!frontRect.Intersect(renderRect) || !frontRect.Intersect(rect) || y < frontRect.y0 || y > frontRect.y1)
         return;
     const double clear = front->material.transparency;
     for (std::int32_t fx = frontRect.x0; fx <= frontRect.x1; ++fx) {
-        const float aj = FZByteToFloat(front->coverage[y - front->y][fx - front->x]);
+        const float aj = FZByteToFloat(front->CoverageAt(fx - front->x, y - front->y));
         float& cell = row[fx - rect.x0];
         cell = static_cast<float>(cell * (1.0 - aj + aj * clear));
     }
@@ -430,51 +476,46 @@ void DimEmissionRow(const FZLayer* front, const FZRect& renderRect, const FZRect
 // rect, dimmed by the layers between it and the ground (first to index - 1)
 // by how much of the light their coverage and transparency let pass. Rows
 // are independent: each cell is dimmed by the layers in list order.
-void GatherEmission(const FZScene& scene, std::int32_t index, const FZRect& renderRect,
-                    const FZRect& rect, Grid& m)
-{
-    const FZLayer& layer = *scene.LayerAt(index);
-    const double emission = layer.material.emission;
-    ParallelRows(0, m.height, [&](std::int32_t r) {
-        for (std::int32_t c = 0; c < m.width; ++c) {
-            const std::uint8_t cov = layer.coverage[rect.y0 + r - layer.y][rect.x0 + c - layer.x];
-            m[r][c] = static_cast<float>(FZByteRatio(cov) * emission * 200.0);
-        }
-        for (std::int32_t j = 1; j < index; ++j)
-            DimEmissionRow(scene.LayerAt(j), renderRect, rect, rect.y0 + r, m[r]);
-    });
-}
+class EmitterRows : public FZEmitterLight {
+public:
+    EmitterRows(const FZScene& s, std::int32_t i, const FZRect& render, const FZRect& r)
+        : scene(s), index(i), renderRect(render), rect(r)
+    {
+        rect.GetSize(width, height);
+    }
 
-// Splats the emitter's light onto the ground lattice: one light centre per
-// 5 x 5 block of the emitter, falling off to 0 at the radius.
-void SplatEmission(const Grid& m, const FZRect& emitterRect, Grid& g, const FZRect& groundRect,
-                   std::int32_t radius)
-{
-    const double r = radius;
-    const float k = static_cast<float>(1.0 / (r * r * r * 100.0));
-    const FZLightGrid light = LightGridOf(m);
-    for (std::int32_t br = 2; br < m.height; br += 5)
-        for (std::int32_t bc = 2; bc < m.width; bc += 5) {
-            float w = 0.0f;
-            float cx = 0.0f;
-            float cy = 0.0f;
-            if (!EmissionBlockCentre(light, emitterRect.x0, emitterRect.y0, br, bc, w, cx, cy))
-                continue;
-            for (std::int32_t gr = 2; gr < g.height; gr += 5) {
-                const double dy = cy - (groundRect.y0 + gr + 0.5);
-                if (!(dy * dy <= r * r))
-                    continue;
-                for (std::int32_t gc = 2; gc < g.width; gc += 5) {
-                    const double dx = cx - (groundRect.x0 + gc + 0.5);
-                    const float dist2 = static_cast<float>(dx * dx + dy * dy);
-                    if (!(dist2 <= r * r))
-                        continue;
-                    const double fall = std::sqrt(static_cast<double>(dist2)) - r;
-                    g[gr][gc] = static_cast<float>(g[gr][gc] + static_cast<double>(w) * k * fall * fall);
-                }
+    void FillRows(std::int32_t first, std::int32_t n, float* const* rows) const override
+    {
+        const FZLayer& layer = *scene.LayerAt(index);
+        const double emission = layer.material.emission;
+        // What a pixel the layer does not cover gives.
+        const float uncovered = static_cast<float>(FZByteRatio(0) * emission * 200.0);
+        for (std::int32_t k = 0; k < n; ++k) {
+            const std::int32_t y = rect.y0 + first + k;
+            float* row = rows[k];
+            std::fill(row, row + width, uncovered);
+            // The columns of rect the layer's row holds (all of a flat layer's).
+            const FZSpan held = layer.IsFlat() ? FZSpan{0, layer.width - 1} : layer.StoredRow(y - layer.y);
+            const std::int32_t c0 = ClampToInt32(FZMax<std::int64_t>(std::int64_t{held.first} + layer.x - rect.x0, 0));
+            const std::int32_t c1
+                = ClampToInt32(FZMin<std::int64_t>(std::int64_t{held.last} + layer.x - rect.x0, width - 1));
+            const std::uint8_t* coverage = layer.IsFlat() || c0 > c1 ? nullptr : layer.coverage[y - layer.y];
+            for (std::int32_t c = c0; c <= c1; ++c) {
+                const std::uint8_t cov = coverage == nullptr ? 255 : coverage[rect.x0 + c - layer.x];
+                if (cov != 0)
+                    row[c] = static_cast<float>(FZByteRatio(cov) * emission * 200.0);
             }
+            for (std::int32_t j = 1; j < index; ++j)
+                DimEmissionRow(scene.LayerAt(j), renderRect, rect, y, row);
         }
-}
+    }
+
+private:
+    const FZScene& scene;
+    std::int32_t index;
+    FZRect renderRect;
+    FZRect rect;
+};
 
 // byte + light, at most 255. Light that a broken material makes negative or
 // not a number adds nothing below 0 and nothing at all, respectively.
@@ -486,47 +527,163 @@ std::uint8_t AddLight(std::uint8_t byte, double light)
     return static_cast<std::uint8_t>(FZTruncateClamped(v, 0, 255));
 }
 
-void AddLightToFrame(const Grid& g, const FZRect& groundRect, const FZColor& colour, FZImage& frame)
+bool AllZero(const std::vector<float>& values)
+{
+    return std::all_of(values.begin(), values.end(), [](float v) { return v == 0.0f; });
+}
+
+// Runs row(y, buffer) over [begin, end) on the pool, each chunk of rows
+// with a buffer of n values of its own; std::bad_alloc (after the pool is
+// done) when one cannot be had.
+template <typename T, typename RowFunction>
+void ParallelRowsWithBuffer(std::int32_t begin, std::int32_t end, std::size_t n, RowFunction&& row)
+{
+    struct Context {
+        RowFunction& row;
+        std::size_t n;
+        std::atomic<bool> failed;
+    } context{row, n, false};
+    RunRowChunks(begin, end, [](void* p, std::int32_t first, std::int32_t last) {
+        Context& c = *static_cast<Context*>(p);
+        std::vector<T> buffer;
+        try {
+            buffer.resize(c.n);
+        } catch (const std::bad_alloc&) {
+            c.failed = true;
+            return;
+        }
+        for (std::int32_t y = first; y < last; ++y)
+            c.row(y, buffer);
+    }, &context);
+    if (context.failed)
+        throw std::bad_alloc();
+}
+
+// The ground's light spread from its lattice to every pixel by the tent
+// filter of size 10: the sums FilterSeparable makes over a grid holding the
+// lattice's light at its points and 0 elsewhere, where only the lattice
+// rows are not 0. They are filtered across and kept; each pixel row then
+// sums them down, in row order. std::bad_alloc when memory runs out.
+class GroundLight {
+public:
+    GroundLight(const FZGroundLattice& g, std::int32_t w, std::int32_t h)
+        : lattice(g), width(w), height(h), tent(10),
+          across(static_cast<std::size_t>(g.rows) * static_cast<std::size_t>(w)),
+          zero(static_cast<std::size_t>(g.rows))
+    {
+        ParallelRowsWithBuffer<float>(0, g.rows, static_cast<std::size_t>(w),
+                                      [this](std::int32_t i, std::vector<float>& row) { FilterAcross(i, row); });
+    }
+
+    // The sums of pixel row r, width values; each rounded to float is the
+    // light of its pixel.
+    void Row(std::int32_t r, std::vector<double>& sums) const
+    {
+        std::fill(sums.begin(), sums.end(), 0.0);
+        const int half = tent.Half();
+        for (std::int32_t gr = FZMax(r - half, 0); gr <= FZMin(r + half, height - 1); ++gr) {
+            const std::int32_t i = (gr - 2) / 5;
+            if (gr < 2 || (gr - 2) % 5 != 0 || i >= lattice.rows || zero[static_cast<std::size_t>(i)] != 0)
+                continue;
+            const float* values = &across[static_cast<std::size_t>(i) * static_cast<std::size_t>(width)];
+            const double weight = tent.Weight(gr - (r - half));
+            for (std::int32_t c = 0; c < width; ++c)
+                if (values[c] != 0.0f)
+                    sums[static_cast<std::size_t>(c)] += static_cast<double>(values[c]) * weight;
+        }
+    }
+
+private:
+    // Lattice row i filtered across; row is width floats of work memory.
+    void FilterAcross(std::int32_t i, std::vector<float>& row)
+    {
+        std::fill(row.begin(), row.end(), 0.0f);
+        for (std::int32_t j = 0; j < lattice.columns; ++j)
+            row[static_cast<std::size_t>(2 + 5 * j)]
+                = lattice.cells[static_cast<std::size_t>(i) * static_cast<std::size_t>(lattice.columns) + j];
+        zero[static_cast<std::size_t>(i)] = AllZero(row) ? 1 : 0;
+        float* out = &across[static_cast<std::size_t>(i) * static_cast<std::size_t>(width)];
+        for (std::int32_t c = 0; c < width; ++c)
+            out[c] = zero[static_cast<std::size_t>(i)] != 0 ? 0.0f : tent.Sum(row.data(), 1, c, width);
+    }
+
+    const FZGroundLattice& lattice;
+    std::int32_t width;
+    std::int32_t height;
+    FZTentFilter tent;
+    std::vector<float> across;
+    std::vector<char> zero;
+};
+
+void AddLightToFrame(const GroundLight& light, const FZRect& groundRect, const FZColor& colour, FZImage& frame)
 {
     float rgb[3];
     colour.GetFloats(rgb);
-    ParallelRows(0, g.height, [&](std::int32_t gr) {
-        for (std::int32_t gc = 0; gc < g.width; ++gc) {
+    std::int32_t w = 0;
+    std::int32_t h = 0;
+    groundRect.GetSize(w, h);
+    ParallelRowsWithBuffer<double>(0, h, static_cast<std::size_t>(w), [&](std::int32_t gr, std::vector<double>& sums) {
+        light.Row(gr, sums);
+        for (std::int32_t gc = 0; gc < w; ++gc) {
             std::uint8_t* p = frame.PixelAddress(groundRect.x0 + gc, groundRect.y0 + gr);
-            const double light = g[gr][gc];
-            p[0] = AddLight(p[0], rgb[2] * light * 255.0);
-            p[1] = AddLight(p[1], rgb[1] * light * 255.0);
-            p[2] = AddLight(p[2], rgb[0] * light * 255.0);
+            const double v = static_cast<float>(sums[static_cast<std::size_t>(gc)]);
+            p[0] = AddLight(p[0], rgb[2] * v * 255.0);
+            p[1] = AddLight(p[1], rgb[1] * v * 255.0);
+            p[2] = AddLight(p[2], rgb[0] * v * 255.0);
         }
     });
 }
 
 // Lights the ground around emitter i: 0, or -2 when out of memory.
 FZResult AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& renderRect, const FZRect& groundRect,
-                    Grid& g, FZImage& frame)
+                         FZImage& frame)
 {
     const FZLayer& layer = *scene.LayerAt(index);
     FZRect rect = LayerFrameRect(layer);
-    if (layer.coverage.empty() || !rect.Intersect(renderRect))
+    if ((layer.coverage.empty() && !layer.IsFlat()) || !rect.Intersect(renderRect))
         return FZResult::Ok;
     // An emitter too small for its emission to reach a whole pixel has
     // radius 0: it lights nothing.
     const std::int32_t radius = EmissionRadius(layer);
     if (radius <= 0)
         return FZResult::Ok;
-    Grid m(FZScratchSlot::EmitterLight);
-    if (!m.Allocate(rect.x1 - rect.x0 + 1, rect.y1 - rect.y0 + 1))
+    const EmitterRows m(scene, index, renderRect, rect);
+    FZGroundLattice g;
+    if (!SplatEmissionByGroundRows(m, rect, groundRect, radius, g))
         return FZResult::OutOfMemory;
-    GatherEmission(scene, index, renderRect, rect, m);
-    g.Clear();
-    // The splat by ground rows needs scratch memory; without it the plain one runs.
-    if (!SplatEmissionByGroundRows(LightGridOf(m), rect, LightGridOf(g), groundRect, radius))
-        SplatEmission(m, rect, g, groundRect, radius);
-    FZFloatGrid view(g.width, g.height, g.rows.data());
-    const FZResult result = FilterSeparable(view, 10);
-    if (result != FZResult::Ok)
-        return result;
-    AddLightToFrame(g, groundRect, layer.material.color, frame);
+    std::int32_t w = 0;
+    std::int32_t h = 0;
+    groundRect.GetSize(w, h);
+    try {
+        const GroundLight light(g, w, h);
+        AddLightToFrame(light, groundRect, layer.material.color, frame);
+    } catch (const std::bad_alloc&) {
+        return FZResult::OutOfMemory;
+    }
+    return FZResult::Ok;
+}
+
+// Fills the rect with the background and composites the layers over it.
+FZResult ComposeAllLayers(FZScene& scene, const FZRect& area, FZImage& frame)
+{
+    std::uint8_t bgr[3];
+    for (int c = 0; c < 3; ++c)
+        bgr[2 - c] = FZTruncateLow8(static_cast<double>(scene.background[c]) * 255.0);
+    FillRect(frame, area, bgr);
+
+    for (std::int32_t i = 0; i < scene.LayerCount(); ++i) {
+        const FZLayer* layer = scene.LayerAt(i);
+        if (layer == nullptr || layer->IsVisible() == 0)
+            continue;
+        if (const FZResult rows = GiveRowsIfNeeded(scene, i); rows != FZResult::Ok)
+            return rows;
+        ComposeLayer(scene, i, *layer, area, frame);
+        if (i == 0) {
+            const FZResult result = AddEmissionLight(scene, area, frame);
+            if (result != FZResult::Ok)
+                return result;
+        }
+    }
     return FZResult::Ok;
 }
 
@@ -553,27 +710,14 @@ FZResult ComposeLayers(FZScene& scene, const FZRect& rect, FZImage& frame)
     FZRect area = rect;
     if (!ClipToImage(scene, frame, area))
         return FZResult::BadParameter;
-    const FZResult made = EnsureFrameSizedImage(scene, scene.behind);
-    if (made != FZResult::Ok)
-        return made;
-
-    std::uint8_t bgr[3];
-    for (int c = 0; c < 3; ++c)
-        bgr[2 - c] = FZTruncateLow8(static_cast<double>(scene.background[c]) * 255.0);
-    FillRect(frame, area, bgr);
-
-    for (std::int32_t i = 0; i < scene.LayerCount(); ++i) {
-        const FZLayer* layer = scene.LayerAt(i);
-        if (layer == nullptr || layer->IsVisible() == 0)
-            continue;
-        ComposeLayer(scene, i, *layer, area, frame);
-        if (i == 0) {
-            const FZResult result = AddEmissionLight(scene, area, frame);
-            if (result != FZResult::Ok)
-                return result;
-        }
-    }
-    return FZResult::Ok;
+    // The behind image lives while a frame with a refracting layer is made.
+    const bool refracts = AnyRefracts(scene);
+    if (refracts)
+        if (const FZResult made = EnsureFrameSizedImage(scene, scene.behind); made != FZResult::Ok)
+            return made;
+    const FZResult result = ComposeAllLayers(scene, area, frame);
+    scene.behind.reset();
+    return result;
 }
 
 void SampleBehind(const FZScene& scene, double sx, double sy, float out[3])
@@ -637,13 +781,10 @@ FZResult AddEmissionLight(FZScene& scene, const FZRect& rect, FZImage& frame)
     if (!anyLight)
         return FZResult::Ok;
 
-    Grid g(FZScratchSlot::GroundLight);
-    if (!g.Allocate(groundRect.x1 - groundRect.x0 + 1, groundRect.y1 - groundRect.y0 + 1))
-        return FZResult::OutOfMemory;
     for (std::int32_t i = 1; i < scene.LayerCount(); ++i) {
         if (!IsEmitter(scene.LayerAt(i)))
             continue;
-        const FZResult result = AddEmitterLight(scene, i, area, groundRect, g, frame);
+        const FZResult result = AddEmitterLight(scene, i, area, groundRect, frame);
         if (result != FZResult::Ok)
             return result;
     }

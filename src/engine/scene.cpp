@@ -1,6 +1,8 @@
 #include "engine/scene.h"
 
+#include <cmath>
 #include <cstring>
+#include <new>
 
 #include "engine/fz_math.h"
 
@@ -54,16 +56,57 @@ void FZCamera::Update()
 
 FZResult FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base)
 {
+    return Create(lx, ly, w, h, base, FZRect(0, 0, w - 1, h - 1));
+}
+
+FZResult FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base,
+                         const FZRect& window)
+{
+    if (const FZResult made = CreateFlat(lx, ly, w, h, base); made != FZResult::Ok)
+        return made;
+    FZRect rows = window;
+    if (!rows.ClipTo(0, 0, w - 1, h - 1))
+        rows = FZRect(0, 0, -1, -1);
+    std::shared_ptr<const FZRowLayout> layout;
+    try {
+        layout = FZRowLayout::Rectangle(rows.x0, rows.y0, rows.x1 - rows.x0 + 1, rows.y1 - rows.y0 + 1);
+    } catch (const std::bad_alloc&) {
+        Release();
+        return FZResult::OutOfMemory;
+    }
+    return TakeRows(std::move(layout));
+}
+
+FZResult FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base,
+                         std::shared_ptr<const FZRowLayout> rows)
+{
+    if (const FZResult made = CreateFlat(lx, ly, w, h, base); made != FZResult::Ok)
+        return made;
+    // Rows beyond the layer would be pixels no pass visits.
+    const FZRect inside = rows != nullptr ? rows->Bounds() : FZRect();
+    if (!inside.IsEmpty() && (inside.x1 >= w || inside.y0 < 0 || inside.y1 >= h)) {
+        Release();
+        return FZResult::BadParameter;
+    }
+    return TakeRows(std::move(rows));
+}
+
+FZResult FZLayer::TakeRows(std::shared_ptr<const FZRowLayout> rows)
+{
+    // New rasters come zeroed: coverage and depth 0, normals 0, colours black.
+    const FZResult made = MakeRows(std::move(rows));
+    if (made != FZResult::Ok)
+        Release();
+    return made;
+}
+
+FZResult FZLayer::CreateFlat(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base)
+{
     Release();
     if (w < 0 || h < 0)
         return FZResult::BadParameter;
     if (std::int64_t{w} * h > kMaxPixels)
         return FZResult::OutOfMemory;
-    // New rasters come zeroed: coverage and depth 0, normals 0, colours black.
-    coverage = FZRaster<std::uint8_t>(w, h);
-    depth = FZRaster<float>(w, h);
-    normals = FZRaster<FZPackedVector>(w, h);
-    colors = FZRaster<FZColor>(w, h);
     baseDepth = base;
     x = lx;
     y = ly;
@@ -71,6 +114,50 @@ FZResult FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::
     height = h;
     colorSource = 1;
     visible = 1;
+    flat = true;
+    fill = FZFlatFill();
+    return FZResult::Ok;
+}
+
+FZResult FZLayer::MakeRows(std::shared_ptr<const FZRowLayout> rows)
+{
+    try {
+        FZRaster<std::uint8_t> newCoverage(rows);
+        FZRaster<float> newDepth(rows);
+        FZRaster<FZPackedVector> newNormals(rows);
+        FZRaster<FZColor> newColors(rows);
+        coverage = std::move(newCoverage);
+        depth = std::move(newDepth);
+        normals = std::move(newNormals);
+        colors = std::move(newColors);
+    } catch (const std::bad_alloc&) {
+        return FZResult::OutOfMemory;
+    }
+    highlight.Clear();
+    shaded.Clear();
+    flat = false;
+    return FZResult::Ok;
+}
+
+FZResult FZLayer::MakeRows()
+{
+    if (!flat)
+        return FZResult::Ok;
+    const FZFlatFill was = fill;
+    FZResult made = FZResult::OutOfMemory;
+    try {
+        made = MakeRows(FZRowLayout::Rectangle(0, 0, width, height));
+    } catch (const std::bad_alloc&) {
+    }
+    if (made != FZResult::Ok) {
+        flat = true;
+        return made;
+    }
+    FillDepth(was.depth);
+    if (was.cellWidth < 1)
+        FillColorRect(FZRect(0, 0, width - 1, height - 1), was.colors[0]);
+    else
+        FillChecker(was.cellWidth, was.cellHeight, was.colors[1], was.colors[0]);
     return FZResult::Ok;
 }
 
@@ -81,9 +168,11 @@ void FZLayer::Release()
     normals.Clear();
     colors.Clear();
     highlight.Clear();
-    shaded.reset();
+    shaded.Clear();
     baseDepth = 0.0f;
     x = y = width = height = 0;
+    flat = false;
+    fill = FZFlatFill();
 }
 
 void FZLayer::Assign(const FZLayer& other)
@@ -102,20 +191,34 @@ void FZLayer::Assign(const FZLayer& other)
     material = other.material;
     colorSource = other.colorSource;
     visible = other.visible;
+    flat = other.flat;
+    fill = other.fill;
 }
 
 void FZLayer::FillDepth(float value)
 {
+    // A flat layer stays flat at a depth that is a number; other depths
+    // take the rows, which handle them as they handle any depth.
+    if (flat && std::isfinite(value)) {
+        fill.depth = value;
+        return;
+    }
+    if (flat && MakeRows() != FZResult::Ok)
+        return;
     if (coverage.empty() || depth.empty())
         return;
     std::uint32_t bits;
     std::memcpy(&bits, &value, sizeof bits);
-    for (std::int32_t ly = 0; ly < height; ++ly) {
-        std::memset(coverage[ly], 255, static_cast<std::size_t>(width));
+    const FZRect s = Stored();
+    for (std::int32_t ly = s.y0; ly <= s.y1; ++ly) {
+        const FZSpan held = StoredRow(ly);
+        if (held.Empty())
+            continue;
+        std::memset(coverage[ly] + held.first, 255, static_cast<std::size_t>(held.last - held.first + 1));
         // Only depths that differ are written: a new layer's depths are
         // already 0, and pages that are only read cost nothing to map.
         float* row = depth[ly];
-        for (std::int32_t lx = 0; lx < width; ++lx) {
+        for (std::int32_t lx = held.first; lx <= held.last; ++lx) {
             std::uint32_t old;
             std::memcpy(&old, &row[lx], sizeof old);
             if (old != bits)
@@ -126,26 +229,47 @@ void FZLayer::FillDepth(float value)
 
 void FZLayer::ClearColors()
 {
+    if (flat) {
+        fill.cellWidth = fill.cellHeight = 0;
+        fill.colors[0] = FZColor();
+        return;
+    }
     if (colors.empty())
         return;
-    for (std::int32_t ly = 0; ly < height; ++ly)
-        std::memset(static_cast<void*>(colors[ly]), 0, sizeof(FZColor) * static_cast<std::size_t>(width));
+    const FZRect s = Stored();
+    for (std::int32_t ly = s.y0; ly <= s.y1; ++ly) {
+        const FZSpan held = StoredRow(ly);
+        if (!held.Empty())
+            std::memset(static_cast<void*>(colors[ly] + held.first), 0,
+                        sizeof(FZColor) * static_cast<std::size_t>(held.last - held.first + 1));
+    }
 }
 
 void FZLayer::FillColorRect(const FZRect& rect, const FZColor& color)
 {
-    FZRect r = rect;
-    if (colors.empty() || !r.ClipTo(0, 0, width - 1, height - 1))
+    if (flat && MakeRows() != FZResult::Ok)
         return;
-    for (std::int32_t ly = r.y0; ly <= r.y1; ++ly)
-        for (std::int32_t lx = r.x0; lx <= r.x1; ++lx)
+    FZRect r = rect;
+    if (colors.empty() || !r.Intersect(Stored()))
+        return;
+    for (std::int32_t ly = r.y0; ly <= r.y1; ++ly) {
+        const FZSpan held = StoredRow(ly);
+        for (std::int32_t lx = FZMax(r.x0, held.first); lx <= FZMin(r.x1, held.last); ++lx)
             colors[ly][lx] = color;
+    }
 }
 
 void FZLayer::FillChecker(std::int32_t cellWidth, std::int32_t cellHeight, const FZColor& a, const FZColor& b)
 {
     if (cellWidth < 1 || cellHeight < 1)
         return;
+    if (flat) {
+        fill.cellWidth = cellWidth;
+        fill.cellHeight = cellHeight;
+        fill.colors[0] = b;
+        fill.colors[1] = a;
+        return;
+    }
     // Neighbouring cells share their edge column and row; the later cell
     // wins, so pixel (lx, ly) ends in cell (lx / cellWidth, ly / cellHeight).
     const std::int32_t columns = width / cellWidth + 1;
@@ -164,7 +288,10 @@ void FZLayer::FillChecker(std::int32_t cellWidth, std::int32_t cellHeight, const
 
 int FZLayer::CompositeSample(std::int32_t lx, std::int32_t ly, float z, std::uint8_t cb, const FZColor& color)
 {
-    if (coverage.empty() || depth.empty() || lx < 0 || ly < 0 || lx >= width || ly >= height)
+    if (flat && MakeRows() != FZResult::Ok)
+        return 0;
+    const FZSpan held = StoredRow(ly);
+    if (coverage.empty() || depth.empty() || lx < held.first || lx > held.last)
         return 0;
     std::uint8_t& pixelCoverage = coverage[ly][lx];
     float& z0 = depth[ly][lx];
@@ -256,8 +383,9 @@ FZResult FZScene::SetUpFrame(std::int32_t w, std::int32_t h, const float backgro
     lights.emplace_back().SetDirectional(1.0f, direction, white);
 
     // Built in place: a copy of a full-frame layer costs as much as making it.
+    // The ground is flat: it needs no rows, whatever the frame's size.
     auto ground = std::make_unique<FZLayer>();
-    if (const FZResult result = ground->Create(0, 0, w, h, groundDepth); result != FZResult::Ok)
+    if (const FZResult result = ground->CreateFlat(0, 0, w, h, groundDepth); result != FZResult::Ok)
         return result;
     ground->FillDepth(0.0f);
     ground->SetColorSource(0);
@@ -289,6 +417,16 @@ FZResult FZScene::AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w,
 {
     auto layer = std::make_unique<FZLayer>();
     if (const FZResult result = layer->Create(lx, ly, w, h, layerDepth); result != FZResult::Ok)
+        return result;
+    layers.push_back(std::move(layer));
+    return FZResult::Ok;
+}
+
+FZResult FZScene::AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h,
+                               std::shared_ptr<const FZRowLayout> rows)
+{
+    auto layer = std::make_unique<FZLayer>();
+    if (const FZResult result = layer->Create(lx, ly, w, h, layerDepth, std::move(rows)); result != FZResult::Ok)
         return result;
     layers.push_back(std::move(layer));
     return FZResult::Ok;

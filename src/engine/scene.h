@@ -50,8 +50,39 @@ private:
     void Update();
 };
 
+// How a flat layer looks: every pixel covered at one depth, facing the
+// viewer, its own colours a checker of two colours (or one colour when the
+// cells are 0 wide). A flat layer keeps no rows at all; the shading works
+// out the shaded bytes of its two colours.
+struct FZFlatFill {
+    float depth = 0.0f;
+    std::int32_t cellWidth = 0;
+    std::int32_t cellHeight = 0;
+    // colors[0] where a pixel's cell column and cell row are both even or
+    // both odd, colors[1] elsewhere.
+    FZColor colors[2] = {};
+    // The shaded bytes (blue, green, red) of each colour, by ShadeLayer.
+    std::uint8_t shaded[2][3] = {};
+
+    // Which of the two colours pixel (lx, ly) of the layer shows.
+    int CellOf(std::int32_t lx, std::int32_t ly) const
+    {
+        return cellWidth < 1 || cellHeight < 1 ? 0 : (lx / cellWidth + ly / cellHeight) & 1;
+    }
+};
+
+// A pixel of a layer's shaded colour image: blue, green, red.
+struct FZShadedPixel {
+    std::uint8_t bgr[3];
+};
+
 // A raster object of the scene: per-pixel coverage, depth, normal and own
 // colour, one material, and the images the shading makes from them.
+//
+// The rows of a layer may hold only some of its pixels (StoredRow(),
+// Stored()): every pixel they do not hold is uncovered, and passes over the
+// layer visit the pixels held only. A flat layer (IsFlat()) holds no rows:
+// its pixels follow its FZFlatFill.
 class FZLayer {
 public:
     float baseDepth = 0.0f;             // z of depth 0 of this layer
@@ -66,14 +97,16 @@ public:
     std::int16_t colorSource = 0;       // 0 material colour, 1 own colour rows
     std::int16_t visible = 0;           // 1 from Create
     FZRaster<FZColor> colors;           // own colour rows
-    std::unique_ptr<FZImage> shaded;    // shaded colour image, by ShadeLayer
-    FZRaster<float> highlight;          // highlight map, by ShadeLayer
+    FZRaster<FZShadedPixel> shaded;     // shaded colour image, by ShadeLayer
+    FZRaster<float> highlight;          // highlight map, while ShadeLayer runs
     std::int32_t boundsX0 = 0;          // coverage bounds, by PrepareSurface
     std::int32_t boundsX1 = 0;
     std::int32_t boundsY0 = 0;
     std::int32_t boundsY1 = 0;
     float depthMin = 0.0f;              // depth range, by PrepareSurface
     float depthMax = 0.0f;
+    bool flat = false;
+    FZFlatFill fill;                    // what a flat layer shows
 
     FZLayer() = default;
     FZLayer(const FZLayer&) = delete;
@@ -89,8 +122,22 @@ public:
     // own colours black, colour source 1, visible. OutOfMemory when w x h
     // exceeds kMaxPixels, BadParameter for a negative size; the layer is then
     // left released (empty, size 0), so no half-built layer is ever
-    // rendered. std::bad_alloc leaves it released too.
+    // rendered; rows that cannot be had give OutOfMemory the same way.
     FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base);
+    // The same with rows over the window only (layer coordinates, clipped to
+    // the layer), or over the pixels of the layout (BadParameter, the layer
+    // released, when they do not lie in the layer): the pixels outside stay
+    // uncovered for good.
+    FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base,
+                    const FZRect& window);
+    FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base,
+                    std::shared_ptr<const FZRowLayout> rows);
+    // A flat layer of w x h at depth 0 with black colours, colour source 1,
+    // visible; the same failures as Create.
+    FZResult CreateFlat(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base);
+    // Gives a flat layer the rows it stands for (what is shaded is then
+    // shaded again by ShadeLayer); OutOfMemory leaves it flat.
+    FZResult MakeRows();
     // Frees every row set (highlight and normal rows included) and the
     // shaded image; base depth, position and size back to 0.
     void Release();
@@ -104,6 +151,25 @@ public:
     void SetColorSource(std::int16_t source) { colorSource = source; }
     std::int16_t GetColorSource() const { return colorSource; }
     std::int16_t IsVisible() const { return visible; }
+    bool IsFlat() const { return flat; }
+
+    // The rectangle around the pixels the rows hold, in layer coordinates;
+    // empty without rows.
+    FZRect Stored() const { return coverage.Bounds(); }
+    // The columns row ly holds; none without rows.
+    FZSpan StoredRow(std::int32_t ly) const { return coverage.Row(ly); }
+    // The coverage of any pixel of the layer: 255 everywhere on a flat
+    // layer, 0 where the rows hold nothing.
+    std::uint8_t CoverageAt(std::int32_t lx, std::int32_t ly) const
+    {
+        if (flat)
+            return 255;
+        const FZSpan row = coverage.Row(ly);
+        return lx < row.first || lx > row.last ? 0 : coverage[ly][lx];
+    }
+    // The shaded bytes of a pixel the rows hold.
+    std::uint8_t* ShadedAt(std::int32_t lx, std::int32_t ly) { return shaded[ly][lx].bgr; }
+    const std::uint8_t* ShadedAt(std::int32_t lx, std::int32_t ly) const { return shaded[ly][lx].bgr; }
 
     void FillDepth(float value);
     void ClearColors();
@@ -112,6 +178,11 @@ public:
     // Merges one sample into pixel (lx, ly), which must lie inside the layer.
     // 0 nothing there, 1 sample hidden, 2 replaced, 3 blended.
     int CompositeSample(std::int32_t lx, std::int32_t ly, float z, std::uint8_t cb, const FZColor& color);
+
+private:
+    FZResult MakeRows(std::shared_ptr<const FZRowLayout> rows);
+    // MakeRows for a new layer, which is released when they cannot be had.
+    FZResult TakeRows(std::shared_ptr<const FZRowLayout> rows);
 };
 
 class FZScene {
@@ -152,6 +223,9 @@ public:
     void AddLayer(const FZLayer& layer);
     FZResult InsertLayer(const FZLayer& layer, std::int32_t index);
     FZResult AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h);
+    // The same with rows over the pixels of the layout only.
+    FZResult AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h,
+                          std::shared_ptr<const FZRowLayout> rows);
     FZResult AddFullFrameLayer() { return AddLayerRect(0, 0, width, height); }
     // Out of range does nothing.
     void RemoveLayer(std::int32_t index);

@@ -1,16 +1,15 @@
-// Work memory of the render passes, kept from frame to frame. Freeing a
-// pass's rasters and asking for them again at the next frame makes the
-// system hand the memory back and forth (and map fresh pages each time),
-// which costs more than the small emission passes themselves. Each thread
-// keeps one buffer per slot; a buffer larger than a 1024 x 1024 raster of
-// floats is not kept.
+// Work memory of the separable filter, kept from call to call. Freeing a
+// raster and asking for it again at the next call makes the system hand
+// the memory back and forth (and map fresh pages each time), which costs
+// more than a small filter pass itself. Each thread keeps one buffer per
+// slot; a buffer larger than a 1024 x 1024 raster of floats is not kept.
 #ifndef TAMERISK_ENGINE_SCRATCH_H
 #define TAMERISK_ENGINE_SCRATCH_H
 
 #include <cstddef>
 #include <vector>
 
-enum class FZScratchSlot { GroundLight, EmitterLight, FilterWork, Count };
+enum class FZScratchSlot { FilterWork, Count };
 
 // Borrows the calling thread's buffer of a slot for its lifetime. A slot
 // already borrowed on this thread lends a buffer of its own.

@@ -21,18 +21,22 @@ bool FZRect::ClipTo(std::int32_t bx0, std::int32_t by0, std::int32_t bx1, std::i
     return y0 <= y1;
 }
 
-namespace {
+FZTentFilter::FZTentFilter(int size) : half(size / 2 < 1 ? 1 : size / 2), weight(static_cast<std::size_t>(2 * half + 1))
+{
+    const int taps = 2 * half + 1;
+    double sum = 0.0;
+    for (int i = 0; i < taps; ++i) {
+        weight[i] = static_cast<float>(1.0 - std::abs(i - half) / static_cast<double>(half));
+        sum += weight[i];
+    }
+    for (int i = 0; i < taps; ++i)
+        weight[i] = static_cast<float>(weight[i] / sum);
+}
 
-// One tap sum of the tent filter: the values at positions centre - half to
-// centre + half (those inside 0 .. count - 1), stride floats apart, each
-// times its weight, summed in double in position order.
-//
-// The sum leaves out values of 0, which cannot change the sum: it
-// starts at +0, never becomes -0, and adding a zero product to any other
-// value gives that value back.
-// Positions flagged in `zero` hold 0 and are left out the same way.
-float TentSum(const float* values, std::size_t stride, int centre, int count, const std::vector<float>& weight,
-              int half, const char* zero = nullptr)
+// The sum leaves out values of 0, which cannot change the sum: it starts
+// at +0, never becomes -0, and adding a zero product to any other value
+// gives that value back.
+float FZTentFilter::Sum(const float* values, std::size_t stride, int centre, int count, const char* zero) const
 {
     const int a = FZMax(centre - half, 0);
     const int b = FZMin(centre + half, count - 1);
@@ -43,10 +47,12 @@ float TentSum(const float* values, std::size_t stride, int centre, int count, co
         const float v = values[static_cast<std::size_t>(i) * stride];
         if (v == 0.0f)
             continue;
-        acc += static_cast<double>(v) * weight[i - (centre - half)];
+        acc += static_cast<double>(v) * weight[static_cast<std::size_t>(i - (centre - half))];
     }
     return static_cast<float>(acc);
 }
+
+namespace {
 
 bool AllZero(const float* values, int count)
 {
@@ -56,23 +62,22 @@ bool AllZero(const float* values, int count)
     return true;
 }
 
-// The same sums in two passes of independent rows, for the pool: every
-// value filtered across into the work grid, then every value down from it.
-// Rows of zeros (most rows of an emission lattice) filter across to zeros
-// and are left out of the sums down.
-void FilterRows(FZFloatGrid& grid, std::vector<float>& across, std::vector<char>& zero,
-                const std::vector<float>& weight, int half)
+// The sums in two passes of independent rows, for the pool: every value
+// filtered across into the work grid, then every value down from it. Rows
+// of zeros (most rows of an emission lattice) filter across to zeros and
+// are left out of the sums down.
+void FilterRows(FZFloatGrid& grid, std::vector<float>& across, std::vector<char>& zero, const FZTentFilter& tent)
 {
     const std::size_t w = static_cast<std::size_t>(grid.width);
     ParallelRows(0, grid.height, [&](int r) {
         float* out = &across[r * w];
         zero[r] = AllZero(grid.rows[r], grid.width) ? 1 : 0;
         for (int c = 0; c < grid.width; ++c)
-            out[c] = zero[r] != 0 ? 0.0f : TentSum(grid.rows[r], 1, c, grid.width, weight, half);
+            out[c] = zero[r] != 0 ? 0.0f : tent.Sum(grid.rows[r], 1, c, grid.width);
     });
     ParallelRows(0, grid.height, [&](int r) {
         for (int c = 0; c < grid.width; ++c)
-            grid.rows[r][c] = TentSum(&across[c], w, r, grid.height, weight, half, zero.data());
+            grid.rows[r][c] = tent.Sum(&across[c], w, r, grid.height, zero.data());
     });
 }
 
@@ -82,35 +87,20 @@ FZResult FilterSeparable(FZFloatGrid& grid, int size)
 {
     if (grid.width < 1 || grid.height < 1 || grid.rows == nullptr)
         return FZResult::Ok;
-    int half = size / 2;
-    if (half < 1)
-        half = 1;
-    const int taps = 2 * half + 1;
-
-    std::vector<float> weight;
     FZScratchFloats work(FZScratchSlot::FilterWork);
     std::vector<float>& copy = work.Vector();
     std::vector<char> zero;
     if (!work.Assign(static_cast<std::size_t>(grid.width) * static_cast<std::size_t>(grid.height)))
         return FZResult::OutOfMemory;
     try {
-        weight.resize(static_cast<std::size_t>(taps));
+        const FZTentFilter tent(size);
         zero.resize(static_cast<std::size_t>(grid.height));
+        FilterRows(grid, copy, zero, tent);
     } catch (const std::bad_alloc&) {
         return FZResult::OutOfMemory;
     } catch (const std::length_error&) {  // a size no allocator could serve
         return FZResult::OutOfMemory;
     }
-
-    double sum = 0.0;
-    for (int i = 0; i < taps; ++i) {
-        weight[i] = static_cast<float>(1.0 - std::abs(i - half) / static_cast<double>(half));
-        sum += weight[i];
-    }
-    for (int i = 0; i < taps; ++i)
-        weight[i] = static_cast<float>(weight[i] / sum);
-
-    FilterRows(grid, copy, zero, weight, half);
     return FZResult::Ok;
 }
 

@@ -7,7 +7,9 @@
 #ifndef TAMERISK_ENGINE_VALUE_TYPES_H
 #define TAMERISK_ENGINE_VALUE_TYPES_H
 
+#include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include <tamerisk/attribute.h>
 
@@ -66,6 +68,25 @@ struct FZFloatGrid {
 // dropped and not renormalised, so values near the border darken.
 // Returns 0, or -2 when a work buffer cannot be allocated.
 FZResult FilterSeparable(FZFloatGrid& grid, int size);
+
+// The tent filter of FilterSeparable, for passes that hold only part of
+// the grid they filter. std::bad_alloc when its weights cannot be had.
+class FZTentFilter {
+public:
+    explicit FZTentFilter(int size);
+
+    int Half() const { return half; }
+    // The weight of the value `offset` positions after the first tap.
+    float Weight(int offset) const { return weight[static_cast<std::size_t>(offset)]; }
+    // The tap sum at position centre of count values stride floats apart,
+    // in double, in position order; values of 0, and positions flagged in
+    // zero (when given), are left out (they cannot change the sum).
+    float Sum(const float* values, std::size_t stride, int centre, int count, const char* zero = nullptr) const;
+
+private:
+    int half = 1;
+    std::vector<float> weight;
+};
 
 // A cubic ease from (x0, y0) to (x1, y1); not clamped outside that span.
 struct FZSmoothStep {

@@ -11,20 +11,23 @@
 namespace {
 
 #if defined(__linux__)
-// From this size a block is mapped from the system in huge pages. A block is
-// rounded up to whole huge pages, so a smaller one (a 1024 x 1024 layer's
-// coverage is 1 MB) would hold twice its size.
-constexpr std::size_t kMapFrom = std::size_t{2} << 20;
+// From this size a block is mapped from the system, starting on a huge
+// page. Its whole huge pages are backed by huge pages; the rest, when a
+// last huge page would hold more than an eighth of the block again, by
+// ordinary pages (a 1024 x 1024 layer's coverage, 1 MB, would hold twice
+// its size in one). A huge page is one fault where ordinary pages are five
+// hundred, so a block takes one whenever that costs little memory.
+constexpr std::size_t kMapFrom = std::size_t{1} << 20;
 constexpr std::size_t kHugePage = std::size_t{2} << 20;
+constexpr std::size_t kPage = std::size_t{4} << 10;
 
 std::size_t RoundUp(std::size_t n, std::size_t unit)
 {
     return (n + unit - 1) / unit * unit;
 }
 
-// Whole huge pages, aligned to one, so that all of the block can be backed
-// by them. One more page is mapped than needed and the ends beyond the
-// aligned block are given back.
+// Aligned to a huge page. One more huge page is mapped than needed and the
+// ends beyond the aligned block are given back.
 void* MapZeroed(std::size_t length)
 {
     void* raw = mmap(nullptr, length + kHugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -51,8 +54,9 @@ FZZeroedBlock::FZZeroedBlock(std::size_t bytes)
         return;
 #if defined(__linux__)
     if (bytes >= kMapFrom) {
-        const std::size_t length = RoundUp(bytes, kHugePage);
-        if (length < bytes)
+        const std::size_t whole = RoundUp(bytes, kHugePage);
+        const std::size_t length = whole - bytes <= bytes / 8 ? whole : RoundUp(bytes, kPage);
+        if (length < bytes || whole < bytes)
             throw std::bad_alloc();
         memory = std::unique_ptr<void, FZZeroedRelease>(MapZeroed(length), FZZeroedRelease{length});
         return;

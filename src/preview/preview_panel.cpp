@@ -8,10 +8,11 @@
 
 namespace {
 
-// The largest frame the panel builds. A frame costs about 50 bytes a pixel
-// (two layers with their rows and images, the frame and behind images), so
-// this keeps a preview within a few gigabytes; anything larger is refused as
-// out of memory before a single row is allocated.
+// The largest frame the panel builds. A frame costs at most 16 bytes a
+// pixel (the flat ground keeps no rows, the sample keeps its rows and
+// shaded image over its own square only, and the frame image), so this
+// keeps a preview within a gigabyte; anything larger is refused as out of
+// memory before a single row is allocated.
 constexpr std::int64_t kMaxFramePixels = std::int64_t{1} << 26;  // 8192 x 8192
 constexpr std::int32_t kMaxFrameSide = 1 << 15;
 
@@ -99,15 +100,21 @@ FZResult CPreviewPanel::MakeSample(std::int32_t n)
     const std::int32_t w = scene->width;
     const std::int32_t h = scene->height;
     const float r = static_cast<float>(h / 2.3);
-    if (const FZResult added = scene->AddFullFrameLayer(); added != FZResult::Ok)
+    const float cx = static_cast<float>(w * 0.5);
+    const float cy = static_cast<float>(h * 0.5);
+    // The sample covers the frame, with rows only where its shape can reach.
+    if (const FZResult added = scene->AddLayerRect(0, 0, w, h, SampleShapeRows(cx, cy, r, w, h));
+        added != FZResult::Ok)
         return added;
     FZLayer* sample = scene->LayerAt(sampleIndex);
     // A scene whose ground someone removed holds the new layer elsewhere.
     if (sample == nullptr)
         return FZResult::NoData;
+    // It shows its material's colour, so it keeps no colours of its own.
+    sample->colors.Clear();
     sample->SetColorSource(source);
     sample->SetMaterial(material);
-    DrawSampleShape(*sample, n, static_cast<float>(w * 0.5), static_cast<float>(h * 0.5), r);
+    DrawSampleShape(*sample, n, cx, cy, r);
     shapeNumber = n;
     return PrepareLayer(*scene, sampleIndex);
 }

@@ -426,7 +426,7 @@ bool FZNoneCovered(const std::uint8_t* coverage, std::int32_t n)
 }
 
 void CompositeSamplePiece(FZLayer& layer, const FZPiecePlace& place, const FZSamplePiece& piece,
-                          const FZSolidPixels& solid)
+                          const FZSolidPixels& solid, const FZSpan& held)
 {
     const std::int32_t n = place.pixels;
     float count[kFZSamplePixels];
@@ -435,17 +435,23 @@ void CompositeSamplePiece(FZLayer& layer, const FZPiecePlace& place, const FZSam
     CountInside(piece, 0, solidFirst, count, sum);
     CountSolid(solid, count, sum);
     CountInside(piece, FZMax(solid.last, solidFirst), n, count, sum);
+    // Only the pixels the row holds are written: the samples of the others
+    // all lie outside the shape.
+    const std::int32_t k0 = held.first;
+    const std::int32_t k1 = FZMin(held.last + 1, n);
+    if (k0 >= k1)
+        return;
     std::uint8_t* coverage = layer.coverage[place.y] + place.start;
     float* depth = layer.depth[place.y] + place.start;
     FZColor* colors = layer.colors.empty() ? nullptr : layer.colors[place.y] + place.start;
     // Where nothing is drawn yet, every pixel takes the same simple path.
-    if (FZNoneCovered(coverage, n)) {
-        StoreIntoEmpty(count, sum, n, coverage, depth);
+    if (FZNoneCovered(coverage + k0, k1 - k0)) {
+        StoreIntoEmpty(count + k0, sum + k0, k1 - k0, coverage + k0, depth + k0);
         if (colors != nullptr)
-            ColorDrawnPixels(colors, count, n);
+            ColorDrawnPixels(colors + k0, count + k0, k1 - k0);
         return;
     }
-    for (std::int32_t k = 0; k < n; ++k) {
+    for (std::int32_t k = k0; k < k1; ++k) {
         if (coverage[k] != 0) {
             CompositeNineSamples(layer, place.start + k, place.y, piece, k);
             continue;
@@ -564,10 +570,11 @@ void AddDimple(FZLayer& layer, float cx, float cy, float radius, float depth)
     FZSmoothStep bowl;
     bowl.Setup(0.0f, -depth, radius, 0.0f);
     const double radiusSquared = static_cast<double>(radius) * radius;
-    const std::int32_t columnFirst = FZTruncateClamped(static_cast<double>(cx) - radius, 0, INT32_MAX);
-    const std::int32_t columnLast = FZTruncateClamped(static_cast<double>(cx) + radius, INT32_MIN, layer.width - 1);
-    const std::int32_t rowFirst = FZTruncateClamped(static_cast<double>(cy) - radius, 0, INT32_MAX);
-    const std::int32_t rowLast = FZTruncateClamped(static_cast<double>(cy) + radius, INT32_MIN, layer.height - 1);
+    const FZRect stored = layer.Stored();
+    const std::int32_t columnFirst = FZTruncateClamped(static_cast<double>(cx) - radius, stored.x0, INT32_MAX);
+    const std::int32_t columnLast = FZTruncateClamped(static_cast<double>(cx) + radius, INT32_MIN, stored.x1);
+    const std::int32_t rowFirst = FZTruncateClamped(static_cast<double>(cy) - radius, stored.y0, INT32_MAX);
+    const std::int32_t rowLast = FZTruncateClamped(static_cast<double>(cy) + radius, INT32_MIN, stored.y1);
     if (columnFirst > columnLast || rowFirst > rowLast)
         return;
     const DimpleColumns columns(columnFirst, columnLast, cx);
@@ -581,18 +588,25 @@ void AddDimple(FZLayer& layer, float cx, float cy, float radius, float depth)
             nearest = FZMin(nearest, std::fabs(sy));
         }
         const FZPixelSpans reach(DimpleReach(cx, radius, nearest));
+        const FZSpan held = layer.StoredRow(py);
         for (std::int32_t p = 0; p < columns.Pieces(); ++p) {
+            // The part of the piece the row holds: pixels k0 to k1 - 1.
             const std::int32_t start = columns.PieceStart(p);
-            const std::int32_t n = columns.PiecePixels(p);
-            const std::uint8_t* coverage = layer.coverage[py] + start;
+            const std::int32_t k0 = FZPixelSpans::Within(held.first, start, columns.PiecePixels(p));
+            const std::int32_t k1 = FZPixelSpans::Within(std::int64_t{held.last} + 1, start, columns.PiecePixels(p));
+            const std::int32_t n = k1 - k0;
+            if (n <= 0)
+                continue;
+            const std::uint8_t* coverage = layer.coverage[py] + start + k0;
+            float* depths = layer.depth[py] + start + k0;
             if (FZNoneCovered(coverage, n))
                 continue;
-            const std::int32_t first = FZPixelSpans::Within(reach.outerFirst, start, n);
-            const std::int32_t last = FZMax(FZPixelSpans::Within(std::int64_t{reach.outerLast} + 1, start, n), first);
+            const std::int32_t first = FZPixelSpans::Within(reach.outerFirst, start + k0, n);
+            const std::int32_t last
+                = FZMax(FZPixelSpans::Within(std::int64_t{reach.outerLast} + 1, start + k0, n), first);
             float dimpled[kFZSamplePixels];
-            DimpleDepths(bowl, radiusSquared, columns.Piece(p), rowSquares, first, last, n, layer.depth[py] + start,
-                         dimpled);
-            StoreCovered(coverage, dimpled, n, layer.depth[py] + start);
+            DimpleDepths(bowl, radiusSquared, columns.Piece(p) + k0, rowSquares, first, last, n, depths, dimpled);
+            StoreCovered(coverage, dimpled, n, depths);
         }
     });
 }
@@ -617,8 +631,12 @@ void ClampDepth(FZLayer& layer, float level)
 {
     if (layer.coverage.empty() || layer.depth.empty())
         return;
-    ParallelRows(0, layer.height,
-                 [&](std::int32_t y) { ClampCovered(layer.coverage[y], level, layer.width, layer.depth[y]); });
+    const FZRect s = layer.Stored();
+    ParallelRows(s.y0, s.y1 + 1, [&](std::int32_t y) {
+        const FZSpan held = layer.StoredRow(y);
+        if (!held.Empty())
+            ClampCovered(layer.coverage[y] + held.first, level, held.last - held.first + 1, layer.depth[y] + held.first);
+    });
 }
 
 // ---------------------------------------------------------------- catalogue
@@ -653,4 +671,33 @@ void DrawSampleShape(FZLayer& layer, int n, float cx, float cy, float r)
     default:
         break;
     }
+}
+
+std::shared_ptr<const FZRowLayout> SampleShapeRows(float cx, float cy, float r, std::int32_t w, std::int32_t h)
+{
+    // Every shape lies within r of its centre, so a covered pixel's square
+    // meets the circle of radius r, and its neighbours' squares meet the
+    // circle of radius r + 2: each row holds the pixels whose squares do.
+    const double reach = std::fabs(static_cast<double>(r)) + 2.0;
+    // Parameters that are not numbers draw nothing, anywhere.
+    if (!std::isfinite(cx) || !std::isfinite(cy) || !std::isfinite(reach) || w < 1 || h < 1)
+        return nullptr;
+    const std::int32_t y0 = FZTruncateClamped(std::floor(cy - reach), 0, h - 1);
+    const std::int32_t y1 = FZTruncateClamped(std::floor(cy + reach), 0, h - 1);
+    std::vector<FZSpan> spans;
+    for (std::int32_t y = y0; y <= y1; ++y) {
+        // The distance from the centre to the row's band of y to y + 1.
+        const double dy = cy < y ? y - static_cast<double>(cy) : (cy > y + 1.0 ? cy - (y + 1.0) : 0.0);
+        FZSpan span;
+        if (dy <= reach) {
+            const double half = std::sqrt(reach * reach - dy * dy);
+            span.first = FZTruncateClamped(std::floor(cx - half), 0, w - 1);
+            span.last = FZTruncateClamped(std::floor(cx + half), 0, w - 1);
+            // A circle wholly beside the frame reaches none of its pixels.
+            if (cx + half < 0.0 || cx - half > w)
+                span = FZSpan();
+        }
+        spans.push_back(span);
+    }
+    return std::make_shared<const FZRowLayout>(y0, std::move(spans));
 }

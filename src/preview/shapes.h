@@ -12,6 +12,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include <tamerisk/fz_truncate.h>
@@ -225,9 +226,10 @@ struct FZSolidPixels {
     float height = 0.0f;
 };
 
-// Merges the samples of a piece into the layer with CompositeSample.
+// Merges the samples of the pixels held.first to held.last of a piece (as
+// offsets; the row holds those) into the layer with CompositeSample.
 void CompositeSamplePiece(FZLayer& layer, const FZPiecePlace& place, const FZSamplePiece& piece,
-                          const FZSolidPixels& solid);
+                          const FZSolidPixels& solid, const FZSpan& held);
 // Whether the n coverage values are all 0.
 bool FZNoneCovered(const std::uint8_t* coverage, std::int32_t n);
 // Fills the samples from first to last - 1 with whether they are inside
@@ -270,10 +272,17 @@ FZRowDrawing<Shape>::FZRowDrawing(const Shape& outline, const FZSampleColumns& s
 template <typename Shape>
 void FZRowDrawing<Shape>::Draw(FZLayer& layer)
 {
+    const FZSpan rowHeld = layer.StoredRow(row);
     for (std::int32_t p = 0; p < columns.Pieces(); ++p) {
         const FZPiecePlace place{row, columns.PieceStart(p), columns.PiecePixels(p)};
         const std::int32_t last = place.start + place.pixels - 1;
-        const bool empty = FZNoneCovered(layer.coverage[row] + place.start, place.pixels);
+        // The pixels of the piece the row holds, as offsets.
+        const FZSpan held{FZPixelSpans::Within(rowHeld.first, place.start, place.pixels),
+                          FZPixelSpans::Within(std::int64_t{rowHeld.last} + 1, place.start, place.pixels) - 1};
+        if (held.Empty())
+            continue;
+        const bool empty
+            = FZNoneCovered(layer.coverage[row] + place.start + held.first, held.last - held.first + 1);
         if (empty && spans[0].AllOutside(place.start, last) && spans[1].AllOutside(place.start, last)
             && spans[2].AllOutside(place.start, last))
             continue;
@@ -281,7 +290,7 @@ void FZRowDrawing<Shape>::Draw(FZLayer& layer)
         for (int j = 0; j < 3; ++j)
             for (int i = 0; i < 3; ++i)
                 TestColumn(p, j, i, solid);
-        CompositeSamplePiece(layer, place, piece, solid);
+        CompositeSamplePiece(layer, place, piece, solid, held);
     }
 }
 
@@ -333,7 +342,7 @@ void FZRowDrawing<Shape>::TestColumn(std::int32_t p, int j, int i, const FZSolid
 }
 
 // Draws an outline into the layer: every pixel of its bounding box (clipped
-// to the layer) is tested at 3 x 3 points and merged with CompositeSample.
+// to the pixels the layer's rows hold) is tested at 3 x 3 points and merged with CompositeSample.
 // Single-precision arithmetic throughout. Each pixel reads and writes only
 // itself, so rows run in parallel; the outline is tested a piece of a
 // sample row at a time, with the terms of the sample columns computed once.
@@ -344,10 +353,11 @@ void RasterizeShape(FZLayer& layer, const Shape& shape)
         return;
     float bx0, by0, bx1, by1;
     shape.Bounds(bx0, by0, bx1, by1);
-    const std::int32_t columnFirst = FZTruncateClamped(bx0, 0, INT32_MAX);
-    const std::int32_t columnLast = FZTruncateClamped(bx1 + 0.1f, INT32_MIN, layer.width - 1);
-    const std::int32_t rowFirst = FZTruncateClamped(by0, 0, INT32_MAX);
-    const std::int32_t rowLast = FZTruncateClamped(by1 + 0.1f, INT32_MIN, layer.height - 1);
+    const FZRect stored = layer.Stored();
+    const std::int32_t columnFirst = FZTruncateClamped(bx0, stored.x0, INT32_MAX);
+    const std::int32_t columnLast = FZTruncateClamped(bx1 + 0.1f, INT32_MIN, stored.x1);
+    const std::int32_t rowFirst = FZTruncateClamped(by0, stored.y0, INT32_MAX);
+    const std::int32_t rowLast = FZTruncateClamped(by1 + 0.1f, INT32_MIN, stored.y1);
     if (columnFirst > columnLast || rowFirst > rowLast)
         return;
     const FZSampleColumns columns(shape, columnFirst, columnLast);
@@ -371,5 +381,10 @@ void ClampDepth(FZLayer& layer, float level);
 //   height, 4 a ring with a round cross-section of radius r / 4.
 // The preview centres the shapes in the frame and takes r = h / 2.3.
 void DrawSampleShape(FZLayer& layer, int n, float cx, float cy, float r);
+// The pixels of a w x h layer that DrawSampleShape can cover with those
+// parameters, and their neighbours (whose depths estimate the normals):
+// what a sample layer needs rows for, row by row. Null (no rows) when the
+// parameters are not numbers.
+std::shared_ptr<const FZRowLayout> SampleShapeRows(float cx, float cy, float r, std::int32_t w, std::int32_t h);
 
 #endif

@@ -22,7 +22,7 @@ TEST(Lighting, EmptyAndUnpreparedLayersHaveNothingToShade)
     AddLight(lights, 0.0f, 0.0f, -1.0f);
     FZLayer empty;
     EXPECT_EQ(ShadeLayer(empty, HeadOnView(), &lights), FZResult::Ok);  // nothing to shade
-    EXPECT_EQ(empty.shaded, nullptr);
+    EXPECT_TRUE(empty.shaded.empty());
 
     FZLayer prepared;
     MakeShadingLayer(prepared, 3, 2);

@@ -52,18 +52,24 @@ void SetUpPlainScene(FZScene& scene, int w, int h)
     ASSERT_EQ(ShadeLayerAt(scene, 0), FZResult::Ok);
 }
 
+// Cells of w x h pixels in two colours, the ground's own.
+void PaintChecker(FZLayer& ground, int w, int h)
+{
+    FZColor a;
+    FZColor b;
+    a.SetBytes(240, 200, 40);
+    b.SetBytes(20, 60, 180);
+    ground.FillChecker(w, h, a, b);
+    ground.SetColorSource(1);
+}
+
 // A scene whose ground shows a 5 x 5 pixel checker of two colours exactly.
 void SetUpCheckerScene(FZScene& scene, int w, int h)
 {
     ASSERT_EQ(scene.SetUpFrame(w, h, kWhite), FZResult::Ok);
     FZLayer& ground = *scene.LayerAt(0);
     ground.SetMaterial(Matte(255, 255, 255));
-    FZColor a;
-    FZColor b;
-    a.SetBytes(240, 200, 40);
-    b.SetBytes(20, 60, 180);
-    ground.FillChecker(5, 5, a, b);
-    ground.SetColorSource(1);
+    PaintChecker(ground, 5, 5);
     ASSERT_EQ(PrepareLayer(scene, 0), FZResult::Ok);
     ASSERT_EQ(ShadeLayerAt(scene, 0), FZResult::Ok);
 }
@@ -74,8 +80,9 @@ TEST(RenderDriver, SampleBehindFillsWhatLiesOutsideWithTheBackground)
 {
     FZScene scene;
     SetUpPlainScene(scene, 10, 10);
-    ASSERT_EQ(RenderScene(scene), FZResult::Ok);
-    ASSERT_NE(scene.behind, nullptr);
+    // The behind image lives only while a refracting layer is composited.
+    scene.behind = std::make_unique<FZImage>();
+    ASSERT_EQ(scene.behind->Create(10, 10, 3), FZResult::Ok);
     for (int y = 0; y < 10; ++y)
         for (int x = 0; x < 10; ++x)
             SetPixel(*scene.behind, x, y, {0, 0, 255});
@@ -126,4 +133,59 @@ TEST(RenderDriver, LayerOperationsNeedAnExistingLayer)
     EXPECT_EQ(ShadeLayerAt(scene, -1), FZResult::NoData);
     EXPECT_EQ(PrepareLayer(scene, 0), FZResult::Ok);
     EXPECT_EQ(ShadeLayerAt(scene, 0), FZResult::Ok);
+}
+
+namespace {
+
+// The frame of a 23 x 17 scene whose ground has the material (a checker of
+// two colours when checker is set), with an emitting patch on it, the
+// ground flat or with its rows.
+std::vector<std::uint8_t> GroundFrame(const FZAttributeEx& material, bool checker, bool rows)
+{
+    FZScene scene;
+    EXPECT_EQ(scene.SetUpFrame(23, 17, kWhite), FZResult::Ok);
+    FZLayer& ground = *scene.LayerAt(0);
+    ground.SetMaterial(material);
+    if (checker)
+        PaintChecker(ground, 4, 3);
+    if (rows) {
+        EXPECT_EQ(ground.MakeRows(), FZResult::Ok);
+    }
+    EXPECT_EQ(scene.AddLayerRect(6, 5, 5, 4), FZResult::Ok);
+    FZLayer& patch = *scene.LayerAt(1);
+    patch.FillDepth(0.0f);
+    patch.material.emission = 0.5f;
+    patch.material.color.SetBytes(255, 40, 0);
+    for (std::int32_t i = 0; i < 2; ++i) {
+        EXPECT_EQ(PrepareLayer(scene, i), FZResult::Ok);
+        EXPECT_EQ(ShadeLayerAt(scene, i), FZResult::Ok);
+    }
+    EXPECT_EQ(RenderScene(scene), FZResult::Ok);
+    return Bytes(*scene.frame);
+}
+
+} // namespace
+
+// The ground keeps no rows; whatever its material, it must look as it does
+// with them.
+TEST(RenderDriver, AFlatGroundLooksAsItsRowsWould)
+{
+    FZAttributeEx lit = Matte(255, 255, 255, 0.2f);
+    lit.diffuse = 0.7f;
+    FZAttributeEx shiny;
+    FZAttributeEx mirror = lit;
+    mirror.reflection = 0.5f;
+    FZAttributeEx clear = lit;
+    clear.transparency = 0.6f;
+    FZAttributeEx wild = lit;
+    wild.diffuse = std::numeric_limits<float>::quiet_NaN();
+    const struct {
+        const char* name;
+        FZAttributeEx material;
+    } materials[] = {{"matte", Matte(90, 200, 30)}, {"lit", lit}, {"highlight", shiny}, {"mirror", mirror},
+                     {"clear", clear}, {"wild", wild}};
+    for (const auto& m : materials)
+        for (const bool checker : {false, true})
+            EXPECT_EQ(GroundFrame(m.material, checker, false), GroundFrame(m.material, checker, true))
+                << m.name << (checker ? " checker" : " one colour");
 }

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <limits>
+#include <memory>
+#include <vector>
 
 #include "engine/scene.h"
 
@@ -124,3 +127,84 @@ TEST(Light, SetDirectionalHoldsIntensityWithinRange)
     EXPECT_EQ(light.type, 1);
 }
 
+
+// Rows of different spans share one block: every pixel held has a place of
+// its own, and the rectangle around them is the bounds.
+TEST(RowLayout, GivesEveryHeldPixelItsOwnValue)
+{
+    const struct {
+        std::int32_t y0;
+        std::vector<FZSpan> spans;
+        FZRect bounds;
+        std::size_t pixels;
+    } cases[] = {
+        {0, {{0, 3}, {0, 3}}, FZRect(0, 0, 3, 1), 8},
+        {2, {{5, 6}, {1, 9}, {4, 4}}, FZRect(1, 2, 9, 4), 12},
+        {1, {{3, 2}, {7, 8}, {0, -1}}, FZRect(7, 2, 8, 2), 2},  // empty rows
+        {0, {{-4, 1}}, FZRect(0, 0, 1, 0), 2},                  // no column below 0
+        {0, {{1, 0}}, FZRect(), 0},
+    };
+    for (const auto& c : cases) {
+        const auto layout = std::make_shared<const FZRowLayout>(c.y0, c.spans);
+        const FZRect& b = layout->Bounds();
+        EXPECT_EQ((std::array{b.x0, b.y0, b.x1, b.y1}), (std::array{c.bounds.x0, c.bounds.y0, c.bounds.x1, c.bounds.y1}));
+        FZRaster<std::int32_t> raster(layout);
+        EXPECT_EQ(raster.empty(), c.pixels == 0);
+        std::int32_t id = 0;
+        for (std::int32_t y = b.y0; y <= b.y1; ++y)
+            for (std::int32_t x = raster.Row(y).first; x <= raster.Row(y).last; ++x)
+                raster[y][x] = ++id;
+        EXPECT_EQ(static_cast<std::size_t>(id), c.pixels);
+        id = 0;
+        for (std::int32_t y = b.y0; y <= b.y1; ++y)
+            for (std::int32_t x = raster.Row(y).first; x <= raster.Row(y).last; ++x)
+                EXPECT_EQ(raster[y][x], ++id) << x << "," << y;
+        EXPECT_TRUE(raster.Row(c.y0 - 1).Empty());
+        EXPECT_TRUE(raster.Row(c.y0 + static_cast<std::int32_t>(c.spans.size())).Empty());
+    }
+}
+
+// Pixels outside a layer's rows are uncovered, and stay so.
+TEST(RowLayout, PixelsALayerDoesNotHoldStayUncovered)
+{
+    FZLayer layer;
+    const auto rows = std::make_shared<const FZRowLayout>(1, std::vector<FZSpan>{{2, 3}, {1, 4}});
+    ASSERT_EQ(layer.Create(0, 0, 6, 4, 0.0f, rows), FZResult::Ok);
+    layer.FillDepth(2.0f);
+    EXPECT_EQ(layer.CoverageAt(2, 1), 255);
+    EXPECT_EQ(layer.CoverageAt(1, 1), 0);
+    EXPECT_EQ(layer.CoverageAt(4, 2), 255);
+    EXPECT_EQ(layer.CoverageAt(4, 0), 0);
+    EXPECT_EQ(layer.CompositeSample(5, 2, 1.0f, 255, Rgb(1, 2, 3)), 0);
+    EXPECT_EQ(layer.CompositeSample(0, 3, 1.0f, 255, Rgb(1, 2, 3)), 0);
+    EXPECT_EQ(layer.CompositeSample(1, 2, 3.0f, 255, Rgb(1, 2, 3)), 2);
+    EXPECT_EQ(layer.CoverageAt(5, 2), 0);
+
+    const auto beyond = std::make_shared<const FZRowLayout>(3, std::vector<FZSpan>{{0, 1}, {0, 1}});
+    EXPECT_EQ(layer.Create(0, 0, 6, 4, 0.0f, beyond), FZResult::BadParameter);
+    EXPECT_EQ(layer.width, 0);
+}
+
+// A flat layer keeps no rows until something needs them; then it holds
+// what it stood for.
+TEST(FlatLayer, TakesTheRowsItStandsFor)
+{
+    FZScene scene;
+    ASSERT_EQ(scene.SetUpFrame(7, 5, kWhite), FZResult::Ok);
+    FZLayer& ground = *scene.LayerAt(0);
+    ASSERT_TRUE(ground.IsFlat());
+    EXPECT_TRUE(ground.coverage.empty());
+    ground.FillDepth(1.5f);
+    ground.FillChecker(2, 3, Rgb(200, 0, 0), Rgb(0, 0, 90));
+    EXPECT_TRUE(ground.IsFlat());
+    EXPECT_EQ(ground.CoverageAt(6, 4), 255);
+    ASSERT_EQ(ground.MakeRows(), FZResult::Ok);
+    EXPECT_FALSE(ground.IsFlat());
+    for (std::int32_t y = 0; y < 5; ++y)
+        for (std::int32_t x = 0; x < 7; ++x) {
+            EXPECT_EQ(ground.coverage[y][x], 255);
+            EXPECT_EQ(ground.depth[y][x], 1.5f);
+            const bool odd = (x / 2 + y / 3) % 2 == 1;
+            EXPECT_TRUE(SameColor(ground.colors[y][x], odd ? Rgb(200, 0, 0) : Rgb(0, 0, 90))) << x << "," << y;
+        }
+}

@@ -10,6 +10,7 @@
 #include "engine/pixel.h"
 #include "engine/shading/anisotropy.h"
 #include "engine/shading/diffuse_rows.h"
+#include "engine/shading/surface.h"
 
 namespace {
 
@@ -40,17 +41,18 @@ void ClampToOne(float rgb[3])
             rgb[c] = 1.0f;
 }
 
+// The shaded image holds the pixels the rows hold.
 FZResult EnsureShadedImage(FZLayer& layer)
 {
-    const FZImage* image = layer.shaded.get();
-    if (image != nullptr && image->width == layer.width && image->height == layer.height
-        && image->bytesPerPixel == 3 && !image->data.empty())
+    if (!layer.shaded.empty() && layer.shaded.Layout() == layer.coverage.Layout())
         return FZResult::Ok;
-    layer.shaded = std::make_unique<FZImage>();
-    const FZResult result = layer.shaded->Create(layer.width, layer.height, 3);
-    if (result != FZResult::Ok)
-        layer.shaded.reset();
-    return result;
+    try {
+        layer.shaded = FZRaster<FZShadedPixel>(layer.coverage.Layout());
+    } catch (const std::bad_alloc&) {
+        layer.shaded.Clear();
+        return FZResult::OutOfMemory;
+    }
+    return FZResult::Ok;
 }
 
 // What a highlight term needs that stays the same over a layer for one
@@ -302,12 +304,13 @@ void ShadeUniformRow(const ShadingPass& pass, std::int32_t y)
     const std::uint8_t* coverage = layer.coverage[y];
     const FZPackedVector* normals = layer.normals[y];
     FZDiffuseBytes bytes;
-    for (std::int32_t start = 0; start < layer.width; start += kFZDiffusePiece) {
-        const std::int32_t n = FZMin(kFZDiffusePiece, layer.width - start);
+    const FZSpan held = layer.StoredRow(y);
+    for (std::int32_t start = held.first; start <= held.last; start += kFZDiffusePiece) {
+        const std::int32_t n = FZMin(kFZDiffusePiece, held.last + 1 - start);
         if (std::all_of(coverage + start, coverage + start + n, [](std::uint8_t c) { return c == 0; }))
             continue;
         ShadeDiffusePiece(pass.diffuse, normals + start, n, bytes);
-        std::uint8_t* out = layer.shaded->PixelAddress(start, y);
+        std::uint8_t* out = layer.ShadedAt(start, y);
         for (std::int32_t k = 0; k < n; ++k) {
             if (coverage[start + k] == 0)
                 continue;
@@ -326,20 +329,23 @@ void ShadeOwnColourRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
     RowMemo memo;
+    const FZSpan held = layer.StoredRow(y);
+    if (held.Empty())
+        return;
     const FZColor* own = layer.colors[y];
-    FZColor lastColour = own[0];
+    FZColor lastColour = own[held.first];
     float base[3];
     lastColour.GetFloats(base);
     bool haveBytes = false;
     std::uint8_t bytes[3] = {0, 0, 0};
-    for (std::int32_t x = 0; x < layer.width; ++x) {
+    for (std::int32_t x = held.first; x <= held.last; ++x) {
         if (layer.coverage[y][x] == 0)
             continue;
         const FZPackedVector& normal = layer.normals[y][x];
         const bool known = memo.Has(normal);
         const FZColor colour = own[x];
         const bool sameColour = colour.r == lastColour.r && colour.g == lastColour.g && colour.b == lastColour.b;
-        std::uint8_t* p = layer.shaded->PixelAddress(x, y);
+        std::uint8_t* p = layer.ShadedAt(x, y);
         if (known && sameColour && haveBytes) {
             p[0] = bytes[0];
             p[1] = bytes[1];
@@ -364,7 +370,7 @@ void ShadeOwnColourRow(const ShadingPass& pass, std::int32_t y)
         for (int c = 0; c < 3; ++c)
             acc[c] = static_cast<float>(static_cast<double>(acc[c]) * base[c]);
         ClampToOne(acc);
-        FZStorePixel(*layer.shaded, x, y, acc);
+        FZStoreBytes(p, acc);
         lastColour = colour;
         haveBytes = true;
         bytes[0] = p[0];
@@ -391,7 +397,8 @@ void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
     // Without grooves the highlight too depends on the normal alone.
     RowMemo memo;
     const bool grooves = layer.material.anisotropic != 0;
-    for (std::int32_t x = 0; x < layer.width; ++x) {
+    const FZSpan held = layer.StoredRow(y);
+    for (std::int32_t x = held.first; x <= held.last; ++x) {
         if (layer.coverage[y][x] == 0) {
             layer.highlight[y][x] = -1.0f;
             continue;
@@ -422,9 +429,13 @@ void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
 bool HighlightVaries(const FZLayer& layer, std::int32_t x, std::int32_t y)
 {
     const float centre = FZMin(layer.highlight[y][x], 1.0f);
-    const std::int32_t x0 = FZMax(x - 1, 0);
-    const std::int32_t x1 = FZMin(x + 1, layer.width - 1);
+    // Neighbours the rows do not hold are uncovered.
     for (std::int32_t yy = FZMax(y - 1, 0); yy <= FZMin(y + 1, layer.height - 1); ++yy) {
+        const FZSpan held = layer.StoredRow(yy);
+        const std::int32_t x0 = FZMax(x - 1, held.first);
+        const std::int32_t x1 = FZMin(x + 1, held.last);
+        if (x0 > x1)
+            continue;
         const float* row = layer.highlight[yy];
         for (std::int32_t xx = x0; xx <= x1; ++xx) {
             if (row[xx] < 0.0f)
@@ -476,9 +487,8 @@ void HighlightColor(const ShadingPass& pass, std::int32_t x, std::int32_t y, flo
         hc[c] = static_cast<float>(static_cast<double>(hc[c]) * tint[c]);
 }
 
-bool IsWhite(const FZImage& image, std::int32_t x, std::int32_t y)
+bool IsWhite(const std::uint8_t* p)
 {
-    const std::uint8_t* p = image.PixelAddress(x, y);
     return p[0] == 255 && p[1] == 255 && p[2] == 255;
 }
 
@@ -486,10 +496,11 @@ bool IsWhite(const FZImage& image, std::int32_t x, std::int32_t y)
 void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
-    for (std::int32_t x = 0; x < layer.width; ++x) {
+    const FZSpan held = layer.StoredRow(y);
+    for (std::int32_t x = held.first; x <= held.last; ++x) {
         if (layer.coverage[y][x] == 0)
             continue;
-        if (pass.whiteStaysWhite && IsWhite(*layer.shaded, x, y))
+        if (pass.whiteStaysWhite && IsWhite(layer.ShadedAt(x, y)))
             continue;
         float h = PixelHighlight(pass, x, y);
         if (h > 1.0f)
@@ -499,41 +510,112 @@ void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
         float hc[3];
         HighlightColor(pass, x, y, hc);
         float colour[3];
-        FZReadPixel(*layer.shaded, x, y, colour);
+        FZReadBytes(layer.ShadedAt(x, y), colour);
         for (int c = 0; c < 3; ++c)
             colour[c] = static_cast<float>(colour[c] + static_cast<double>(h) * hc[c]);
         ClampToOne(colour);
-        FZStorePixel(*layer.shaded, x, y, colour);
+        FZStoreBytes(layer.ShadedAt(x, y), colour);
     }
 }
 
 bool AnyCovered(const FZLayer& layer)
 {
-    for (std::int32_t y = 0; y < layer.height; ++y)
-        for (std::int32_t x = 0; x < layer.width; ++x)
+    const FZRect stored = layer.Stored();
+    for (std::int32_t y = stored.y0; y <= stored.y1; ++y)
+        for (std::int32_t x = layer.StoredRow(y).first; x <= layer.StoredRow(y).last; ++x)
             if (layer.coverage[y][x] != 0)
                 return true;
     return false;
 }
 
+// A flat layer faces the viewer everywhere, so each of its two colours
+// shades to one set of bytes: those the rows' passes store for it.
+void ShadeFlatColours(const ShadingPass& pass)
+{
+    FZLayer& layer = pass.layer;
+    FZPackedVector normal;
+    normal.SetFloats(0.0f, 0.0f, 1.0f, true);
+    for (int k = 0; k < 2; ++k) {
+        std::uint8_t* out = layer.fill.shaded[k];
+        if (layer.colorSource != 1) {
+            FZDiffuseBytes bytes;
+            ShadeDiffusePiece(pass.diffuse, &normal, 1, bytes);
+            for (int c = 0; c < 3; ++c)
+                out[2 - c] = static_cast<std::uint8_t>(bytes.rgb[c][0]);
+            continue;
+        }
+        float acc[3] = {0.0f, 0.0f, 0.0f};
+        for (const LightSample& light : pass.fixed) {
+            float term[3];
+            DiffuseTerm(layer.material, normal, light.direction, light.color, term);
+            for (int c = 0; c < 3; ++c)
+                acc[c] = static_cast<float>(static_cast<double>(acc[c]) + term[c]);
+        }
+        float base[3];
+        layer.fill.colors[k].GetFloats(base);
+        for (int c = 0; c < 3; ++c)
+            acc[c] = static_cast<float>(static_cast<double>(acc[c]) * base[c]);
+        ClampToOne(acc);
+        for (int c = 0; c < 3; ++c)
+            out[2 - c] = FZFloatToByte(acc[c]);
+    }
+}
+
+// The highlight map, while the highlight is worked out.
+struct HighlightMap {
+    explicit HighlightMap(FZLayer& l) : layer(l) {}
+    ~HighlightMap() { layer.highlight.Clear(); }
+    HighlightMap(const HighlightMap&) = delete;
+    HighlightMap& operator=(const HighlightMap&) = delete;
+
+    FZResult Make()
+    {
+        try {
+            layer.highlight = FZRaster<float>(layer.coverage.Layout());
+        } catch (const std::bad_alloc&) {
+            return FZResult::OutOfMemory;
+        }
+        return FZResult::Ok;
+    }
+
+    FZLayer& layer;
+};
+
 } // namespace
 
 FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZLightList* lights)
 {
+    // A NaN strength counts as no highlight, in every pass.
+    const bool highlight = layer.material.highlightStrength > 0.0f;
+    // A highlight differs from pixel to pixel: it takes a flat layer's rows.
+    if (layer.IsFlat() && highlight) {
+        if (const FZResult made = layer.MakeRows(); made != FZResult::Ok)
+            return made;
+        if (const FZResult prepared = PrepareSurface(layer); prepared != FZResult::Ok)
+            return prepared;
+    }
+    if (layer.IsFlat()) {
+        ShadingPass pass{layer, view, lights};
+        HoistLights(pass, false);
+        ShadeFlatColours(pass);
+        return FZResult::Ok;
+    }
     // A layer without its rows (a copy not yet prepared) has nothing to shade.
     if (layer.width < 1 || layer.height < 1 || !HasSurface(layer))
         return FZResult::Ok;
     const FZResult imageResult = EnsureShadedImage(layer);
     if (imageResult != FZResult::Ok)
         return imageResult;
-    // A NaN strength counts as no highlight, in every pass.
-    const bool highlight = layer.material.highlightStrength > 0.0f;
-    if (highlight && layer.highlight.empty())
-        layer.highlight = FZRaster<float>(layer.width, layer.height);
+    // The map lives only while the layer is shaded.
+    HighlightMap map(layer);
+    if (highlight)
+        if (const FZResult made = map.Make(); made != FZResult::Ok)
+            return made;
 
     ShadingPass pass{layer, view, lights};
     HoistLights(pass, highlight);
-    ParallelRows(0, layer.height, [&pass](std::int32_t y) { ShadeDiffuseRow(pass, y); });
+    const FZRect stored = layer.Stored();
+    ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { ShadeDiffuseRow(pass, y); });
     if (!highlight)
         return FZResult::Ok;
     // The groove noise table is filled by the first anisotropic highlight of
@@ -544,10 +626,10 @@ FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZLightLis
         GrooveNoiseTable();
     if (grooves)
         pass.frames = FacetFrames().Lend(layer.width, layer.height);
-    ParallelRows(0, layer.height, [&pass](std::int32_t y) { FillHighlightRow(pass, y); });
+    ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { FillHighlightRow(pass, y); });
     if (pass.frames != nullptr)
         FacetFrames().Release();
-    ParallelRows(0, layer.height, [&pass](std::int32_t y) { ApplyHighlightRow(pass, y); });
+    ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { ApplyHighlightRow(pass, y); });
     return FZResult::Ok;
 }
 
@@ -585,12 +667,14 @@ FZPackedVector FilteredNormal(const FZLayer& layer, float sx, float sy, float bo
     const std::int32_t lastRow = FZMin(FZTruncate(bottom), layer.height - 1);
 
     for (std::int32_t r = FZTruncate(top); r <= lastRow; ++r) {
+        // Pixels the rows do not hold are uncovered.
+        const FZSpan held = layer.StoredRow(r);
         const float rowTop = FZMax(static_cast<float>(r), top);
         const float rowBottom = FZMin(static_cast<float>(r + 1), bottom);
         const float dh = static_cast<float>(static_cast<double>(rowBottom) - rowTop);
         if (!(dh > 0.0f))
             continue;
-        for (std::int32_t c = FZTruncate(left); c <= lastColumn; ++c) {
+        for (std::int32_t c = FZMax(FZTruncate(left), held.first); c <= FZMin(lastColumn, held.last); ++c) {
             if (layer.coverage[r][c] == 0)
                 continue;
             const float colLeft = FZMax(static_cast<float>(c), left);

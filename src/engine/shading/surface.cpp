@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <vector>
 
 #include "engine/fz_math.h"
@@ -15,6 +16,13 @@ namespace {
 FZRect WholeLayer(const FZLayer& layer)
 {
     return FZRect(0, 0, layer.width - 1, layer.height - 1);
+}
+
+// The part of rect (in layer coordinates) that the rows hold; false when
+// nothing is left.
+bool ClipToStored(const FZLayer& layer, FZRect& rect)
+{
+    return rect.Intersect(layer.Stored());
 }
 
 bool HasHeightField(const FZLayer& layer)
@@ -172,12 +180,18 @@ std::vector<RowExtent> MeasureRows(const FZLayer& layer, const FZRect& r, bool w
 {
     std::vector<RowExtent> rows(static_cast<std::size_t>(r.y1 - r.y0 + 1));
     ParallelRows(r.y0, r.y1 + 1, [&](std::int32_t y) {
+        // Only the columns the row holds can be covered.
+        const FZSpan held = layer.StoredRow(y);
+        const std::int32_t x0 = FZMax(r.x0, held.first);
+        const std::int32_t x1 = FZMin(r.x1, held.last);
+        if (x0 > x1)
+            return;
         const std::uint8_t* coverage = layer.coverage[y];
         RowExtent& e = rows[static_cast<std::size_t>(y - r.y0)];
-        e.first = FirstCovered(coverage, r.x0, r.x1);
-        if (e.first > r.x1)
+        e.first = FirstCovered(coverage, x0, x1);
+        if (e.first > x1)
             return;
-        e.last = LastCovered(coverage, e.first, r.x1);
+        e.last = LastCovered(coverage, e.first, x1);
         if (withDepth)
             e.depths = CoveredDepthSpan(coverage + e.first, layer.depth[y] + e.first, e.Count());
     });
@@ -211,12 +225,13 @@ DepthSpan CombinedSpan(const std::vector<RowExtent>& rows)
     return span;
 }
 
-// Adds shift to every covered depth of the measured rows (the whole layer's
-// rows) and measures their spans again.
+// Adds shift to every covered depth of the measured rows (every row the
+// layer holds) and measures their spans again.
 void ShiftRows(FZLayer& layer, std::vector<RowExtent>& rows, double shift)
 {
-    ParallelRows(0, layer.height, [&](std::int32_t y) {
-        RowExtent& e = rows[static_cast<std::size_t>(y)];
+    const FZRect stored = layer.Stored();
+    ParallelRows(stored.y0, stored.y1 + 1, [&](std::int32_t y) {
+        RowExtent& e = rows[static_cast<std::size_t>(y - stored.y0)];
         if (e.Empty())
             return;
         const std::uint8_t* coverage = layer.coverage[y] + e.first;
@@ -242,9 +257,13 @@ FZPackedVector NormalAt(const FZLayer& layer, std::int32_t x, std::int32_t y)
     float sy = 0.0f;
     float wx = 0.0f;
     float wy = 0.0f;
-    const std::int32_t firstColumn = x > 0 ? x - 1 : 0;
-    const std::int32_t lastColumn = x + 1 < layer.width ? x + 1 : layer.width - 1;
+    // Neighbours the rows do not hold are uncovered.
     for (std::int32_t ny = y > 0 ? y - 1 : 0; ny <= y + 1 && ny < layer.height; ++ny) {
+        const FZSpan held = layer.StoredRow(ny);
+        const std::int32_t firstColumn = FZMax(x - 1, held.first);
+        const std::int32_t lastColumn = FZMin(x + 1, held.last);
+        if (firstColumn > lastColumn)
+            continue;
         const std::uint8_t* coverage = layer.coverage[ny];
         const float* depth = layer.depth[ny];
         const int dy = ny - y;
@@ -455,9 +474,15 @@ TAMERISK_ROW_KERNEL PieceSurvey Survey(const Neighbourhood& around, std::int32_t
 void NormalsOfCoveredRun(FZLayer& layer, std::int32_t y, std::int32_t x0, std::int32_t x1)
 {
     FZPackedVector* normals = layer.normals[y];
-    const bool interiorRow = y > 0 && y + 1 < layer.height;
-    const std::int32_t first = interiorRow ? FZMax(x0, 1) : x1 + 1;
-    const std::int32_t last = interiorRow ? FZMin(x1, layer.width - 2) : x1;
+    // The kernels read the neighbours of a pixel without asking: only where
+    // the rows above and below hold them too.
+    const FZSpan here = layer.StoredRow(y);
+    const FZSpan below = layer.StoredRow(y - 1);
+    const FZSpan above = layer.StoredRow(y + 1);
+    const bool interiorRow = y > 0 && !below.Empty() && !above.Empty();
+    const std::int32_t first
+        = interiorRow ? FZMax(x0, FZMax(here.first, FZMax(below.first, above.first)) + 1) : x1 + 1;
+    const std::int32_t last = interiorRow ? FZMin(x1, FZMin(here.last, FZMin(below.last, above.last)) - 1) : x1;
     for (std::int32_t x = x0; x < first && x <= x1; ++x)
         normals[x] = NormalAt(layer, x, y);
     FZPackedVector flat;
@@ -499,6 +524,11 @@ void NormalsOfCoveredRun(FZLayer& layer, std::int32_t y, std::int32_t x0, std::i
 // covered pixels.
 void EstimateRowNormals(FZLayer& layer, std::int32_t y, std::int32_t x0, std::int32_t x1)
 {
+    const FZSpan held = layer.StoredRow(y);
+    x0 = FZMax(x0, held.first);
+    x1 = FZMin(x1, held.last);
+    if (x0 > x1)
+        return;
     const std::uint8_t* coverage = layer.coverage[y];
     for (std::int32_t x = FirstCovered(coverage, x0, x1); x <= x1;) {
         const std::int32_t end = FirstUncovered(coverage, x, x1);
@@ -514,12 +544,31 @@ FZResult PrepareSurface(FZLayer& layer)
     return PrepareSurface(layer, WholeLayer(layer));
 }
 
+// A flat layer is covered everywhere at one depth, which the preparation
+// brings to 0 as it brings the lowest covered depth of any layer.
+void PrepareFlatSurface(FZLayer& layer)
+{
+    layer.boundsX0 = 0;
+    layer.boundsX1 = layer.width - 1;
+    layer.boundsY0 = 0;
+    layer.boundsY1 = layer.height - 1;
+    if (layer.width > 0 && layer.height > 0)
+        layer.fill.depth = static_cast<float>(layer.fill.depth + -static_cast<double>(layer.fill.depth));
+    layer.depthMin = layer.width > 0 && layer.height > 0 ? layer.fill.depth : 0.0f;
+    layer.depthMax = layer.depthMin;
+}
+
 FZResult PrepareSurface(FZLayer& layer, const FZRect& rect)
 {
+    if (layer.IsFlat()) {
+        PrepareFlatSurface(layer);
+        return FZResult::Ok;
+    }
     std::vector<RowExtent> rows;
+    const FZRect stored = layer.Stored();
     if (!layer.coverage.empty())
-        rows = MeasureRows(layer, WholeLayer(layer), HasHeightField(layer));
-    const FZRect bounds = CoveredRect(rows, 0);
+        rows = MeasureRows(layer, stored, HasHeightField(layer));
+    const FZRect bounds = CoveredRect(rows, stored.y0);
     if (bounds.IsEmpty()) {
         layer.boundsX0 = 0;
         layer.boundsX1 = layer.width - 1;
@@ -553,9 +602,11 @@ FZResult PrepareSurface(FZLayer& layer, const FZRect& rect)
 bool CoverageBounds(const FZLayer& layer, FZRect& bounds)
 {
     bounds.Set(1000000, 1000000, -1000000, -1000000);
+    if (layer.IsFlat() && layer.width > 0 && layer.height > 0)
+        bounds = WholeLayer(layer);
     if (layer.coverage.empty())
-        return false;
-    bounds = CoveredRect(MeasureRows(layer, WholeLayer(layer), false), 0);
+        return !bounds.IsEmpty();
+    bounds = CoveredRect(MeasureRows(layer, layer.Stored(), false), layer.Stored().y0);
     return !bounds.IsEmpty();
 }
 
@@ -565,7 +616,9 @@ FZResult DepthRange(const FZLayer& layer, const FZRect& rect, float& minimum, fl
     if (!r.ClipTo(0, 0, layer.width - 1, layer.height - 1))
         return FZResult::BadParameter;
     DepthSpan span;
-    if (HasHeightField(layer))
+    if (layer.IsFlat())
+        span = DepthSpan{layer.fill.depth, layer.fill.depth};
+    if (HasHeightField(layer) && ClipToStored(layer, r))
         span = CombinedSpan(MeasureRows(layer, r, true));
     minimum = span.minimum;
     maximum = span.maximum;
@@ -574,10 +627,15 @@ FZResult DepthRange(const FZLayer& layer, const FZRect& rect, float& minimum, fl
 
 FZResult EstimateNormals(FZLayer& layer, const FZRect& rect)
 {
-    if (layer.normals.empty())
-        layer.normals = FZRaster<FZPackedVector>(layer.width, layer.height);
+    if (layer.normals.empty() && !layer.coverage.empty()) {
+        try {
+            layer.normals = FZRaster<FZPackedVector>(layer.coverage.Layout());
+        } catch (const std::bad_alloc&) {
+            return FZResult::OutOfMemory;
+        }
+    }
     FZRect r = rect;
-    if (!HasHeightField(layer) || !r.ClipTo(0, 0, layer.width - 1, layer.height - 1))
+    if (!HasHeightField(layer) || !ClipToStored(layer, r))
         return FZResult::Ok;
     // Normals are written, depths and coverage only read: rows are independent.
     ParallelRows(r.y0, r.y1 + 1, [&](std::int32_t y) { EstimateRowNormals(layer, y, r.x0, r.x1); });

@@ -60,11 +60,10 @@ void Lookup(const FZLayer& layer, int x, int y, float colour[3], float& t, const
 {
     colour[0] = colour[1] = colour[2] = 0.0f;
     t = 0.0f;
-    const FZImage* image = layer.shaded.get();
-    if (image == nullptr || image->data.empty() || x < 0 || y < 0 || x >= image->width || y >= image->height
-        || x >= layer.width || y >= layer.height)
+    const FZSpan held = layer.shaded.Row(y);
+    if (x < held.first || x > held.last || x >= layer.width || y >= layer.height)
         return;
-    FZReadPixel(*image, x, y, colour);
+    FZReadBytes(layer.ShadedAt(x, y), colour);
 
     const FZAttributeEx& m = layer.material;
     if (!(m.transparency > 0.0f))
