@@ -17,6 +17,7 @@
 #include <thread>
 
 #include <QApplication>
+#include <QMouseEvent>
 #include <QTemporaryDir>
 #include <QWidget>
 
@@ -220,6 +221,55 @@ bool AnotherThread()
     return Unload(host.library) && kept;
 }
 
+// The editor's top-level window (the host's own is the other one).
+QWidget* EditorWindow(const QWidget& host)
+{
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+        if (w != &host && w->findChild<QWidget*>(QStringLiteral("4000")) != nullptr
+            && w->objectName() != QLatin1String("tamerisk-large-preview"))
+            return w;
+    }
+    return nullptr;
+}
+
+// A double click on the editor's preview opens the large preview.
+QWidget* OpenLargePreview(const QWidget& host)
+{
+    QWidget* editor = EditorWindow(host);
+    if (editor == nullptr)
+        return nullptr;
+    const QWidget* preview = editor->findChild<QWidget*>(QStringLiteral("4000"));
+    const QPointF at = preview->mapTo(editor, preview->rect().center());
+    QMouseEvent click(QEvent::MouseButtonDblClick, at, editor->mapToGlobal(at), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(editor, &click);
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+        if (w->objectName() == QLatin1String("tamerisk-large-preview") && w->isVisible())
+            return w;
+    }
+    return nullptr;
+}
+
+// Close and unload while the large preview's thread is deep in a slow
+// render: the thread is stopped and joined before the library's code goes.
+bool CloseWhileTheLargePreviewRenders()
+{
+    RunningHost host;
+    if (!host.ready)
+        return false;
+    QWidget* large = OpenLargePreview(host.window);
+    if (!Check(large != nullptr, "a double click opens the large preview"))
+        return false;
+    large->resize(1600, 1200);
+    FZAttributeEx glowing;
+    glowing.emission = 0.7f;
+    host.library.api.SetAttribute(&glowing);
+    for (int i = 0; i < 3; ++i)
+        QApplication::processEvents();
+    host.library.api.Close();
+    return Unload(host.library) && Check(!IsLoaded(), "the library is unloaded");
+}
+
 struct Scenario {
     const char* name;
     bool (*run)();
@@ -232,6 +282,7 @@ constexpr Scenario kScenarios[] = {
     {"close-after-application", CloseAfterTheApplication},
     {"no-application", NoApplication},
     {"another-thread", AnotherThread},
+    {"close-while-the-large-preview-renders", CloseWhileTheLargePreviewRenders},
 };
 
 } // namespace
