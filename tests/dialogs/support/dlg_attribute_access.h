@@ -30,11 +30,14 @@ public:
         QObject::connect(&timer, &QTimer::timeout, &timer, [this, answer] {
             QWidget* modal = QApplication::activePopupWidget();
             modal = modal != nullptr ? modal : QApplication::activeModalWidget();
-            if (modal == nullptr || !modal->isVisible())
+            // Another modal window (a file dialog closing) may still be the
+            // active one for a moment: wait for the one to answer.
+            T* wanted = qobject_cast<T*>(modal);
+            if (wanted == nullptr || !wanted->isVisible())
                 return;
             seen = true;
             timer.stop();
-            answer(qobject_cast<T*>(modal));
+            answer(wanted);
         });
         timer.start(5);
     }
