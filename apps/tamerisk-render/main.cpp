@@ -13,15 +13,15 @@
 // Every image is written to a temporary file beside the target and renamed
 // into place only when it is complete.
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QHash>
 
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <new>
+#include <system_error>
 #include <vector>
 
 #include <tamerisk/attribute.h>
@@ -69,7 +69,7 @@ enum class Written { Yes, Stopped, Failed };
 // Nothing is written once Ctrl+C was pressed, which may also stop the
 // encoding half-way; Ctrl+C during the write itself lets it finish, and the
 // picture then counts as written.
-Written WriteImage(const FZImage& image, const QString& path, Format format, QString& error)
+Written WriteImage(const FZImage& image, const QByteArray& path, Format format, QString& error)
 {
     std::vector<std::uint8_t> bytes;
     const Encoded encoded = EncodeImage(image, format, bytes);
@@ -80,12 +80,13 @@ Written WriteImage(const FZImage& image, const QString& path, Format format, QSt
         return Written::Failed;
     }
     if (encoded == Encoded::Failed) {
-        error = QStringLiteral("cannot encode the image for '%1'").arg(path);
+        error = QStringLiteral("cannot encode the image for '%1'").arg(QFile::decodeName(path));
         return Written::Failed;
     }
-    const FileWriteResult written = ReplaceFile(QFile::encodeName(path).constData(), bytes.data(), bytes.size());
+    const FileWriteResult written = ReplaceFile(path.constData(), bytes.data(), bytes.size());
     if (!written.Ok()) {
-        error = QStringLiteral("cannot write '%1': %2").arg(path, QString::fromLocal8Bit(written.reason));
+        error = QStringLiteral("cannot write '%1': %2")
+                    .arg(QFile::decodeName(path), QString::fromLocal8Bit(written.reason));
         return Written::Failed;
     }
     return Written::Yes;
@@ -151,7 +152,7 @@ int RunSingle(const Options& options, Progress& progress)
             return kRunError;
         }
     }
-    progress.Start(0, options.output);
+    progress.Start(0, QFile::decodeName(options.output));
     CPreviewPanel panel;
     // One shading and one render: the material goes on with the set-up.
     const FZImage* frame = SetUp(options, panel, material, error) ? Frame(panel, error) : nullptr;
@@ -168,17 +169,21 @@ int RunSingle(const Options& options, Progress& progress)
     return 0;
 }
 
-// DIR/<name without extension>.png for each material file.
-QString BatchTarget(const Options& options, const QString& file)
+// DIR/<name without extension>.png for each material file, made of the
+// bytes given: names that differ in any byte make different images. A name
+// that is all extension (".qva") keeps it.
+QByteArray BatchTarget(const Options& options, const QByteArray& file)
 {
-    const QFileInfo info(file);
-    const QString name = info.completeBaseName().isEmpty() ? info.fileName() : info.completeBaseName();
-    return QDir(options.outputDir).filePath(name + QStringLiteral(".png"));
+    const QByteArray name = file.mid(file.lastIndexOf('/') + 1);
+    const qsizetype dot = name.lastIndexOf('.');
+    const QByteArray stem = dot > 0 ? name.left(dot) : name;
+    const QByteArray& dir = options.outputDir;
+    return dir + (dir.endsWith('/') ? "" : "/") + stem + ".png";
 }
 
 // One picture of the batch; a message when it failed.
-Written RenderOne(const Options& options, CPreviewPanel& panel, const QString& file, const QString& target,
-               QString& error)
+Written RenderOne(const Options& options, CPreviewPanel& panel, const QByteArray& file, const QByteArray& target,
+                  QString& error)
 {
     FZAttributeEx material;
     const FZResult loaded = LoadMaterial(file, material, error);
@@ -190,11 +195,24 @@ Written RenderOne(const Options& options, CPreviewPanel& panel, const QString& f
     return frame != nullptr ? WriteImage(*frame, target, Format::Png, error) : Written::Failed;
 }
 
+// The batch's directory and those above it; false with a message when it
+// cannot be made.
+bool MakeDirectory(const QByteArray& path, QString& error)
+{
+    std::error_code failure;
+    std::filesystem::create_directories(path.toStdString(), failure);
+    if (!failure)
+        return true;
+    error = QStringLiteral("cannot create the directory '%1': %2")
+                .arg(QFile::decodeName(path), QString::fromLocal8Bit(failure.message()));
+    return false;
+}
+
 int RunBatch(const Options& options, Progress& progress)
 {
     QString error;
-    if (!QDir().mkpath(options.outputDir)) {
-        progress.Say(QStringLiteral("cannot create the directory '%1'").arg(options.outputDir));
+    if (!MakeDirectory(options.outputDir, error)) {
+        progress.Say(error);
         return kRunError;
     }
     CPreviewPanel panel;
@@ -207,14 +225,15 @@ int RunBatch(const Options& options, Progress& progress)
     }
     int failed = 0;
     // Two materials of the same name would make the same image.
-    QHash<QString, QString> made;
+    QHash<QByteArray, QByteArray> made;
     for (int i = 0; i < options.files.size(); ++i) {
-        const QString& file = options.files[i];
-        const QString target = BatchTarget(options, file);
-        progress.Start(i, target);
+        const QByteArray& file = options.files[i];
+        const QByteArray target = BatchTarget(options, file);
+        progress.Start(i, QFile::decodeName(target));
         Written done = Written::Failed;
         if (made.contains(target))
-            error = QStringLiteral("'%1': its image '%2' is already made from '%3'").arg(file, target, made[target]);
+            error = QStringLiteral("'%1': its image '%2' is already made from '%3'")
+                        .arg(QFile::decodeName(file), QFile::decodeName(target), QFile::decodeName(made[target]));
         else
             done = RenderOne(options, panel, file, target, error);
         if (done == Written::Yes)
@@ -227,6 +246,17 @@ int RunBatch(const Options& options, Progress& progress)
         }
     }
     return failed == 0 ? 0 : kRunError;
+}
+
+// The command line as the system passed it: file names are bytes and need
+// not be UTF-8, which QCoreApplication::arguments() would not keep.
+QList<QByteArray> Arguments(int argc, char** argv)
+{
+    QList<QByteArray> arguments;
+    arguments.reserve(argc);
+    for (int i = 0; i < argc; ++i)
+        arguments << QByteArray(argv[i]);
+    return arguments;
 }
 
 } // namespace
@@ -243,7 +273,7 @@ int main(int argc, char** argv)
     QCommandLineParser parser;
     Options options;
     QString error;
-    if (!ParseOptions(parser, QCoreApplication::arguments(), options, error)) {
+    if (!ParseOptions(parser, Arguments(argc, argv), options, error)) {
         PrintError(error);
         PrintError(QStringLiteral("try 'tamerisk-render --help'"));
         return kUsageError;

@@ -1,11 +1,45 @@
 // The command line of tamerisk-render.
 #include "options.h"
 
+#include <QFile>
 #include <QRegularExpression>
+#include <QStringList>
 
 namespace {
 
 constexpr int kMaxThreads = 256;
+
+// The parser is given every argument as Latin-1, one character for each
+// byte, so that the values it returns turn back into the very bytes given;
+// the options' names are ASCII and read the same either way.
+QStringList OneCharacterPerByte(const QList<QByteArray>& arguments)
+{
+    QStringList characters;
+    characters.reserve(arguments.size());
+    for (const QByteArray& argument : arguments)
+        characters << QString::fromLatin1(argument);
+    return characters;
+}
+
+QByteArray Bytes(const QString& value)
+{
+    return value.toLatin1();
+}
+
+QList<QByteArray> Bytes(const QStringList& values)
+{
+    QList<QByteArray> bytes;
+    bytes.reserve(values.size());
+    for (const QString& value : values)
+        bytes << Bytes(value);
+    return bytes;
+}
+
+// A value or a message of the parser as the user's terminal shows it.
+QString Shown(const QString& value)
+{
+    return QFile::decodeName(Bytes(value));
+}
 
 // "N" for a square frame or "WxH"; both at least 1.
 bool ParseSize(const QString& text, Options& options, QString& error)
@@ -13,7 +47,7 @@ bool ParseSize(const QString& text, Options& options, QString& error)
     static const QRegularExpression form(QStringLiteral("^(-?\\d+)(?:[xX](-?\\d+))?$"));
     const QRegularExpressionMatch match = form.match(text);
     if (!match.hasMatch()) {
-        error = QStringLiteral("invalid --size '%1': expected N or WxH").arg(text);
+        error = QStringLiteral("invalid --size '%1': expected N or WxH").arg(Shown(text));
         return false;
     }
     bool okW = false;
@@ -21,11 +55,11 @@ bool ParseSize(const QString& text, Options& options, QString& error)
     const qlonglong w = match.captured(1).toLongLong(&okW);
     const qlonglong h = match.captured(2).isEmpty() ? w : match.captured(2).toLongLong(&okH);
     if (okW && okH && (w < 1 || h < 1)) {
-        error = QStringLiteral("invalid --size '%1': width and height must be at least 1").arg(text);
+        error = QStringLiteral("invalid --size '%1': width and height must be at least 1").arg(Shown(text));
         return false;
     }
     if (!okW || !okH || w > INT32_MAX || h > INT32_MAX) {
-        error = QStringLiteral("--size '%1' is too large to render").arg(text);
+        error = QStringLiteral("--size '%1' is too large to render").arg(Shown(text));
         return false;
     }
     options.width = static_cast<std::int32_t>(w);
@@ -33,15 +67,16 @@ bool ParseSize(const QString& text, Options& options, QString& error)
     return true;
 }
 
-bool ParseOutput(const QString& path, Options& options, QString& error)
+bool ParseOutput(const QByteArray& path, Options& options, QString& error)
 {
-    if (path.endsWith(QStringLiteral(".png"), Qt::CaseInsensitive)) {
+    const QByteArray lower = path.toLower();
+    if (lower.endsWith(".png")) {
         options.format = Format::Png;
-    } else if (path.endsWith(QStringLiteral(".ppm"), Qt::CaseInsensitive)) {
+    } else if (lower.endsWith(".ppm")) {
         options.format = Format::Ppm;
     } else {
         error = QStringLiteral("cannot tell the image format of '%1': the output must end in .png or .ppm")
-                    .arg(path);
+                    .arg(QFile::decodeName(path));
         return false;
     }
     options.output = path;
@@ -50,12 +85,12 @@ bool ParseOutput(const QString& path, Options& options, QString& error)
 
 // Either --output and at most one material, or --output-dir and the
 // materials as arguments.
-bool ParseTargets(const QString& output, const QString& outputDir, const QString& material,
-                  const QStringList& files, Options& options, QString& error)
+bool ParseTargets(const QByteArray& output, const QByteArray& outputDir, const QByteArray& material,
+                  const QList<QByteArray>& files, Options& options, QString& error)
 {
     if (outputDir.isEmpty()) {
         if (!files.isEmpty()) {
-            error = QStringLiteral("unexpected argument '%1'").arg(files.first());
+            error = QStringLiteral("unexpected argument '%1'").arg(QFile::decodeName(files.first()));
             return false;
         }
         if (output.isEmpty()) {
@@ -80,7 +115,8 @@ bool ParseTargets(const QString& output, const QString& outputDir, const QString
 
 } // namespace
 
-bool ParseOptions(QCommandLineParser& parser, const QStringList& arguments, Options& options, QString& error)
+bool ParseOptions(QCommandLineParser& parser, const QList<QByteArray>& arguments, Options& options,
+                  QString& error)
 {
     const QCommandLineOption material(QStringLiteral("material"),
                                       QStringLiteral("Material to render: an attribute file (.qva) or its JSON form "
@@ -119,8 +155,8 @@ bool ParseOptions(QCommandLineParser& parser, const QStringList& arguments, Opti
     parser.addHelpOption();
     parser.addVersionOption();
 
-    if (!parser.parse(arguments)) {
-        error = parser.errorText();
+    if (!parser.parse(OneCharacterPerByte(arguments))) {
+        error = Shown(parser.errorText());
         return false;
     }
     if (parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("help-all")))
@@ -132,7 +168,7 @@ bool ParseOptions(QCommandLineParser& parser, const QStringList& arguments, Opti
         bool ok = false;
         options.shape = parser.value(shape).toInt(&ok);
         if (!ok || options.shape < 1 || options.shape > 4) {
-            error = QStringLiteral("invalid --shape '%1': expected 1, 2, 3 or 4").arg(parser.value(shape));
+            error = QStringLiteral("invalid --shape '%1': expected 1, 2, 3 or 4").arg(Shown(parser.value(shape)));
             return false;
         }
     }
@@ -143,7 +179,7 @@ bool ParseOptions(QCommandLineParser& parser, const QStringList& arguments, Opti
         const uint value = parser.value(seed).toUInt(&ok);
         if (!ok) {
             error = QStringLiteral("invalid --seed '%1': expected a number from 0 to 4294967295")
-                        .arg(parser.value(seed));
+                        .arg(Shown(parser.value(seed)));
             return false;
         }
         options.seed = value;
@@ -153,12 +189,12 @@ bool ParseOptions(QCommandLineParser& parser, const QStringList& arguments, Opti
         options.threads = parser.value(threads).toInt(&ok);
         if (!ok || options.threads < 0 || options.threads > kMaxThreads) {
             error = QStringLiteral("invalid --threads '%1': expected a number from 0 to %2")
-                        .arg(parser.value(threads))
+                        .arg(Shown(parser.value(threads)))
                         .arg(kMaxThreads);
             return false;
         }
     }
-    return ParseTargets(parser.value(output), parser.value(outputDir), parser.value(material),
-                        parser.positionalArguments(), options, error);
+    return ParseTargets(Bytes(parser.value(output)), Bytes(parser.value(outputDir)), Bytes(parser.value(material)),
+                        Bytes(parser.positionalArguments()), options, error);
 }
 

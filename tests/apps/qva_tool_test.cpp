@@ -36,22 +36,9 @@ protected:
     {
         return RunTool("tamerisk-qva", args, input, {}, limit);
     }
-    // A shell line run in the test's directory, $QVA being the tool: names
-    // that are not UTF-8, and redirections, need the shell.
-    ToolRun Shell(const QString& line) const
-    {
-        QProcess shell;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("QVA", TAMERISK_BIN_DIR "/tamerisk-qva");
-        shell.setProcessEnvironment(env);
-        shell.setWorkingDirectory(dir.path());
-        shell.start("/bin/sh", {"-c", line});
-        shell.closeWriteChannel();
-        if (!shell.waitForFinished(120000) || shell.exitStatus() != QProcess::NormalExit)
-            return {};
-        return {shell.exitCode(), shell.readAllStandardOutput(), shell.readAllStandardError()};
-    }
-    QTemporaryDir dir;
+    // A shell line run in the test's directory.
+    ToolRun Shell(const QString& line) const { return RunShell(line, dir.path()); }
+    ScratchDir dir;
 };
 
 }  // namespace

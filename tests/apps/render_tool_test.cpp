@@ -12,6 +12,11 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
 
 #include "engine/display/image_display.h"
 #include "preview/preview_panel.h"
@@ -38,6 +43,27 @@ QImage PanelPicture(std::int32_t w, std::int32_t h, std::int32_t shape, const FZ
 QImage ReadPng(const QString& path)
 {
     return QImage(path).convertToFormat(QImage::Format_RGB888);
+}
+
+// Files named by bytes that need not be UTF-8, which QFile cannot open.
+QByteArray ReadAt(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    return QByteArray::fromStdString(bytes);
+}
+
+QImage ReadPngAt(const std::filesystem::path& path)
+{
+    return QImage::fromData(ReadAt(path), "PNG").convertToFormat(QImage::Format_RGB888);
+}
+
+std::set<std::string> NamesIn(const std::filesystem::path& directory)
+{
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(directory))
+        names.insert(entry.path().filename().string());
+    return names;
 }
 
 // Whether a new file whose name ends in ".tmp" appeared in the watched
@@ -287,4 +313,74 @@ TEST(RenderTool, CtrlCDuringTheFinalWriteReportsTheFileWritten)
         EXPECT_FALSE(run.err.contains("not written")) << c.tool;
     }
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).size(), 3);
+}
+
+// Names that are not UTF-8 would all read as the same text with a
+// replacement character; taken as bytes they stay apart, in a batch and
+// alone, and are shown readably in messages.
+TEST(RenderTool, FileNamesThatAreNotUtf8StayApart)
+{
+    ScratchDir dir;
+    const ToolRun run = RunShell(
+        R"sh(printf '{"color": [255, 0, 0]}' > "$(printf 'm\377.json')" && )sh"
+        R"sh(printf '{"color": [0, 255, 0]}' > "$(printf 'm\376.json')" && )sh"
+        R"sh("$RENDER" --size 40x30 --output-dir "$(printf 'out\375')" "$(printf 'm\377.json')" )sh"
+        R"sh("$(printf 'm\376.json')" && )sh"
+        R"sh("$RENDER" --size 40x30 --material "$(printf 'm\377.json')" --output "$(printf 'one\377.png')")sh",
+        dir.path());
+    ASSERT_EQ(run.exitCode, 0) << run.Errors().toStdString();
+    const std::filesystem::path root = QFile::encodeName(dir.path()).toStdString();
+    const std::filesystem::path out = root / "out\375";
+    EXPECT_EQ(NamesIn(root), (std::set<std::string>{"m\376.json", "m\377.json", "one\377.png", "out\375"}));
+    EXPECT_EQ(NamesIn(out), (std::set<std::string>{"m\376.png", "m\377.png"}));
+    FZAttributeEx red;
+    red.color.SetBytes(255, 0, 0);
+    FZAttributeEx green;
+    green.color.SetBytes(0, 255, 0);
+    EXPECT_EQ(ReadPngAt(out / "m\377.png"), PanelPicture(40, 30, 1, red, 0));
+    EXPECT_EQ(ReadPngAt(out / "m\376.png"), PanelPicture(40, 30, 1, green, 0));
+    EXPECT_EQ(ReadAt(root / "one\377.png"), ReadAt(out / "m\377.png"));
+
+    // The same name twice is still refused, and named with a replacement
+    // character where a byte is not UTF-8.
+    const ToolRun again = RunShell(
+        R"sh(mkdir again && cp "$(printf 'm\377.json')" again/ && )sh"
+        R"sh("$RENDER" --size 8 --output-dir "$(printf 'out\375')" "$(printf 'm\377.json')" )sh"
+        R"sh("$(printf 'again/m\377.json')" "$(printf 'gone\377.json')")sh",
+        dir.path());
+    EXPECT_EQ(again.exitCode, 1);
+    for (const char* shown : {"again/m\uFFFD.json", "gone\uFFFD.json"})
+        EXPECT_TRUE(again.Errors().contains(QString::fromUtf8(shown))) << again.Errors().toStdString();
+    EXPECT_EQ(NamesIn(out), (std::set<std::string>{"m\376.png", "m\377.png"}));
+}
+
+// Up to the file system's 255 bytes a name saves, however many of them its
+// characters take; past that the tool says why and leaves nothing behind.
+TEST(RenderTool, NamesUpToTheFileSystemLimitSave)
+{
+    QTemporaryDir dir;
+    const QString material = QString(250, u'm') + QStringLiteral(".json");
+    ASSERT_TRUE(WriteBytes(dir.filePath(material), "{}"));
+    const QString longest = QString(251, u'a') + QStringLiteral(".png");
+    const QString accented = QString(125, QChar(0xE9)) + QStringLiteral("x.png");
+    ASSERT_EQ(QFile::encodeName(accented).size(), 255);
+    const struct {
+        QStringList arguments;
+        QString made;  // none when refused
+    } cases[] = {
+        {{"--output", dir.filePath(longest)}, longest},
+        {{"--output", dir.filePath(accented)}, accented},
+        {{"--output-dir", dir.path(), dir.filePath(material)}, QString(250, u'm') + QStringLiteral(".png")},
+        {{"--output", dir.filePath(QString(252, u'c') + QStringLiteral(".png"))}, {}},
+    };
+    for (const auto& c : cases) {
+        const ToolRun run = RunRenderTool(QStringList{"--size", "8"} + c.arguments);
+        EXPECT_EQ(run.exitCode, c.made.isEmpty() ? 1 : 0) << run.Errors().toStdString();
+        if (c.made.isEmpty())
+            EXPECT_TRUE(run.Errors().contains(QStringLiteral("cannot write"))) << run.Errors().toStdString();
+        else
+            EXPECT_TRUE(QFile::remove(dir.filePath(c.made))) << c.made.size();
+        EXPECT_EQ(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
+                  QStringList{material});
+    }
 }

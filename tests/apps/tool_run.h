@@ -6,6 +6,10 @@
 
 #include <QFile>
 #include <QProcess>
+#include <QTemporaryDir>
+
+#include <filesystem>
+#include <system_error>
 
 struct ToolRun {
     int exitCode = -1;  // -1 when the tool did not finish normally
@@ -41,6 +45,36 @@ inline ToolRun RunTool(const char* tool, const QStringList& args, const QByteArr
         return run;
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
+
+// A shell line run in directory, $QVA and $RENDER being the tools: file
+// names that are not UTF-8, which QProcess cannot pass, and redirections
+// need the shell.
+inline ToolRun RunShell(const QString& line, const QString& directory)
+{
+    QProcess shell;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("QT_QPA_PLATFORM", "offscreen");
+    env.insert("QVA", TAMERISK_BIN_DIR "/tamerisk-qva");
+    env.insert("RENDER", TAMERISK_BIN_DIR "/tamerisk-render");
+    shell.setProcessEnvironment(env);
+    shell.setWorkingDirectory(directory);
+    shell.start("/bin/sh", {"-c", line});
+    shell.closeWriteChannel();
+    if (!shell.waitForFinished(120000) || shell.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {shell.exitCode(), shell.readAllStandardOutput(), shell.readAllStandardError()};
+}
+
+// A temporary directory removed with everything in it, names that are not
+// UTF-8 included, which QTemporaryDir leaves behind.
+class ScratchDir : public QTemporaryDir {
+public:
+    ~ScratchDir()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(QFile::encodeName(path()).toStdString(), ignored);
+    }
+};
 
 inline QByteArray ReadBytes(const QString& path)
 {
