@@ -13,6 +13,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "scratch_dir.h"
 #include "attribute_bytes.h"
 #include "material/attribute_file.h"
 #include "material/file_replace.h"
@@ -35,14 +36,6 @@ ByteVector ReadAll(const fs::path& p)
 
 class AttributeFileTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        std::string pattern = (fs::temp_directory_path() / "tamerisk-qva-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-        dir = pattern;
-        target = dir / "m.qva";
-    }
-    void TearDown() override { fs::remove_all(dir); }
     ByteVector Saved(const FZAttributeEx& r)
     {
         EXPECT_EQ(SaveAttributeFile(target.c_str(), r), FZResult::Ok);
@@ -54,8 +47,9 @@ protected:
         EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 1);
     }
 
-    fs::path dir;
-    fs::path target;
+    ScratchDirectory scratch{"tamerisk-qva"};
+    const fs::path dir = scratch.path;
+    const fs::path target = dir / "m.qva";
 };
 
 }  // namespace

@@ -20,6 +20,7 @@
 #include <string>
 #include <vector>
 
+#include "scratch_dir.h"
 #include "material/file_replace.h"
 
 namespace fs = std::filesystem;
@@ -70,17 +71,10 @@ std::size_t Entries(const fs::path& dir)
 
 class FileReplaceTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        std::string pattern = (fs::temp_directory_path() / "tamerisk-replace-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-        dir = pattern;
-        target = dir / "m.qva";
-    }
-    void TearDown() override { fs::remove_all(dir); }
 
-    fs::path dir;
-    fs::path target;
+    ScratchDirectory scratch{"tamerisk-replace"};
+    const fs::path dir = scratch.path;
+    const fs::path target = dir / "m.qva";
 };
 
 }  // namespace

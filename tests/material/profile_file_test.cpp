@@ -13,6 +13,7 @@
 #include <iterator>
 #include <string>
 
+#include "scratch_dir.h"
 #include "material/profile_file.h"
 
 namespace fs = std::filesystem;
@@ -32,17 +33,10 @@ void WriteAll(const fs::path& p, const std::string& bytes)
 
 class ProfileFileTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        std::string pattern = (fs::temp_directory_path() / "tamerisk-ini-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-        dir = pattern;
-        path = dir / "Tamerisk.ini";
-    }
-    void TearDown() override { fs::remove_all(dir); }
 
-    fs::path dir;
-    fs::path path;
+    ScratchDirectory scratch{"tamerisk-ini"};
+    const fs::path dir = scratch.path;
+    const fs::path path = dir / "Tamerisk.ini";
 };
 
 }  // namespace
