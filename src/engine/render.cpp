@@ -163,7 +163,10 @@ void ReflectedSky(const LayerPass& pass, std::int32_t x, std::int32_t y, float d
     ray.origin[2] = static_cast<float>(static_cast<double>(d) + pass.bias);
     ray.direction = n;
     ray.weight = static_cast<float>(pass.material.reflection * FZMax(0.0, facing));
-    LookupEnvironment(pass.scene.environment, ray, sky);
+    if (pass.scene.environment.skyTable.empty())
+        LookupEnvironment(pass.scene.environment, ray, sky);
+    else
+        LookupSkyTable(pass.scene.environment, ray, sky);
     memo.skyNormal = n;
     memo.hasSky = true;
     for (int c = 0; c < 3; ++c)
@@ -326,14 +329,27 @@ bool CoversAny(const FZLayer& layer, std::int32_t y0, std::int32_t y1, const FZR
     return false;
 }
 
+// A layer that may reflect in more pixels than this looks the sky up in
+// its table: twice the entries, so that building it costs at most half of
+// what it saves.
+constexpr std::int64_t kSkyTablePixels = 2 * (2 * std::int64_t{FZEnvironment::kSkyRows} + 1);
+
 // The sky builds its ramp at its first lookup. The rows of a reflecting
 // layer look it up from several threads at once, so when the layer will
-// look it up, the first lookup happens here.
+// look it up, the first lookup happens here, and a large layer has the
+// table built here.
 void PrepareSky(const LayerPass& pass, std::int32_t y0, std::int32_t y1, const FZRect& rect)
 {
     FZEnvironment& env = pass.scene.environment;
-    if (env.mode == 1 && !env.rampBuilt && CoversAny(pass.layer, y0, y1, rect))
+    if (env.mode != 1 || (env.rampBuilt && !env.skyTable.empty()) || !CoversAny(pass.layer, y0, y1, rect))
+        return;
+    if (!env.rampBuilt)
         BuildSkyRamp(env);
+    const FZLayer& layer = pass.layer;
+    const std::int64_t area = (std::int64_t{layer.boundsX1} - layer.boundsX0 + 1) * (std::int64_t{layer.boundsY1} - layer.boundsY0 + 1);
+    // Without the table every pixel evaluates the ramp, which is as exact.
+    if (area >= kSkyTablePixels)
+        static_cast<void>(BuildSkyTable(env));
 }
 
 // Composites the layer over the frame inside rect, which lies in the frame.
