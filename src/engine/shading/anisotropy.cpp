@@ -269,6 +269,60 @@ void RotationOntoNormal(float nx, float ny, float nz, bool direct, FZMatrix4& m)
         m.SetIdentity();
 }
 
+// RotationOntoNormal(nx, ny, nz, true, m) written out for a = +z: the
+// same float and double operations as FZMatrix4::SetRotationOntoDirect
+// (the axis a x n normalised, the angle acos(n.z / |n|) with the C
+// library's acos, sin and cos, Rodrigues' matrix stored transposed, -0 made
+// +0), without the generic vector and matrix steps around them. The zero
+// products of +z's components are kept, since they decide the signs of
+// zeros as the generic steps do.
+void RotationOntoNormalDirect(float nx, float ny, float nz, FZMatrix4& m)
+{
+    const double ax0 = 0.0f;
+    const double ay0 = 0.0f;
+    const double az0 = 1.0f;
+    const float ex = static_cast<float>(ay0 * nz - az0 * ny);
+    const float ey = static_cast<float>(az0 * nx - ax0 * nz);
+    const float ez = static_cast<float>(ax0 * ny - ay0 * nx);
+    double axisLength = std::sqrt(static_cast<double>(ex) * ex + static_cast<double>(ey) * ey
+                                  + static_cast<double>(ez) * ez);
+    if (axisLength < 1e-10)
+        axisLength = 1e-10;
+    const double ax = static_cast<float>(ex / axisLength);
+    const double ay = static_cast<float>(ey / axisLength);
+    const double az = static_cast<float>(ez / axisLength);
+
+    const double length = std::sqrt(static_cast<double>(nx) * nx + static_cast<double>(ny) * ny
+                                    + static_cast<double>(nz) * nz);
+    double gamma = 0.0;
+    if (!(length < 1e-10)) {
+        double c = (ax0 * nx + ay0 * ny + az0 * nz) / (1.0 * length);
+        c = c > 1.0 ? 1.0 : (c < -1.0 ? -1.0 : c);
+        gamma = std::acos(c);
+    }
+    const double sine = std::sin(gamma);
+    const double cosine = std::cos(gamma);
+    // Opposite to +z no rotation can be built, which counts as none.
+    if (!(std::fabs(sine) >= 1e-10)) {
+        m.SetIdentity();
+        return;
+    }
+    const double t = 1.0 - cosine;
+    const double r[3][3] = {
+        {cosine + ax * ax * t, ax * ay * t - az * sine, ax * az * t + ay * sine},
+        {ay * ax * t + az * sine, cosine + ay * ay * t, ay * az * t - ax * sine},
+        {az * ax * t - ay * sine, az * ay * t + ax * sine, cosine + az * az * t},
+    };
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j)
+            m.m[i][j] = static_cast<float>(r[j][i]) + 0.0f;
+        m.m[i][3] = 0.0f;
+        m.m[3][i] = 0.0f;
+    }
+    m.m[3][3] = 1.0f;
+    m.kind = FZMatrix4::kGeneral;
+}
+
 // The two flanks tilted by atan(depth) to either side of g, in the frame of
 // the surface normal (its rotation from frame when one is given).
 void TiltFacets(const float g[2], float depth, const FZPackedVector& normal, FZFacetFrame* frame,
@@ -425,7 +479,7 @@ const FZMatrix4& FZFacetFrame::For(const FZPackedVector& normal)
     if (!e.valid || normal.x != e.normal.x || normal.y != e.normal.y || normal.z != e.normal.z) {
         float nx, ny, nz;
         normal.GetFloats(nx, ny, nz);
-        RotationOntoNormal(nx, ny, nz, true, e.rotation);
+        RotationOntoNormalDirect(nx, ny, nz, e.rotation);
         e.normal = normal;
         e.valid = true;
     }
