@@ -10,6 +10,7 @@
 #include "engine/pixel.h"
 #include "engine/shading/anisotropy.h"
 #include "engine/shading/diffuse_rows.h"
+#include "engine/shading/facet_rows.h"
 
 namespace {
 
@@ -138,28 +139,36 @@ bool FacetsOutOfReach(const HighlightSetup& h, const FZPackedVector& normal)
     return length > 0.0 && FZPackedVector::Dot(h.half, normal) < h.facetLimit * h.halfLength * length;
 }
 
+// The term for the highlight's cosine b.
+float TermOf(const HighlightSetup& h, float b)
+{
+    if (!(b > 0.0f) || b <= h.cutoff)
+        return 0.0f;
+    return static_cast<float>(std::pow(static_cast<double>(b), h.exponent) * h.scale);
+}
+
+// The term of a groove's two facets: the larger of their cosines counts.
+float FacetTerm(const HighlightSetup& h, const FZPackedVector& t1, const FZPackedVector& t2)
+{
+    const float b1 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t1)));
+    const float b2 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t2)));
+    return TermOf(h, b2 > b1 ? b2 : b1);
+}
+
 // The highlight term of one light at (px, py) with the given normal.
 // frame: the rotation memory for the facets.
 float HighlightAt(const FZLayer& layer, const HighlightSetup& h, float px, float py, float depth,
                   const FZPackedVector& normal, FZFacetFrame& frame)
 {
     const FZAttributeEx& m = layer.material;
-    float b;
-    if (m.anisotropic != 0) {
-        if (FacetsOutOfReach(h, normal))
-            return 0.0f;
-        const float point[3] = {px, py, depth};
-        FZPackedVector t1, t2;
-        AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2, frame);
-        const float b1 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t1)));
-        const float b2 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t2)));
-        b = b2 > b1 ? b2 : b1;
-    } else {
-        b = static_cast<float>(FZPackedVector::Dot(h.half, normal));
-    }
-    if (!(b > 0.0f) || b <= h.cutoff)
+    if (m.anisotropic == 0)
+        return TermOf(h, static_cast<float>(FZPackedVector::Dot(h.half, normal)));
+    if (FacetsOutOfReach(h, normal))
         return 0.0f;
-    return static_cast<float>(std::pow(static_cast<double>(b), h.exponent) * h.scale);
+    const float point[3] = {px, py, depth};
+    FZPackedVector t1, t2;
+    AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2, frame);
+    return FacetTerm(h, t1, t2);
 }
 
 // The supersampled highlight of one light over pixel (x, y): n x n points,
@@ -417,6 +426,170 @@ void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
     }
 }
 
+// Pass 2 for a grooved layer whose lights share the groove pattern's
+// centre (as every layer's do): a piece of a row at a time, the pixels off
+// the flat parts have their facets built by the vector kernels, once for
+// all lights; the others go through HighlightAt.
+class GroovedPiece {
+public:
+    GroovedPiece(const ShadingPass& pass, std::int32_t y) : pass_(pass), layer_(pass.layer), y_(y) {}
+
+    void Run(std::int32_t start, std::int32_t n)
+    {
+        count_ = 0;
+        for (std::int32_t x = start; x < start + n; ++x)
+            Visit(x);
+        if (count_ == 0)
+            return;
+        RotationsOfPiece(lanes_, count_);
+        KeepRotations();
+        FacetsOfPiece(lanes_, count_);
+        for (std::int32_t k = 0; k < count_; ++k)
+            layer_.highlight[y_][x_[k]] = LaneSum(k);
+    }
+
+private:
+    // A covered pixel: out of every light's reach, flat or ungrooved it is
+    // done here; otherwise it takes the next lane.
+    void Visit(std::int32_t x)
+    {
+        float& out = layer_.highlight[y_][x];
+        if (layer_.coverage[y_][x] == 0) {
+            out = -1.0f;
+            return;
+        }
+        const FZPackedVector& normal = layer_.normals[y_][x];
+        bool reachable = false;
+        for (const HighlightSetup& h : pass_.highlights)
+            reachable = reachable || !FacetsOutOfReach(h, normal);
+        if (!reachable) {
+            out = 0.0f;
+            return;
+        }
+        const float px = static_cast<float>(x + 0.5);
+        const float py = static_cast<float>(y_ + 0.5);
+        const float point[3] = {px, py, layer_.depth[y_][x]};
+        const FZGroovePoint groove = GroovePointAt(layer_.material.anisotropy, point, normal, pass_.highlights[0].centre);
+        float nx, ny, nz;
+        normal.GetFloats(nx, ny, nz);
+        if (!groove.grooved || nz > 0.9999999) {
+            out = ScalarSum(px, py, point[2], normal, x);
+            return;
+        }
+        const std::int32_t k = count_++;
+        x_[k] = x;
+        lanes_.nx[k] = nx;
+        lanes_.ny[k] = ny;
+        lanes_.nz[k] = nz;
+        lanes_.gx[k] = groove.g[0];
+        lanes_.gy[k] = groove.g[1];
+        lanes_.depth[k] = groove.depth;
+        known_[k] = Entry(x) != nullptr && Entry(x)->valid && SameNormal(Entry(x)->normal, normal);
+        lanes_.sine[k] = 0.0;
+        lanes_.cosine[k] = 1.0;
+        if (!known_[k])
+            FZFacetRotationAngle(nx, ny, nz, lanes_.sine[k], lanes_.cosine[k]);
+    }
+
+    float ScalarSum(float px, float py, float depth, const FZPackedVector& normal, std::int32_t x)
+    {
+        FZFacetFrame frame;
+        if (Entry(x) != nullptr)
+            frame.UseEntry(Entry(x));
+        float sum = 0.0f;
+        for (const HighlightSetup& h : pass_.highlights)
+            sum = static_cast<float>(sum + static_cast<double>(HighlightAt(layer_, h, px, py, depth, normal, frame)));
+        return sum;
+    }
+
+    // The rotations kept from the last shading stand in for the kernel's
+    // (they are the same numbers); the new ones are kept for the next.
+    void KeepRotations()
+    {
+        for (std::int32_t k = 0; k < count_; ++k) {
+            FZFacetFrameEntry* e = Entry(x_[k]);
+            if (e == nullptr)
+                continue;
+            if (known_[k]) {
+                for (int i = 0; i < 3; ++i)
+                    for (int j = 0; j < 3; ++j)
+                        lanes_.m[i * 3 + j][k] = e->rotation.m[i][j];
+                lanes_.identity[k] = e->rotation.kind == FZMatrix4::kIdentity ? 1.0 : 0.0;
+                continue;
+            }
+            if (lanes_.identity[k] > 0.5) {
+                e->rotation.SetIdentity();
+            } else {
+                e->rotation.SetIdentity();
+                for (int i = 0; i < 3; ++i)
+                    for (int j = 0; j < 3; ++j)
+                        e->rotation.m[i][j] = static_cast<float>(lanes_.m[i * 3 + j][k]);
+                e->rotation.kind = FZMatrix4::kGeneral;
+            }
+            e->normal = layer_.normals[y_][x_[k]];
+            e->valid = true;
+        }
+    }
+
+    float LaneSum(std::int32_t k) const
+    {
+        FZPackedVector t1, t2;
+        t1.x = static_cast<std::int16_t>(lanes_.t1[0][k]);
+        t1.y = static_cast<std::int16_t>(lanes_.t1[1][k]);
+        t1.z = static_cast<std::int16_t>(lanes_.t1[2][k]);
+        t2.x = static_cast<std::int16_t>(lanes_.t2[0][k]);
+        t2.y = static_cast<std::int16_t>(lanes_.t2[1][k]);
+        t2.z = static_cast<std::int16_t>(lanes_.t2[2][k]);
+        const FZPackedVector& normal = layer_.normals[y_][x_[k]];
+        // A lane's pixel is within reach of some light: of the only one,
+        // when there is one.
+        const bool single = pass_.highlights.size() == 1;
+        float sum = 0.0f;
+        for (const HighlightSetup& h : pass_.highlights) {
+            const float term = !single && FacetsOutOfReach(h, normal) ? 0.0f : FacetTerm(h, t1, t2);
+            sum = static_cast<float>(sum + static_cast<double>(term));
+        }
+        return sum;
+    }
+
+    FZFacetFrameEntry* Entry(std::int32_t x) const
+    {
+        return pass_.frames != nullptr ? &pass_.frames[static_cast<std::size_t>(y_) * layer_.width + x] : nullptr;
+    }
+
+    static bool SameNormal(const FZPackedVector& a, const FZPackedVector& b)
+    {
+        return a.x == b.x && a.y == b.y && a.z == b.z;
+    }
+
+    const ShadingPass& pass_;
+    FZLayer& layer_;
+    std::int32_t y_;
+    std::int32_t count_ = 0;
+    std::int32_t x_[kFZFacetPiece];
+    bool known_[kFZFacetPiece];
+    FZFacetLanes lanes_;
+};
+
+void FillGroovedHighlightRow(const ShadingPass& pass, std::int32_t y)
+{
+    GroovedPiece piece(pass, y);
+    for (std::int32_t start = 0; start < pass.layer.width; start += kFZFacetPiece)
+        piece.Run(start, FZMin(kFZFacetPiece, pass.layer.width - start));
+}
+
+// Whether the facets of every light can be built once: the lights share
+// the pattern's centre, which depends on the layer and the material only.
+bool SharedGrooveCentre(const ShadingPass& pass)
+{
+    if (pass.layer.material.anisotropic == 0 || pass.highlights.empty())
+        return false;
+    const HighlightSetup& first = pass.highlights.front();
+    return std::all_of(pass.highlights.begin(), pass.highlights.end(), [&first](const HighlightSetup& h) {
+        return h.centre[0] == first.centre[0] && h.centre[1] == first.centre[1] && h.centre[2] == first.centre[2];
+    });
+}
+
 // Whether a covered neighbour's highlight (each held at most 1) differs by
 // more than 0.1 from the pixel's: only there is supersampling worth it.
 bool HighlightVaries(const FZLayer& layer, std::int32_t x, std::int32_t y)
@@ -539,7 +712,10 @@ FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZLightLis
         GrooveNoiseTable();
     if (grooves)
         pass.frames = FacetFrames().Lend(layer.width, layer.height);
-    ParallelRows(0, layer.height, [&pass](std::int32_t y) { FillHighlightRow(pass, y); });
+    if (SharedGrooveCentre(pass))
+        ParallelRows(0, layer.height, [&pass](std::int32_t y) { FillGroovedHighlightRow(pass, y); });
+    else
+        ParallelRows(0, layer.height, [&pass](std::int32_t y) { FillHighlightRow(pass, y); });
     if (pass.frames != nullptr)
         FacetFrames().Release();
     ParallelRows(0, layer.height, [&pass](std::int32_t y) { ApplyHighlightRow(pass, y); });
