@@ -135,21 +135,34 @@ bool SameVector(const FZPackedVector& a, const FZPackedVector& b)
     return a.x == b.x && a.y == b.y && a.z == b.z;
 }
 
-// Where a pixel's refracted view meets the plane z = 0, if it does.
-struct Landing {
-    bool lands = false;
-    float sx = 0.0f;
-    float sy = 0.0f;
-};
-
-// The colour seen through the layer at one pixel: what lies behind where
-// the refracted ray lands; the background where refraction fails.
-void RefractedColour(const LayerPass& pass, const Landing& landing, float out[3])
+// The colour seen through the layer at pixel k of a refracting piece: what
+// lies behind where the refracted ray lands, the background where
+// refraction fails.
+void SeenThrough(const LayerPass& pass, const FZLandingPoints& points, const FZSeenColours& seen, std::int32_t k,
+                 float out[3])
 {
-    if (landing.lands)
-        SampleBehind(pass.scene, landing.sx, landing.sy, out);
-    else
-        CopyBackground(pass.scene, out);
+    if (seen.general[k] != 0) {
+        SampleBehind(pass.scene, points.sx[k], points.sy[k], out);
+        return;
+    }
+    for (int c = 0; c < 3; ++c)
+        out[c] = static_cast<float>(seen.rgb[c][k]);
+}
+
+// The image behind as the refraction's samples read it; no pixels (every
+// sample then goes through SampleBehind) unless it is the usual 24-bit one.
+FZBehindView BehindView(const FZScene& scene)
+{
+    FZBehindView view;
+    const FZImage* image = scene.behind.get();
+    CopyBackground(scene, view.background);
+    if (image == nullptr || image->data.empty() || image->bytesPerPixel != 3)
+        return view;
+    view.data = image->data.data();
+    view.width = image->width;
+    view.height = image->height;
+    view.stride = image->stride;
+    return view;
 }
 
 // The sky reflected along normal n, weighted by how squarely n faces the
@@ -215,10 +228,10 @@ RowView ViewRow(const LayerPass& pass, const FZImage& behind, std::int32_t y, st
 
 // Gathers covered layer pixel lx of the row, over frame column x, into the
 // piece's next lane: its shade with the sky it reflects, its coverage and
-// transmission, what shows through it (landing is where its refracted view
-// lands when the layer refracts) and the frame behind it.
+// transmission, what shows through it (seen, when the layer refracts) and
+// the frame behind it.
 void GatherPixel(const LayerPass& pass, const RowView& row, std::int32_t x, std::int32_t lx, NormalMemo& memo,
-                 const Landing& landing, ComposePiece& piece)
+                 const float seen[3], ComposePiece& piece)
 {
     const float a = FZByteToFloat(row.coverage[lx]);
     if (!(a > 0.0f))
@@ -248,7 +261,7 @@ void GatherPixel(const LayerPass& pass, const RowView& row, std::int32_t x, std:
 
     float through[3] = {0.0f, 0.0f, 0.0f};
     if (pass.refracts)
-        RefractedColour(pass, landing, through);
+        std::copy(seen, seen + 3, through);
 
     float under[3];
     const std::uint8_t* b = row.behind + std::ptrdiff_t{3} * x;
@@ -316,7 +329,7 @@ void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, st
             to[2] = shortcuts.table[from[2]];
             continue;
         }
-        GatherPixel(pass, row, x, lx, memo, Landing(), piece);
+        GatherPixel(pass, row, x, lx, memo, nullptr, piece);
         if (piece.count == kFZComposePiece)
             ComposeGathered(piece, frame, y);
     }
@@ -336,6 +349,8 @@ void ComposeRefractingRow(const LayerPass& pass, const FZImage& behind, FZImage&
     const FZPackedVector* normals = layer.normals.empty() ? nullptr : layer.normals[ly];
     NormalMemo memo;
     FZLandingPoints points;
+    FZSeenColours seen;
+    const FZBehindView view = BehindView(pass.scene);
     ComposePiece piece;
     const RowView row = ViewRow(pass, behind, y, ly);
     static_assert(kFZRefractionPiece == kFZComposePiece, "a refraction piece fills one compositing piece");
@@ -344,11 +359,14 @@ void ComposeRefractingRow(const LayerPass& pass, const FZImage& behind, FZImage&
         if (std::all_of(coverage + start, coverage + start + part.n, [](std::uint8_t c) { return c == 0; }))
             continue;
         RefractRowPiece(pass.refraction, part, normals, layer.depth[ly], points);
+        SeenThroughPiece(view, points, part.n, seen);
         for (std::int32_t k = 0; k < part.n; ++k) {
             const std::int32_t lx = start + k;
-            if (coverage[lx] != 0)
-                GatherPixel(pass, row, lx + layer.x, lx, memo, Landing{points.lands[k] != 0, points.sx[k], points.sy[k]},
-                            piece);
+            if (coverage[lx] == 0)
+                continue;
+            float through[3];
+            SeenThrough(pass, points, seen, k, through);
+            GatherPixel(pass, row, lx + layer.x, lx, memo, through, piece);
         }
         ComposeGathered(piece, frame, y);
     }
