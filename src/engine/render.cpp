@@ -322,11 +322,16 @@ void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, st
         if (c == 0)
             continue;
         if (c == 255 && shaded != nullptr) {
+            // The whole run of fully covered pixels, byte by byte.
+            std::int32_t end = x + 1;
+            while (end <= last && coverage[end - pass.layer.x] == 255)
+                ++end;
             const std::uint8_t* from = shaded + std::ptrdiff_t{3} * lx;
             std::uint8_t* to = out + std::ptrdiff_t{3} * x;
-            to[0] = shortcuts.table[from[0]];
-            to[1] = shortcuts.table[from[1]];
-            to[2] = shortcuts.table[from[2]];
+            const std::ptrdiff_t bytes = std::ptrdiff_t{3} * (end - x);
+            for (std::ptrdiff_t i = 0; i < bytes; ++i)
+                to[i] = shortcuts.table[from[i]];
+            x = end - 1;
             continue;
         }
         GatherPixel(pass, row, x, lx, memo, nullptr, piece);

@@ -341,14 +341,17 @@ void ShadeOwnColourRow(const ShadingPass& pass, std::int32_t y)
     lastColour.GetFloats(base);
     bool haveBytes = false;
     std::uint8_t bytes[3] = {0, 0, 0};
+    const std::uint8_t* coverage = layer.coverage[y];
+    const FZPackedVector* normals = layer.normals[y];
+    std::uint8_t* row = layer.shaded->PixelAddress(0, y);
     for (std::int32_t x = 0; x < layer.width; ++x) {
-        if (layer.coverage[y][x] == 0)
+        if (coverage[x] == 0)
             continue;
-        const FZPackedVector& normal = layer.normals[y][x];
+        const FZPackedVector& normal = normals[x];
         const bool known = memo.Has(normal);
         const FZColor colour = own[x];
         const bool sameColour = colour.r == lastColour.r && colour.g == lastColour.g && colour.b == lastColour.b;
-        std::uint8_t* p = layer.shaded->PixelAddress(x, y);
+        std::uint8_t* p = row + std::ptrdiff_t{3} * x;
         if (known && sameColour && haveBytes) {
             p[0] = bytes[0];
             p[1] = bytes[1];
@@ -400,19 +403,22 @@ void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
     // Without grooves the highlight too depends on the normal alone.
     RowMemo memo;
     const bool grooves = layer.material.anisotropic != 0;
+    const std::uint8_t* coverage = layer.coverage[y];
+    const FZPackedVector* normals = layer.normals[y];
+    float* highlight = layer.highlight[y];
     for (std::int32_t x = 0; x < layer.width; ++x) {
-        if (layer.coverage[y][x] == 0) {
-            layer.highlight[y][x] = -1.0f;
+        if (coverage[x] == 0) {
+            highlight[x] = -1.0f;
+            continue;
+        }
+        const FZPackedVector& normal = normals[x];
+        if (!grooves && memo.Has(normal)) {
+            highlight[x] = memo.value[0];
             continue;
         }
         const float px = static_cast<float>(x + 0.5);
         const float py = static_cast<float>(y + 0.5);
         const float depth = layer.depth[y][x];
-        const FZPackedVector& normal = layer.normals[y][x];
-        if (!grooves && memo.Has(normal)) {
-            layer.highlight[y][x] = memo.value[0];
-            continue;
-        }
         float sum = 0.0f;
         if (pass.frames != nullptr)
             frame.UseEntry(&pass.frames[static_cast<std::size_t>(y) * layer.width + x]);
@@ -420,7 +426,7 @@ void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
             const float term = HighlightAt(layer, h, px, py, depth, normal, frame);
             sum = static_cast<float>(sum + static_cast<double>(term));
         }
-        layer.highlight[y][x] = sum;
+        highlight[x] = sum;
         const float kept[3] = {sum, 0.0f, 0.0f};
         memo.Keep(normal, kept);
     }
@@ -654,8 +660,13 @@ bool IsWhite(const FZImage& image, std::int32_t x, std::int32_t y)
 void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
+    const std::uint8_t* coverage = layer.coverage[y];
+    const float* highlight = layer.highlight[y];
+    // Without smoothing the map's value is the pixel's highlight, and most
+    // pixels have none: they are passed over first.
+    const bool smooth = layer.material.smoothHighlight != 0;
     for (std::int32_t x = 0; x < layer.width; ++x) {
-        if (layer.coverage[y][x] == 0)
+        if (coverage[x] == 0 || (!smooth && !(highlight[x] > 0.0f)))
             continue;
         if (pass.whiteStaysWhite && IsWhite(*layer.shaded, x, y))
             continue;
