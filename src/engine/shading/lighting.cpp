@@ -395,47 +395,37 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
 }
 
 // Pass 2: the unclamped highlight of all lights at every covered pixel
-// centre, -1 outside the shape.
-void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
+// centre, -1 outside the shape. Without grooves a light's term depends on
+// the normal's cosine to its half vector alone: the cosines of a piece of
+// the row come from a vector kernel, the power only where a term can be
+// above 0.
+void FillPlainHighlightRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
-    FZFacetFrame frame;
-    // Without grooves the highlight too depends on the normal alone.
-    RowMemo memo;
-    const bool grooves = layer.material.anisotropic != 0;
     const std::uint8_t* coverage = layer.coverage[y];
     const FZPackedVector* normals = layer.normals[y];
     float* highlight = layer.highlight[y];
-    for (std::int32_t x = 0; x < layer.width; ++x) {
-        if (coverage[x] == 0) {
-            highlight[x] = -1.0f;
-            continue;
+    for (std::int32_t start = 0; start < layer.width; start += kFZDiffusePiece) {
+        const std::int32_t n = FZMin(kFZDiffusePiece, layer.width - start);
+        float sum[kFZDiffusePiece] = {};
+        if (!std::all_of(coverage + start, coverage + start + n, [](std::uint8_t c) { return c == 0; })) {
+            for (const HighlightSetup& h : pass.highlights) {
+                double cosines[kFZDiffusePiece];
+                HighlightCosinesOfPiece(h.half, normals + start, n, cosines);
+                for (std::int32_t k = 0; k < n; ++k)
+                    sum[k] = static_cast<float>(sum[k] + static_cast<double>(TermOf(h, static_cast<float>(cosines[k]))));
+            }
         }
-        const FZPackedVector& normal = normals[x];
-        if (!grooves && memo.Has(normal)) {
-            highlight[x] = memo.value[0];
-            continue;
-        }
-        const float px = static_cast<float>(x + 0.5);
-        const float py = static_cast<float>(y + 0.5);
-        const float depth = layer.depth[y][x];
-        float sum = 0.0f;
-        if (pass.frames != nullptr)
-            frame.UseEntry(&pass.frames[static_cast<std::size_t>(y) * layer.width + x]);
-        for (const HighlightSetup& h : pass.highlights) {
-            const float term = HighlightAt(layer, h, px, py, depth, normal, frame);
-            sum = static_cast<float>(sum + static_cast<double>(term));
-        }
-        highlight[x] = sum;
-        const float kept[3] = {sum, 0.0f, 0.0f};
-        memo.Keep(normal, kept);
+        for (std::int32_t k = 0; k < n; ++k)
+            highlight[start + k] = coverage[start + k] == 0 ? -1.0f : sum[k];
     }
 }
 
-// Pass 2 for a grooved layer whose lights share the groove pattern's
-// centre (as every layer's do): a piece of a row at a time, the pixels off
+// Pass 2 for a grooved layer: a piece of a row at a time, the pixels off
 // the flat parts have their facets built by the vector kernels, once for
-// all lights; the others go through HighlightAt.
+// all lights (every light's setup has the same pattern centre, which
+// depends on the layer and the material alone); the others go through
+// HighlightAt.
 class GroovedPiece {
 public:
     GroovedPiece(const ShadingPass& pass, std::int32_t y) : pass_(pass), layer_(pass.layer), y_(y) {}
@@ -584,18 +574,6 @@ void FillGroovedHighlightRow(const ShadingPass& pass, std::int32_t y)
         piece.Run(start, FZMin(kFZFacetPiece, pass.layer.width - start));
 }
 
-// Whether the facets of every light can be built once: the lights share
-// the pattern's centre, which depends on the layer and the material only.
-bool SharedGrooveCentre(const ShadingPass& pass)
-{
-    if (pass.layer.material.anisotropic == 0 || pass.highlights.empty())
-        return false;
-    const HighlightSetup& first = pass.highlights.front();
-    return std::all_of(pass.highlights.begin(), pass.highlights.end(), [&first](const HighlightSetup& h) {
-        return h.centre[0] == first.centre[0] && h.centre[1] == first.centre[1] && h.centre[2] == first.centre[2];
-    });
-}
-
 // Whether a covered neighbour's highlight (each held at most 1) differs by
 // more than 0.1 from the pixel's: only there is supersampling worth it.
 bool HighlightVaries(const FZLayer& layer, std::int32_t x, std::int32_t y)
@@ -723,10 +701,10 @@ FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZLightLis
         GrooveNoiseTable();
     if (grooves)
         pass.frames = FacetFrames().Lend(layer.width, layer.height);
-    if (SharedGrooveCentre(pass))
+    if (grooves && !pass.highlights.empty())
         ParallelRows(0, layer.height, [&pass](std::int32_t y) { FillGroovedHighlightRow(pass, y); });
     else
-        ParallelRows(0, layer.height, [&pass](std::int32_t y) { FillHighlightRow(pass, y); });
+        ParallelRows(0, layer.height, [&pass](std::int32_t y) { FillPlainHighlightRow(pass, y); });
     if (pass.frames != nullptr)
         FacetFrames().Release();
     ParallelRows(0, layer.height, [&pass](std::int32_t y) { ApplyHighlightRow(pass, y); });
