@@ -220,7 +220,7 @@ FZPackedVector RotatedFacet(const FZMatrix4& m, const float u[3])
 void Normalised(const double v[3], float out[3])
 {
     double unit[3];
-    FZNormalisedFloats(v[0], v[1], v[2], unit);
+    FZUnitVectorFloats(v[0], v[1], v[2], unit);
     for (int i = 0; i < 3; ++i)
         out[i] = static_cast<float>(unit[i]);
 }

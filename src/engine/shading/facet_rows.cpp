@@ -49,9 +49,9 @@ namespace {
     const double lifted0 = d[2] * lanes.m[6][k];
     const double lifted1 = d[2] * lanes.m[7][k];
     const double lifted2 = d[2] * lanes.m[8][k];
-    FZNormalisedFloats(FZAsFloat(shared0 + lifted0 + 0.0), FZAsFloat(shared1 + lifted1 + 0.0),
+    FZUnitVectorFloats(FZAsFloat(shared0 + lifted0 + 0.0), FZAsFloat(shared1 + lifted1 + 0.0),
                        FZAsFloat(shared2 + lifted2 + 0.0), turned1);
-    FZNormalisedFloats(FZAsFloat(-shared0 + lifted0 + 0.0), FZAsFloat(-shared1 + lifted1 + 0.0),
+    FZUnitVectorFloats(FZAsFloat(-shared0 + lifted0 + 0.0), FZAsFloat(-shared1 + lifted1 + 0.0),
                        FZAsFloat(-shared2 + lifted2 + 0.0), turned2);
 }
 
@@ -65,7 +65,7 @@ TAMERISK_ROW_KERNEL void FacetsOfPiece(FZFacetLanes& lanes, std::int32_t n)
         // The flanks rise by 1 / depth across the groove.
         const double z = FZAsFloat(std::sqrt(gx * gx + gy * gy) / lanes.depth[k]);
         double d[3];
-        FZNormalisedFloats(gx, gy, z, d);
+        FZUnitVectorFloats(gx, gy, z, d);
         double turned1[3];
         double turned2[3];
         TurnedPair(lanes, k, d, turned1, turned2);

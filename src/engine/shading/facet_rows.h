@@ -59,7 +59,7 @@ inline bool FZRotationTurns(double sine)
 
 // v / |v| for each component, the length raised to 1e-10, each rounded to
 // float.
-[[gnu::always_inline]] inline void FZNormalisedFloats(double x, double y, double z, double out[3])
+[[gnu::always_inline]] inline void FZUnitVectorFloats(double x, double y, double z, double out[3])
 {
     double length = std::sqrt(x * x + y * y + z * z);
     length = length < 1e-10 ? 1e-10 : length;
