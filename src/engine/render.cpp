@@ -209,6 +209,9 @@ struct ComposePiece {
     FZComposeLanes lanes;
 };
 
+// What a layer that does not refract shows through itself.
+constexpr float kNothingSeen[3] = {0.0f, 0.0f, 0.0f};
+
 // One layer row as the pixel steps read it, with the frame row behind it.
 struct RowView {
     std::int32_t ly;
@@ -230,8 +233,9 @@ RowView ViewRow(const LayerPass& pass, const FZImage& behind, std::int32_t y, st
 // piece's next lane: its shade with the sky it reflects, its coverage and
 // transmission, what shows through it (seen, when the layer refracts) and
 // the frame behind it.
-void GatherPixel(const LayerPass& pass, const RowView& row, std::int32_t x, std::int32_t lx, NormalMemo& memo,
-                 const float seen[3], ComposePiece& piece)
+[[gnu::always_inline]] inline void GatherPixel(const LayerPass& pass, const RowView& row, std::int32_t x,
+                                               std::int32_t lx, NormalMemo& memo, const float seen[3],
+                                               ComposePiece& piece)
 {
     const float a = FZByteToFloat(row.coverage[lx]);
     if (!(a > 0.0f))
@@ -334,7 +338,7 @@ void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, st
             x = end - 1;
             continue;
         }
-        GatherPixel(pass, row, x, lx, memo, nullptr, piece);
+        GatherPixel(pass, row, x, lx, memo, kNothingSeen, piece);
         if (piece.count == kFZComposePiece)
             ComposeGathered(piece, frame, y);
     }
