@@ -1,8 +1,10 @@
 // A set of materials that between them switch on every feature of the
 // renderer: the default, anisotropic grooves under the smooth highlight,
 // refraction with incidence dependence and attenuation, thin glass, sky
-// reflection with rainbow gloss, and emission. The benchmarks time them and
-// the golden test pins their pictures.
+// reflection with rainbow gloss, and emission; then the three whose
+// per-pixel work has been the heaviest: concentric grooves with depth
+// variation, a mirror and clear glass. The benchmarks time them and the
+// golden test pins their pictures.
 #ifndef TAMERISK_BENCH_BENCH_MATERIALS_H
 #define TAMERISK_BENCH_BENCH_MATERIALS_H
 
@@ -52,6 +54,21 @@ inline std::vector<BenchMaterial> BenchMaterials()
     lamp.emission = 0.7f;
     lamp.color.SetBytes(255, 0, 0);
     set.push_back({"emission_red", lamp});
+
+    FZAttributeEx rings;
+    rings.anisotropic = 1;
+    rings.anisotropy.type = 1;
+    rings.anisotropy.depthVariation = 0.5f;
+    set.push_back({"grooves_concentric1", rings});
+
+    FZAttributeEx polished;
+    polished.reflection = 0.8f;
+    set.push_back({"mirror", polished});
+
+    FZAttributeEx clear;
+    clear.transparency = 0.9f;
+    clear.refractiveIndex = 1.5f;
+    set.push_back({"glass", clear});
     return set;
 }
 

@@ -7,6 +7,9 @@
 #
 #   scripts/compare_whole_process.sh [RUNS]
 #
+# TAMERISK_MATERIALS="mirror glass" times only the materials named (the
+# batch still runs).
+#
 # The pinned commit is built once into $TMPDIR/tamerisk-cafaeb5 (kept for the
 # next run). The current tree's tamerisk-render is taken from build/bin, built
 # when missing. Needs hyperfine (Debian package "hyperfine"): installed when
@@ -50,10 +53,21 @@ declare -A materials=(
   [thin_glass]='{"transparency": 0.8, "refractiveIndex": 1.5, "thinGlass": 1, "thickness": 4}'
   [reflection_rainbow]='{"reflection": 0.6, "rainbow": 1}'
   [emission_red]='{"emission": 0.7, "color": [255, 0, 0]}'
+  [grooves_concentric1]='{"anisotropic": 1, "anisotropy": {"type": 1, "depthVariation": 0.5}}'
+  [mirror]='{"reflection": 0.8}'
+  [glass]='{"transparency": 0.9, "refractiveIndex": 1.5}'
 )
-names=(default smooth_anisotropic2 refraction thin_glass reflection_rainbow emission_red)
+# The batch keeps to the first six, so that its figures compare with earlier runs.
+batch_names=(default smooth_anisotropic2 refraction thin_glass reflection_rainbow emission_red)
+names=("${batch_names[@]}" grooves_concentric1 mirror glass)
 for name in "${names[@]}"; do
   echo "${materials[$name]}" >"$work/$name.json"
+done
+if [[ -n ${TAMERISK_MATERIALS:-} ]]; then
+  read -r -a names <<<"$TAMERISK_MATERIALS"
+fi
+for name in "${names[@]}"; do
+  [[ -n ${materials[$name]:-} ]] || { echo "unknown material: $name" >&2; exit 2; }
 done
 
 echo "== Whole process, --shape 1 --size 1024 --seed 1 (load: $(cut -d' ' -f1-3 /proc/loadavg))"
@@ -70,10 +84,10 @@ print(f"{sys.argv[1]}: {r['cafaeb5 --threads 1'] * 1000:.0f} ms -> {r['now'] * 1
 EOF
 done
 
-# 48 materials: the six above in eight colours each.
+# 48 materials: the first six above in eight colours each.
 mkdir -p "$work/batch" "$work/out"
 colours=("255, 0, 0" "0, 255, 0" "0, 0, 255" "255, 255, 0" "0, 255, 255" "255, 0, 255" "128, 128, 128" "255, 255, 255")
-for name in "${names[@]}"; do
+for name in "${batch_names[@]}"; do
   for i in "${!colours[@]}"; do
     python3 -c 'import json, sys; m = json.loads(sys.argv[1]); m["color"] = [int(c) for c in sys.argv[2].split(",")]; print(json.dumps(m))' \
       "${materials[$name]}" "${colours[$i]}" >"$work/batch/$name-$i.json"

@@ -1,5 +1,10 @@
 #include "engine/environment.h"
 
+#include <new>
+
+#include "engine/parallel.h"
+#include "engine/render_watch.h"
+
 
 void FZRampSegment::Setup(const float rgb[3], float segStart, float segEnd, float fadeInWidth,
                           float fadeOutWidth)
@@ -84,6 +89,46 @@ void BuildSkyRamp(FZEnvironment& env)
     ramp.tMin = -1.0f;
     ramp.tMax = 1.0f;
     env.rampBuilt = 1;
+    env.skyTable.clear();
+}
+
+void ReleaseSkyTable(FZEnvironment& env)
+{
+    std::vector<float>().swap(env.skyTable);
+}
+
+bool BuildSkyTable(FZEnvironment& env)
+{
+    if (env.mode != 1)
+        return false;
+    if (!env.rampBuilt)
+        BuildSkyRamp(env);
+    if (!env.skyTable.empty())
+        return true;
+    constexpr std::int32_t rows = FZEnvironment::kSkyRows;
+    try {
+        env.skyTable.resize(3 * static_cast<std::size_t>(2 * rows + 1));
+    } catch (const std::bad_alloc&) {
+        env.skyTable.clear();
+        return false;
+    }
+    // Blocks of entries go to the render threads as rows do.
+    constexpr std::int32_t block = 512;
+    const std::int32_t entries = 2 * rows + 1;
+    float* table = env.skyTable.data();
+    ParallelRows(0, (entries + block - 1) / block, [&env, table](std::int32_t b) {
+        for (std::int32_t i = b * block; i < (b + 1) * block && i < entries; ++i) {
+            FZPackedVector direction;
+            direction.y = static_cast<std::int16_t>(i - rows);
+            env.ramp.Evaluate(direction.Elevation(1), table + 3 * static_cast<std::size_t>(i));
+        }
+    });
+    // A render stopped on the way skips blocks: such a table is no table.
+    if (RenderStopRequested()) {
+        env.skyTable.clear();
+        return false;
+    }
+    return true;
 }
 
 void LookupEnvironment(FZEnvironment& env, const FZRay& ray, float colour[3])

@@ -53,6 +53,12 @@ public:
     float blend = 0.1f;               // q, width share of the horizon band
     std::int32_t rampBuilt = 0;
     FZColorRamp ramp;
+    // The ramp's colour for every packed y component from -kSkyRows to
+    // kSkyRows (see BuildSkyTable); empty until built and after
+    // ReleaseSkyTable.
+    std::vector<float> skyTable;
+
+    static constexpr std::int32_t kSkyRows = 30000;
 
     bool IsOn() const { return mode != 0; }
 };
@@ -63,5 +69,26 @@ void BuildSkyRamp(FZEnvironment& env);
 // The sky colour along the ray's direction times its weight. Builds the ramp
 // on first use. Mode 0 gives black.
 void LookupEnvironment(FZEnvironment& env, const FZRay& ray, float colour[3]);
+
+// The sky colour depends only on the y component of the direction, one of
+// 60001 packed values (beyond +-30000 the component holds at +-1): a layer
+// with many more reflecting pixels than that looks them up in a table,
+// built once for the gradient (and again only after BuildSkyRamp). Only
+// for the sky gradient (mode 1); false, and no table, otherwise or without
+// memory.
+bool BuildSkyTable(FZEnvironment& env);
+
+// Gives the table's memory back; the next BuildSkyTable builds it again.
+void ReleaseSkyTable(FZEnvironment& env);
+
+// LookupEnvironment from the table: the same colour, weighted the same way.
+inline void LookupSkyTable(const FZEnvironment& env, const FZRay& ray, float colour[3])
+{
+    std::int32_t y = ray.direction.y;
+    y = y < -FZEnvironment::kSkyRows ? -FZEnvironment::kSkyRows : (y > FZEnvironment::kSkyRows ? FZEnvironment::kSkyRows : y);
+    const float* rgb = env.skyTable.data() + 3 * static_cast<std::size_t>(y + FZEnvironment::kSkyRows);
+    for (int c = 0; c < 3; ++c)
+        colour[c] = static_cast<float>(static_cast<double>(rgb[c]) * ray.weight);
+}
 
 #endif

@@ -1,7 +1,10 @@
 #include "engine/refraction_rows.h"
 
+#include <cfloat>
 #include <cmath>
 
+#include "engine/fz_math.h"
+#include "engine/pixel.h"
 #include "engine/row_kernel.h"
 
 namespace {
@@ -151,7 +154,146 @@ TAMERISK_ROW_KERNEL void Walk(const FZRefraction& setup, std::int32_t n, double 
     }
 }
 
+// The box of one pixel about each landing point meets at most two columns
+// and two rows: four cells, taken row by row as SampleBehind takes them.
+constexpr int kCells = 4;
+
+struct BoxLanes {
+    // The landing points and whether the views land, in double lanes.
+    double sx[kFZRefractionPiece];
+    double sy[kFZRefractionPiece];
+    double lands[kFZRefractionPiece];
+    // 1 where SampleBehind decides.
+    double general[kFZRefractionPiece];
+    // 1 where the box is sampled here: the view lands at finite
+    // coordinates, there are pixels to read, and the box meets at most two
+    // columns and rows.
+    double sampled[kFZRefractionPiece];
+    // The byte offset of each cell's pixel, -1 where the cell lies outside
+    // the image, and the cell's weight (0 for a cell the box misses).
+    double offset[kCells][kFZRefractionPiece];
+    double weight[kCells][kFZRefractionPiece];
+    double value[kCells][3][kFZRefractionPiece];
+};
+
+// FZTruncate of a finite value, as a double.
+inline double Truncated(double v)
+{
+    v = v > 2147483647.0 ? 2147483647.0 : v;
+    v = v < -2147483648.0 ? -2147483648.0 : v;
+    return std::trunc(v);
+}
+
+// The box's extent within the cell from r, c (rounded to float in each
+// direction, multiplied in double) and where the cell's pixel lies; 0 and
+// -1 for a cell the box or the image misses.
+struct BoxEdges {
+    double left, right, bottom, top;
+    double lastColumn, lastRow, stride;
+};
+
+[[gnu::always_inline]] inline void Cell(const BoxEdges& e, double sampled, double r, double c, double& offset,
+                                        double& weight)
+{
+    const double hy = F(FZMin(r + 1.0, e.top) - FZMax(r, e.bottom));
+    const double hx = F(FZMin(c + 1.0, e.right) - FZMax(c, e.left));
+    const double inside = r <= e.lastRow ? (c <= e.lastColumn ? sampled : 0.0) : 0.0;
+    offset = inside > 0.5 ? r * e.stride + c * 3.0 : -1.0;
+    weight = inside > 0.5 ? (hy > 0.0 ? (hx > 0.0 ? hx * hy : 0.0) : 0.0) : 0.0;
+}
+
+// The cells of each lane's box and their weights. Flags are 1.0 or 0.0, so
+// that the loop keeps one lane width.
+TAMERISK_ROW_KERNEL void LocateCells(const FZBehindView& behind, std::int32_t n, BoxLanes& box)
+{
+    const double image = behind.data != nullptr ? 1.0 : 0.0;
+    const double stride = behind.stride;
+    const double lastColumn = behind.width - 1.0;
+    const double lastRow = behind.height - 1.0;
+    for (std::int32_t k = 0; k < n; ++k) {
+        const double sx0 = box.sx[k];
+        const double sy0 = box.sy[k];
+        const double finite = std::fabs(sx0) <= DBL_MAX ? (std::fabs(sy0) <= DBL_MAX ? 1.0 : 0.0) : 0.0;
+        const double sx = finite > 0.5 ? sx0 : 0.0;
+        const double sy = finite > 0.5 ? sy0 : 0.0;
+        BoxEdges e{F(sx - 0.5), F(sx + 0.5), F(sy - 0.5), F(sy + 0.5), 0.0, 0.0, stride};
+        const double c0 = FZMax(Truncated(e.left), 0.0);
+        const double r0 = FZMax(Truncated(e.bottom), 0.0);
+        e.lastColumn = FZMin(Truncated(e.right), lastColumn);
+        e.lastRow = FZMin(Truncated(e.top), lastRow);
+        // Without pixels to read (or with a wide box) SampleBehind decides.
+        const double lands = box.lands[k] != 0.0 ? finite : 0.0;
+        const double wide = e.lastColumn - c0 > 1.0 ? 1.0 : (e.lastRow - r0 > 1.0 ? 1.0 : 0.0);
+        const double sampled = lands * image * (1.0 - wide);
+        box.sampled[k] = sampled;
+        box.general[k] = lands - sampled;
+        Cell(e, sampled, r0, c0, box.offset[0][k], box.weight[0][k]);
+        Cell(e, sampled, r0, c0 + 1.0, box.offset[1][k], box.weight[1][k]);
+        Cell(e, sampled, r0 + 1.0, c0, box.offset[2][k], box.weight[2][k]);
+        Cell(e, sampled, r0 + 1.0, c0 + 1.0, box.offset[3][k], box.weight[3][k]);
+    }
+}
+
+// The cells' colours from the image (0 outside it).
+void ReadCells(const FZBehindView& behind, std::int32_t n, BoxLanes& box)
+{
+    for (int cell = 0; cell < kCells; ++cell) {
+        for (std::int32_t k = 0; k < n; ++k) {
+            const double offset = box.offset[cell][k];
+            if (offset < 0.0) {
+                for (int c = 0; c < 3; ++c)
+                    box.value[cell][c][k] = 0.0;
+                continue;
+            }
+            // Bytes go blue, green, red.
+            const std::uint8_t* p = behind.data + static_cast<std::ptrdiff_t>(offset);
+            for (int c = 0; c < 3; ++c)
+                box.value[cell][c][k] = FZByteToFloat(p[2 - c]);
+        }
+    }
+}
+
+// The weighted sums in float, cell by cell in SampleBehind's order, then
+// the part of the box outside the image in the background's colour.
+TAMERISK_ROW_KERNEL void SumCells(const FZBehindView& behind, std::int32_t n, const BoxLanes& box,
+                                  FZSeenColours& out)
+{
+    for (int c = 0; c < 3; ++c) {
+        const double background = behind.background[c];
+        const double* v0 = box.value[0][c];
+        const double* v1 = box.value[1][c];
+        const double* v2 = box.value[2][c];
+        const double* v3 = box.value[3][c];
+        const double* w0 = box.weight[0];
+        const double* w1 = box.weight[1];
+        const double* w2 = box.weight[2];
+        const double* w3 = box.weight[3];
+        for (std::int32_t k = 0; k < n; ++k) {
+            // A cell of weight 0 adds exactly nothing: the sums are never -0.
+            const double sum = F(F(F(F(0.0 + v0[k] * w0[k]) + v1[k] * w1[k]) + v2[k] * w2[k]) + v3[k] * w3[k]);
+            const double total = F(F(F(F(0.0 + w0[k]) + w1[k]) + w2[k]) + w3[k]);
+            const double mixed = F(sum / total * total + (1.0 - total) * background);
+            out.rgb[c][k] = box.sampled[k] > 0.5 && total > 0.0 ? mixed : background;
+        }
+    }
+}
+
 } // namespace
+
+void SeenThroughPiece(const FZBehindView& behind, const FZLandingPoints& points, std::int32_t n, FZSeenColours& out)
+{
+    BoxLanes box;
+    for (std::int32_t k = 0; k < n; ++k) {
+        box.sx[k] = points.sx[k];
+        box.sy[k] = points.sy[k];
+        box.lands[k] = points.lands[k];
+    }
+    LocateCells(behind, n, box);
+    for (std::int32_t k = 0; k < n; ++k)
+        out.general[k] = box.general[k] > 0.5 ? 1 : 0;
+    ReadCells(behind, n, box);
+    SumCells(behind, n, box, out);
+}
 
 void RefractRowPiece(const FZRefraction& setup, const FZRefractionPiece& piece, const FZPackedVector* normals,
                      const float* depths, FZLandingPoints& out)

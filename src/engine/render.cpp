@@ -8,6 +8,11 @@
 #include <new>
 #include <vector>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
+#include "engine/compose_rows.h"
 #include "engine/emission_lattice.h"
 #include "engine/fz_math.h"
 #include "engine/parallel.h"
@@ -111,11 +116,16 @@ void CopyRect(const FZImage& from, FZImage& to, const FZRect& rect)
 
 // What is worked out once for a layer: a fully covered pixel
 // that neither reflects nor refracts shows its shaded bytes through a table,
-// and the attenuation factor of the transparency.
+// and the attenuation factor of the transparency. Where the shaded image
+// covers the layer and the transmission is the same at every pixel (no
+// incidence dependence, no attenuation), a pixel's shade is its shaded
+// bytes and its transmission that constant, as LookupShade would find.
 struct ComposeShortcuts {
     bool opaqueTable = false;
     const std::uint8_t* table = nullptr;
     float attenuation = 0.0f;
+    bool plainShade = false;
+    float transmission = 0.0f;
 };
 
 // Everything that stays the same for all pixels of one layer.
@@ -143,27 +153,40 @@ bool SameVector(const FZPackedVector& a, const FZPackedVector& b)
     return a.x == b.x && a.y == b.y && a.z == b.z;
 }
 
-// Where a pixel's refracted view meets the plane z = 0, if it does.
-struct Landing {
-    bool lands = false;
-    float sx = 0.0f;
-    float sy = 0.0f;
-};
-
-// The colour seen through the layer at one pixel: what lies behind where
-// the refracted ray lands; the background where refraction fails.
-void RefractedColour(const LayerPass& pass, const Landing& landing, float out[3])
+// The colour seen through the layer at pixel k of a refracting piece: what
+// lies behind where the refracted ray lands, the background where
+// refraction fails.
+void SeenThrough(const LayerPass& pass, const FZLandingPoints& points, const FZSeenColours& seen, std::int32_t k,
+                 float out[3])
 {
-    if (landing.lands)
-        SampleBehind(pass.scene, landing.sx, landing.sy, out);
-    else
-        CopyBackground(pass.scene, out);
+    if (seen.general[k] != 0) {
+        SampleBehind(pass.scene, points.sx[k], points.sy[k], out);
+        return;
+    }
+    for (int c = 0; c < 3; ++c)
+        out[c] = static_cast<float>(seen.rgb[c][k]);
 }
 
-// The sky reflected at pixel (x, y) along its normal n, weighted by how
-// squarely n faces the viewer.
-void ReflectedSky(const LayerPass& pass, std::int32_t x, std::int32_t y, float d, const FZPackedVector& n,
-                  NormalMemo& memo, float sky[3])
+// The image behind as the refraction's samples read it; no pixels (every
+// sample then goes through SampleBehind) unless it is the usual 24-bit one.
+FZBehindView BehindView(const FZScene& scene)
+{
+    FZBehindView view;
+    const FZImage* image = scene.behind.get();
+    CopyBackground(scene, view.background);
+    if (image == nullptr || image->data.empty() || image->bytesPerPixel != 3)
+        return view;
+    view.data = image->data.data();
+    view.width = image->width;
+    view.height = image->height;
+    view.stride = image->stride;
+    return view;
+}
+
+// The sky reflected along normal n, weighted by how squarely n faces the
+// viewer. The sky is infinitely far away: where the ray starts does not
+// matter, only its direction.
+void ReflectedSky(const LayerPass& pass, const FZPackedVector& n, NormalMemo& memo, float sky[3])
 {
     if (memo.hasSky && SameVector(memo.skyNormal, n)) {
         for (int c = 0; c < 3; ++c)
@@ -172,12 +195,12 @@ void ReflectedSky(const LayerPass& pass, std::int32_t x, std::int32_t y, float d
     }
     const double facing = -FZPackedVector::Dot(ViewDirection(), n);
     FZRay ray;
-    ray.origin[0] = static_cast<float>(x + 0.5);
-    ray.origin[1] = static_cast<float>(y + 0.5);
-    ray.origin[2] = static_cast<float>(static_cast<double>(d) + pass.bias);
     ray.direction = n;
     ray.weight = static_cast<float>(pass.material.reflection * FZMax(0.0, facing));
-    LookupEnvironment(pass.scene.environment, ray, sky);
+    if (pass.scene.environment.skyTable.empty())
+        LookupEnvironment(pass.scene.environment, ray, sky);
+    else
+        LookupSkyTable(pass.scene.environment, ray, sky);
     memo.skyNormal = n;
     memo.hasSky = true;
     for (int c = 0; c < 3; ++c)
@@ -196,50 +219,104 @@ std::uint8_t CompositeByte(float shade, float a, float through, float under)
     return FZFloatToByte(out);
 }
 
-// Composites one covered layer pixel (lx, ly) over frame pixel (x, y);
-// landing is where its refracted view lands when the layer refracts.
-void ComposePixel(const LayerPass& pass, const FZImage& behind, FZImage& frame, std::int32_t x,
-                  std::int32_t y, std::int32_t lx, std::int32_t ly, NormalMemo& memo, const Landing& landing)
+// The covered pixels of a piece of a row that go through the pixel steps,
+// gathered for the compositing kernel: their frame columns and lanes.
+struct ComposePiece {
+    std::int32_t count = 0;
+    std::int32_t x[kFZComposePiece];
+    FZComposeLanes lanes;
+};
+
+// What a layer that does not refract shows through itself.
+constexpr float kNothingSeen[3] = {0.0f, 0.0f, 0.0f};
+
+// One layer row as the pixel steps read it, with the frame row behind it.
+struct RowView {
+    std::int32_t ly;
+    const std::uint8_t* coverage;
+    const FZPackedVector* normals;  // null: an unprepared layer, facing the viewer
+    const FZShadedPixel* shaded;    // null: the shade comes from LookupShade
+    const std::uint8_t* behind;     // pixel 0 of the frame row
+};
+
+RowView ViewRow(const LayerPass& pass, const FZImage& behind, std::int32_t y, std::int32_t ly)
 {
-    const float a = FZByteToFloat(pass.layer.coverage[ly][lx]);
+    const FZLayer& layer = pass.layer;
+    return RowView{ly, layer.coverage[ly], layer.normals.empty() ? nullptr : layer.normals[ly],
+                   pass.shortcuts.plainShade ? layer.shaded[ly] : nullptr,
+                   behind.PixelAddress(0, y)};
+}
+
+// Gathers covered layer pixel lx of the row, over frame column x, into the
+// piece's next lane: its shade with the sky it reflects, its coverage and
+// transmission, what shows through it (seen, when the layer refracts) and
+// the frame behind it.
+[[gnu::always_inline]] inline void GatherPixel(const LayerPass& pass, const RowView& row, std::int32_t x,
+                                               std::int32_t lx, NormalMemo& memo, const float seen[3],
+                                               ComposePiece& piece)
+{
+    const float a = FZByteToFloat(row.coverage[lx]);
     if (!(a > 0.0f))
         return;
-    const float d = pass.layer.depth[ly][lx];
-    FZPackedVector n;  // an unprepared layer is taken as facing the viewer
-    n.z = 30000;
-    if (!pass.layer.normals.empty())
-        n = pass.layer.normals[ly][lx];
 
     float shade[3];
     float t = 0.0f;
-    LookupShade(pass.layer, lx, ly, shade, t, pass.shortcuts.attenuation);
+    if (row.shaded != nullptr) {
+        const std::uint8_t* p = row.shaded[lx].bgr;
+        for (int c = 0; c < 3; ++c)
+            shade[c] = FZByteToFloat(p[2 - c]);
+        t = pass.shortcuts.transmission;
+    } else {
+        LookupShade(pass.layer, lx, row.ly, shade, t, pass.shortcuts.attenuation);
+    }
 
     if (pass.reflects) {
+        FZPackedVector n;
+        n.z = 30000;
+        if (row.normals != nullptr)
+            n = row.normals[lx];
         float sky[3] = {0.0f, 0.0f, 0.0f};
-        ReflectedSky(pass, x, y, d, n, memo, sky);
+        ReflectedSky(pass, n, memo, sky);
         for (int c = 0; c < 3; ++c)
             shade[c] = static_cast<float>(static_cast<double>(shade[c]) + sky[c]);
     }
 
     float through[3] = {0.0f, 0.0f, 0.0f};
-    if (pass.refracts) {
-        RefractedColour(pass, landing, through);
-        for (int c = 0; c < 3; ++c)
-            through[c] = static_cast<float>(static_cast<double>(through[c]) * a * t);
-    }
+    if (pass.refracts)
+        std::copy(seen, seen + 3, through);
 
-    float under[3] = {0.0f, 0.0f, 0.0f};
-    const float uncovered = static_cast<float>(1.0 - a);
-    if (uncovered != 0.0f) {
-        FZReadPixel(behind, x, y, under);
-        for (int c = 0; c < 3; ++c)
-            under[c] = static_cast<float>(static_cast<double>(under[c]) * uncovered);
-    }
-
-    // Bytes go blue, green, red.
-    std::uint8_t* p = frame.PixelAddress(x, y);
+    float under[3];
+    const std::uint8_t* b = row.behind + std::ptrdiff_t{3} * x;
     for (int c = 0; c < 3; ++c)
-        p[2 - c] = CompositeByte(shade[c], a, through[c], under[c]);
+        under[c] = FZByteToFloat(b[2 - c]);
+
+    const std::int32_t k = piece.count++;
+    FZComposeLanes& lanes = piece.lanes;
+    piece.x[k] = x;
+    lanes.coverage[k] = a;
+    lanes.transmission[k] = pass.refracts ? t : 0.0f;
+    for (int c = 0; c < 3; ++c) {
+        lanes.shade[c][k] = shade[c];
+        lanes.through[c][k] = through[c];
+        lanes.under[c][k] = under[c];
+    }
+}
+
+// Composites the gathered pixels into frame row y and empties the piece.
+void ComposeGathered(ComposePiece& piece, FZImage& frame, std::int32_t y)
+{
+    if (piece.count == 0)
+        return;
+    FZComposeBytes bytes;
+    CompositePiece(piece.lanes, piece.count, bytes);
+    std::uint8_t* row = frame.PixelAddress(0, y);
+    for (std::int32_t k = 0; k < piece.count; ++k) {
+        // Bytes go blue, green, red.
+        std::uint8_t* p = row + std::ptrdiff_t{3} * piece.x[k];
+        for (int c = 0; c < 3; ++c)
+            p[2 - c] = static_cast<std::uint8_t>(bytes.rgb[c][k]);
+    }
+    piece.count = 0;
 }
 
 // Composites one frame row of the layer, columns x0 to x1. Rows are
@@ -262,21 +339,31 @@ void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, st
     const std::uint8_t* coverage = pass.layer.coverage[ly];
     const FZShadedPixel* shaded = shortcuts.opaqueTable ? pass.layer.shaded[ly] : nullptr;
     std::uint8_t* out = frame.PixelAddress(0, y);
+    ComposePiece piece;
+    const RowView row = ViewRow(pass, behind, y, ly);
     for (std::int32_t x = first; x <= last; ++x) {
         const std::int32_t lx = x - pass.layer.x;
         const std::uint8_t c = coverage[lx];
         if (c == 0)
             continue;
         if (c == 255 && shaded != nullptr) {
+            // The whole run of fully covered pixels, byte by byte.
+            std::int32_t end = x + 1;
+            while (end <= last && coverage[end - pass.layer.x] == 255)
+                ++end;
             const std::uint8_t* from = shaded[lx].bgr;
             std::uint8_t* to = out + std::ptrdiff_t{3} * x;
-            to[0] = shortcuts.table[from[0]];
-            to[1] = shortcuts.table[from[1]];
-            to[2] = shortcuts.table[from[2]];
+            const std::ptrdiff_t bytes = std::ptrdiff_t{3} * (end - x);
+            for (std::ptrdiff_t i = 0; i < bytes; ++i)
+                to[i] = shortcuts.table[from[i]];
+            x = end - 1;
             continue;
         }
-        ComposePixel(pass, behind, frame, x, y, lx, ly, memo, Landing());
+        GatherPixel(pass, row, x, lx, memo, kNothingSeen, piece);
+        if (piece.count == kFZComposePiece)
+            ComposeGathered(piece, frame, y);
     }
+    ComposeGathered(piece, frame, y);
 }
 
 // ComposeRow for a layer that refracts: the landing points of a piece of
@@ -289,21 +376,32 @@ void ComposeRefractingRow(const LayerPass& pass, const FZImage& behind, FZImage&
     const FZSpan held = layer.StoredRow(ly);
     const std::int32_t first = ClampToInt32(FZMax<std::int64_t>(std::int64_t{x0} - layer.x, held.first));
     const std::int32_t last = ClampToInt32(FZMin<std::int64_t>(std::int64_t{x1} - layer.x, held.last));
+    if (first > last)
+        return;
     const std::uint8_t* coverage = layer.coverage[ly];
     const FZPackedVector* normals = layer.normals.empty() ? nullptr : layer.normals[ly];
     NormalMemo memo;
     FZLandingPoints points;
+    FZSeenColours seen;
+    const FZBehindView view = BehindView(pass.scene);
+    ComposePiece piece;
+    const RowView row = ViewRow(pass, behind, y, ly);
+    static_assert(kFZRefractionPiece == kFZComposePiece, "a refraction piece fills one compositing piece");
     for (std::int32_t start = first; start <= last; start += kFZRefractionPiece) {
-        const FZRefractionPiece piece{start, FZMin(kFZRefractionPiece, last - start + 1), ly};
-        if (std::all_of(coverage + start, coverage + start + piece.n, [](std::uint8_t c) { return c == 0; }))
+        const FZRefractionPiece part{start, FZMin(kFZRefractionPiece, last - start + 1), ly};
+        if (std::all_of(coverage + start, coverage + start + part.n, [](std::uint8_t c) { return c == 0; }))
             continue;
-        RefractRowPiece(pass.refraction, piece, normals, layer.depth[ly], points);
-        for (std::int32_t k = 0; k < piece.n; ++k) {
+        RefractRowPiece(pass.refraction, part, normals, layer.depth[ly], points);
+        SeenThroughPiece(view, points, part.n, seen);
+        for (std::int32_t k = 0; k < part.n; ++k) {
             const std::int32_t lx = start + k;
-            if (coverage[lx] != 0)
-                ComposePixel(pass, behind, frame, lx + layer.x, y, lx, ly, memo,
-                             Landing{points.lands[k] != 0, points.sx[k], points.sy[k]});
+            if (coverage[lx] == 0)
+                continue;
+            float through[3];
+            SeenThrough(pass, points, seen, k, through);
+            GatherPixel(pass, row, lx + layer.x, lx, memo, through, piece);
         }
+        ComposeGathered(piece, frame, y);
     }
 }
 
@@ -314,8 +412,9 @@ void ComposeRefractingRow(const LayerPass& pass, const FZImage& behind, FZImage&
 void SetUpShortcuts(const LayerPass& pass, ComposeShortcuts& shortcuts)
 {
     const FZLayer& layer = pass.layer;
-    shortcuts.opaqueTable = !pass.reflects && !pass.refracts && !layer.shaded.empty()
-                            && layer.shaded.Layout() == layer.coverage.Layout();
+    // The shaded image holds every pixel the rows hold.
+    const bool covers = !layer.shaded.empty() && layer.shaded.Layout() == layer.coverage.Layout();
+    shortcuts.opaqueTable = !pass.reflects && !pass.refracts && covers;
     struct Table {
         std::uint8_t opaque[256];
     };
@@ -327,6 +426,16 @@ void SetUpShortcuts(const LayerPass& pass, ComposeShortcuts& shortcuts)
     }();
     shortcuts.table = table.opaque;
     shortcuts.attenuation = AttenuationFactor(layer);
+    const FZAttributeEx& m = layer.material;
+    if (!(m.transparency > 0.0f)) {
+        shortcuts.plainShade = covers;
+        shortcuts.transmission = 0.0f;
+    } else if (!(m.incidenceDependence > 0.0f) && !(m.attenuation > 0.0f)) {
+        shortcuts.plainShade = covers;
+        // The transmission held within [0, 1], as for every pixel.
+        const float t = m.transparency;
+        shortcuts.transmission = t > 1.0f ? 1.0f : t;
+    }
 }
 
 // Whether the layer covers any pixel of frame rows y0 to y1 inside rect.
@@ -342,14 +451,27 @@ bool CoversAny(const FZLayer& layer, std::int32_t y0, std::int32_t y1, const FZR
     return false;
 }
 
+// A layer that may reflect in more pixels than this looks the sky up in
+// its table: twice the entries, so that building it costs at most half of
+// what it saves.
+constexpr std::int64_t kSkyTablePixels = 2 * (2 * std::int64_t{FZEnvironment::kSkyRows} + 1);
+
 // The sky builds its ramp at its first lookup. The rows of a reflecting
 // layer look it up from several threads at once, so when the layer will
-// look it up, the first lookup happens here.
+// look it up, the first lookup happens here, and a large layer has the
+// table built here.
 void PrepareSky(const LayerPass& pass, std::int32_t y0, std::int32_t y1, const FZRect& rect)
 {
     FZEnvironment& env = pass.scene.environment;
-    if (env.mode == 1 && !env.rampBuilt && CoversAny(pass.layer, y0, y1, rect))
+    if (env.mode != 1 || (env.rampBuilt && !env.skyTable.empty()) || !CoversAny(pass.layer, y0, y1, rect))
+        return;
+    if (!env.rampBuilt)
         BuildSkyRamp(env);
+    const FZLayer& layer = pass.layer;
+    const std::int64_t area = (std::int64_t{layer.boundsX1} - layer.boundsX0 + 1) * (std::int64_t{layer.boundsY1} - layer.boundsY0 + 1);
+    // Without the table every pixel evaluates the ramp, which is as exact.
+    if (area >= kSkyTablePixels)
+        static_cast<void>(BuildSkyTable(env));
 }
 
 // A flat layer that neither reflects nor refracts shows the bytes of its
@@ -663,6 +785,18 @@ FZResult AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& rende
     return FZResult::Ok;
 }
 
+// A frame's work buffers below a megabyte (the sky table, the emission's
+// light) come from the heap. Once one larger block has been freed, the C
+// library keeps such buffers in its heap instead of mapping them, and
+// keeps their pages after they are freed: every later frame would carry
+// them. They are given back to the system when the frame is done.
+void GiveBackWorkMemory()
+{
+#if defined(__GLIBC__)
+    static_cast<void>(malloc_trim(0));
+#endif
+}
+
 // Fills the rect with the background and composites the layers over it.
 FZResult ComposeAllLayers(FZScene& scene, const FZRect& area, FZImage& frame)
 {
@@ -717,6 +851,10 @@ FZResult ComposeLayers(FZScene& scene, const FZRect& rect, FZImage& frame)
             return made;
     const FZResult result = ComposeAllLayers(scene, area, frame);
     scene.behind.reset();
+    // The sky table too lives only while a frame is made: kept, it would
+    // be a lasting share of a scene's memory.
+    ReleaseSkyTable(scene.environment);
+    GiveBackWorkMemory();
     return result;
 }
 
@@ -737,6 +875,17 @@ void SampleBehind(const FZScene& scene, double sx, double sy, float out[3])
     const std::int32_t r0 = FZMax(FZTruncate(bottom), 0);
     const std::int32_t r1 = FZMin(FZTruncate(top), image->height - 1);
 
+    // A column's width is the same in every row. The box is one pixel wide,
+    // so within the image it meets at most three columns (two unless its
+    // edges round outwards): their widths are worked out once.
+    const auto width = [left, right](std::int32_t c) {
+        return static_cast<float>(FZMin(c + 1.0, static_cast<double>(right))
+                                  - FZMax(static_cast<double>(c), static_cast<double>(left)));
+    };
+    constexpr std::int32_t kKnownColumns = 3;
+    float hx[kKnownColumns];
+    for (std::int32_t i = 0; i < kKnownColumns && c0 + i <= c1; ++i)
+        hx[i] = width(c0 + i);
     float sum[3] = {0.0f, 0.0f, 0.0f};
     float total = 0.0f;
     for (std::int32_t r = r0; r <= r1; ++r) {
@@ -744,16 +893,16 @@ void SampleBehind(const FZScene& scene, double sx, double sy, float out[3])
                                             - FZMax(static_cast<double>(r), static_cast<double>(bottom)));
         if (!(hy > 0.0f))
             continue;
-        for (std::int32_t c = c0; c <= c1; ++c) {
-            const float hx = static_cast<float>(FZMin(c + 1.0, static_cast<double>(right))
-                                                - FZMax(static_cast<double>(c), static_cast<double>(left)));
-            if (!(hx > 0.0f))
+        const std::uint8_t* row = image->PixelAddress(c0, r);
+        for (std::int32_t i = 0; i <= c1 - c0; ++i) {
+            const float w = i < kKnownColumns ? hx[i] : width(c0 + i);
+            if (!(w > 0.0f))
                 continue;
-            const double weight = static_cast<double>(hx) * hy;
-            float rgb[3];
-            FZReadPixel(*image, c, r, rgb);
+            const double weight = static_cast<double>(w) * hy;
+            const std::uint8_t* p = row + std::ptrdiff_t{i} * image->bytesPerPixel;
+            // Bytes go blue, green, red.
             for (int ch = 0; ch < 3; ++ch)
-                sum[ch] = static_cast<float>(sum[ch] + rgb[ch] * weight);
+                sum[ch] = static_cast<float>(sum[ch] + FZByteToFloat(p[2 - ch]) * weight);
             total = static_cast<float>(total + weight);
         }
     }

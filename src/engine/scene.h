@@ -75,6 +75,8 @@ struct FZFlatFill {
 struct FZShadedPixel {
     std::uint8_t bgr[3];
 };
+// Rows of shaded pixels are read and written as plain runs of bytes.
+static_assert(sizeof(FZShadedPixel) == 3);
 
 // A raster object of the scene: per-pixel coverage, depth, normal and own
 // colour, one material, and the images the shading makes from them.

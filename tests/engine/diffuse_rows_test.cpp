@@ -81,3 +81,28 @@ TEST(DiffuseRows, GiveTheBytesOfThePixelRule)
         }
     }
 }
+
+// The highlight's cosines: FZPackedVector::Dot rounded to float, for half
+// vectors and normals whose integer sum wraps as well as unit ones.
+TEST(DiffuseRows, HighlightCosinesAreTheDotProducts)
+{
+    std::mt19937 random(4);
+    std::uniform_int_distribution<int> component(-32768, 32767);
+    std::uniform_real_distribution<float> unit(-1.0f, 1.0f);
+    FZPackedVector normals[kFZDiffusePiece];
+    for (const FZPackedVector& half : {Packed(0, 0, 30000), Packed(32767, 32767, 32767), Packed(-32768, -32768, -32768),
+                                       Packed(12000, -9000, 26000)}) {
+        for (int k = 0; k < kFZDiffusePiece; ++k) {
+            normals[k] = Packed(component(random), component(random), component(random));
+            if (k % 2 == 0)
+                normals[k].SetFloats(unit(random), unit(random), unit(random), true);
+        }
+        normals[0] = Packed(-32768, -32768, -32768);
+        for (const int n : {kFZDiffusePiece, 7}) {
+            double cosines[kFZDiffusePiece];
+            HighlightCosinesOfPiece(half, normals, n, cosines);
+            for (int k = 0; k < n; ++k)
+                ASSERT_EQ(cosines[k], static_cast<float>(FZPackedVector::Dot(half, normals[k]))) << "lane " << k;
+        }
+    }
+}

@@ -52,3 +52,39 @@ TEST(Environment, ModeZeroAndWeightZeroGiveBlack)
     unknown.mode = 7;
     ExpectRgb(Lookup(unknown, RayAlong(0, 1, 0)), 0.0, 0.0, 0.0, 0.0);
 }
+
+// The table must give the lookup's bytes for every direction: every packed
+// y component (those beyond +-30000 too), weights that round differently,
+// and a sky whose horizon moved after the table was built.
+TEST(Environment, SkyTableGivesTheLookupsColours)
+{
+    FZEnvironment env;
+    ASSERT_TRUE(BuildSkyTable(env));
+    FZEnvironment moved;
+    moved.horizon = 0.3f;
+    moved.blend = 0.25f;
+    ASSERT_TRUE(BuildSkyTable(moved));
+    BuildSkyRamp(moved);  // a new ramp drops the old table
+    EXPECT_TRUE(moved.skyTable.empty());
+    ASSERT_TRUE(BuildSkyTable(moved));
+    for (FZEnvironment* sky : {&env, &moved}) {
+        for (std::int32_t y = -32768; y <= 32767; ++y) {
+            for (float weight : {1.0f, 0.8f, 0.3333f}) {
+                FZRay ray;
+                ray.direction.x = 1234;
+                ray.direction.y = static_cast<std::int16_t>(y);
+                ray.direction.z = 20000;
+                ray.weight = weight;
+                Rgb table;
+                LookupSkyTable(*sky, ray, table.c);
+                const Rgb direct = Lookup(*sky, ray);
+                for (int c = 0; c < 3; ++c)
+                    ASSERT_EQ(table.c[c], direct.c[c]) << "y " << y << " weight " << weight;
+            }
+        }
+    }
+    FZEnvironment off;
+    off.mode = 0;
+    EXPECT_FALSE(BuildSkyTable(off));
+    EXPECT_TRUE(off.skyTable.empty());
+}

@@ -7,10 +7,12 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <random>
 
 #include "engine/refraction_rows.h"
+#include "engine/render.h"
 
 namespace {
 
@@ -68,6 +70,59 @@ TEST(RefractionRows, LandWhereRefractsDirectionLeads)
             normals[4] = Packed(32767, 32767, 32767);
             normals[5] = Packed(21213, 0, 21213);
             ExpectLandsAsRefractLeads(normals, eta);
+        }
+    }
+}
+
+// What the view sees where it lands must be SampleBehind's colour for every
+// landing point: inside, on pixel corners and edges, half outside, far
+// outside, not a number, and where the view never lands; on an image of
+// odd size whose rows are padded.
+TEST(RefractionRows, SeeWhatSampleBehindSees)
+{
+    FZScene scene;
+    scene.background[0] = 0.25f;
+    scene.background[1] = 0.5f;
+    scene.background[2] = 1.0f;
+    scene.behind = std::make_unique<FZImage>();
+    ASSERT_EQ(scene.behind->Create(13, 7, 3), FZResult::Ok);
+    std::mt19937 random(9);
+    std::uint8_t* bytes = scene.behind->data.data();
+    for (std::size_t i = 0; i < scene.behind->data.size(); ++i)
+        bytes[i] = static_cast<std::uint8_t>(random());
+    FZBehindView view;
+    view.data = scene.behind->data.data();
+    view.width = 13;
+    view.height = 7;
+    view.stride = scene.behind->stride;
+    std::copy(scene.background, scene.background + 3, view.background);
+
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float inf = std::numeric_limits<float>::infinity();
+    const float special[] = {0.0f, 0.5f, 1.0f, 6.5f, 12.5f, 13.0f, 13.4f, -0.3f, -0.5f, -1.0f, 3.0000002f,
+                             2.9999998f, 1e7f, -1e7f, 3e38f, nan, inf, -inf};
+    std::uniform_real_distribution<float> anywhere(-3.0f, 16.0f);
+    FZLandingPoints points;
+    for (int round = 0; round < 40; ++round) {
+        for (int k = 0; k < kFZRefractionPiece; ++k) {
+            const int i = round * kFZRefractionPiece + k;
+            points.sx[k] = i % 3 == 0 ? special[i % std::size(special)] : anywhere(random);
+            points.sy[k] = i % 5 == 0 ? special[(i / 5) % std::size(special)] : anywhere(random) * 0.6f;
+            points.lands[k] = i % 11 == 0 ? 0.0f : 1.0f;
+        }
+        FZSeenColours seen;
+        SeenThroughPiece(view, points, kFZRefractionPiece, seen);
+        for (int k = 0; k < kFZRefractionPiece; ++k) {
+            float expected[3];
+            std::copy(scene.background, scene.background + 3, expected);
+            if (points.lands[k] != 0.0f)
+                SampleBehind(scene, points.sx[k], points.sy[k], expected);
+            for (int c = 0; c < 3; ++c) {
+                const float got = seen.general[k] != 0 ? expected[c] : static_cast<float>(seen.rgb[c][k]);
+                ASSERT_TRUE(SameFloat(got, expected[c]))
+                    << "at " << points.sx[k] << ", " << points.sy[k] << " channel " << c << ": " << got << " for "
+                    << expected[c];
+            }
         }
     }
 }

@@ -189,3 +189,26 @@ TEST(RenderDriver, AFlatGroundLooksAsItsRowsWould)
             EXPECT_EQ(GroundFrame(m.material, checker, false), GroundFrame(m.material, checker, true))
                 << m.name << (checker ? " checker" : " one colour");
 }
+
+// A large reflecting layer looks its sky up in a table while the frame is
+// made; the scene must not keep it, nor the image behind a refracting one.
+TEST(RenderDriver, AFrameKeepsNoWorkMemory)
+{
+    FZScene scene;
+    SetUpPlainScene(scene, 400, 400);
+    ASSERT_EQ(scene.AddFullFrameLayer(), FZResult::Ok);
+    FZLayer& layer = *scene.LayerAt(1);
+    layer.FillDepth(0.0f);
+    layer.material.reflection = 0.8f;
+    layer.material.transparency = 0.5f;
+    ASSERT_EQ(PrepareLayer(scene, 1), FZResult::Ok);
+    ASSERT_EQ(ShadeLayerAt(scene, 1), FZResult::Ok);
+    ASSERT_EQ(RenderScene(scene), FZResult::Ok);
+    const std::vector<std::uint8_t> first = Bytes(*scene.frame);
+    EXPECT_TRUE(scene.environment.skyTable.empty());
+    EXPECT_EQ(scene.environment.skyTable.capacity(), 0u);
+    EXPECT_EQ(scene.behind, nullptr);
+    // The next frame builds the table again and shows the same.
+    ASSERT_EQ(RenderScene(scene), FZResult::Ok);
+    EXPECT_EQ(Bytes(*scene.frame), first);
+}

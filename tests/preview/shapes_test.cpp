@@ -9,7 +9,10 @@
 #include <cstring>
 #include <limits>
 #include <utility>
+#include <vector>
 
+#include "engine/random.h"
+#include "engine/render.h"
 #include "engine/shading/surface.h"
 #include "preview/shapes.h"
 
@@ -302,4 +305,79 @@ TEST(SampleShapeRows, ParametersThatAreNotNumbersHoldNothing)
     // A shape wholly beside the frame holds no pixel.
     const auto beside = SampleShapeRows(-100.0f, 5.0f, 3.0f, 10, 10);
     EXPECT_TRUE(beside == nullptr || beside->Bounds().IsEmpty());
+}
+
+namespace {
+
+// The frame of a w x h preview scene showing shape n in the material, its
+// sample with rows only where the shape can reach, or over the whole frame.
+std::vector<std::uint8_t> SampleFrame(std::int32_t w, std::int32_t h, int n, const FZAttributeEx& material,
+                                      bool held)
+{
+    const float white[3] = {1.0f, 1.0f, 1.0f};
+    FZScene scene;
+    EXPECT_EQ(scene.SetUpFrame(w, h, white), FZResult::Ok);
+    EXPECT_EQ(PrepareLayer(scene, 0), FZResult::Ok);
+    EXPECT_EQ(ShadeLayerAt(scene, 0), FZResult::Ok);
+    const float r = static_cast<float>(h / 2.3);
+    const float cx = static_cast<float>(w * 0.5);
+    const float cy = static_cast<float>(h * 0.5);
+    auto rows = held ? SampleShapeRows(cx, cy, r, w, h) : FZRowLayout::Rectangle(0, 0, w, h);
+    EXPECT_EQ(scene.AddLayerRect(0, 0, w, h, std::move(rows)), FZResult::Ok);
+    FZLayer& sample = *scene.LayerAt(1);
+    sample.colors.Clear();
+    sample.SetColorSource(0);
+    sample.SetMaterial(material);
+    DrawSampleShape(sample, n, cx, cy, r);
+    EXPECT_EQ(PrepareLayer(scene, 1), FZResult::Ok);
+    EXPECT_EQ(ShadeLayerAt(scene, 1), FZResult::Ok);
+    EXPECT_EQ(RenderScene(scene), FZResult::Ok);
+    if (scene.frame == nullptr)
+        return {};
+    return {scene.frame->data.data(), scene.frame->data.data() + scene.frame->data.size()};
+}
+
+} // namespace
+
+// The row kernels of shading and compositing work a piece of a row at a
+// time; over rows that hold only part of the frame, their pieces start
+// elsewhere and end at the row's last pixel. The frame must not change.
+TEST(SampleShapeRows, RenderAsRowsOverTheWholeFrame)
+{
+    FZAttributeEx rings;
+    rings.anisotropic = 1;
+    rings.anisotropy.type = 1;
+    rings.anisotropy.depthVariation = 0.5f;
+    rings.highlightStrength = 1.0f;
+    rings.highlightSharpness = 0.1f;
+    FZAttributeEx brushed = rings;
+    brushed.anisotropy.type = 2;
+    brushed.smoothHighlight = 1;
+    brushed.smoothWidth = 2.0f;
+    FZAttributeEx shiny;
+    shiny.highlightStrength = 1.0f;
+    shiny.highlightSharpness = 0.2f;
+    FZAttributeEx mirror;
+    mirror.reflection = 0.8f;
+    FZAttributeEx rainbow = shiny;
+    rainbow.reflection = 0.6f;
+    rainbow.rainbow = 1;
+    FZAttributeEx glass;
+    glass.transparency = 0.9f;
+    glass.refractiveIndex = 1.5f;
+    FZAttributeEx murky = glass;
+    murky.incidenceDependence = 0.5f;
+    murky.attenuation = 0.5f;
+    const struct {
+        const char* name;
+        FZAttributeEx material;
+    } materials[] = {{"rings", rings},     {"brushed", brushed}, {"shiny", shiny}, {"mirror", mirror},
+                     {"rainbow", rainbow}, {"glass", glass},     {"murky", murky}};
+    FZRandom::SetFixedSeed(7);
+    for (const auto& m : materials)
+        for (const auto& [w, h] : {std::pair{97, 61}, std::pair{150, 150}})
+            for (int n = 1; n <= 4; ++n)
+                EXPECT_EQ(SampleFrame(w, h, n, m.material, true), SampleFrame(w, h, n, m.material, false))
+                    << m.name << " " << w << "x" << h << " shape " << n;
+    FZRandom::SetFixedSeed(std::nullopt);
 }

@@ -6,6 +6,7 @@
 
 #include "engine/fz_math.h"
 #include "engine/random.h"
+#include "engine/shading/facet_rows.h"
 #include "engine/shading/vector3.h"
 
 namespace {
@@ -218,11 +219,10 @@ FZPackedVector RotatedFacet(const FZMatrix4& m, const float u[3])
 // FZDirection3 normalises.
 void Normalised(const double v[3], float out[3])
 {
-    double length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
-    if (length < 1e-10)
-        length = 1e-10;
+    double unit[3];
+    FZUnitVectorFloats(v[0], v[1], v[2], unit);
     for (int i = 0; i < 3; ++i)
-        out[i] = static_cast<float>(v[i] / length);
+        out[i] = static_cast<float>(unit[i]);
 }
 
 // RotatedFacet for u = (gx, gy, z) and its mirror (-gx, -gy, z) at once,
@@ -269,6 +269,31 @@ void RotationOntoNormal(float nx, float ny, float nz, bool direct, FZMatrix4& m)
         m.SetIdentity();
 }
 
+// RotationOntoNormal(nx, ny, nz, true, m) written out for a = +z: the
+// same float and double operations as FZMatrix4::SetRotationOntoDirect
+// (the axis +z x n normalised, the angle acos(n.z / |n|) with the C
+// library's acos, sin and cos, Rodrigues' matrix stored transposed, -0 made
+// +0), without the generic vector and matrix steps around them.
+void RotationOntoNormalDirect(float nx, float ny, float nz, FZMatrix4& m)
+{
+    double sine, cosine;
+    FZFacetRotationAngle(nx, ny, nz, sine, cosine);
+    if (!FZRotationTurns(sine)) {
+        m.SetIdentity();
+        return;
+    }
+    double entries[9];
+    FZRotationEntries(nx, ny, nz, sine, cosine, entries);
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j)
+            m.m[i][j] = static_cast<float>(entries[i * 3 + j]);
+        m.m[i][3] = 0.0f;
+        m.m[3][i] = 0.0f;
+    }
+    m.m[3][3] = 1.0f;
+    m.kind = FZMatrix4::kGeneral;
+}
+
 // The two flanks tilted by atan(depth) to either side of g, in the frame of
 // the surface normal (its rotation from frame when one is given).
 void TiltFacets(const float g[2], float depth, const FZPackedVector& normal, FZFacetFrame* frame,
@@ -296,16 +321,16 @@ void TiltFacets(const float g[2], float depth, const FZPackedVector& normal, FZF
     t2 = RotatedFacet(own, u2);
 }
 
-void Facets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal, const float centre[3],
-            FZFacetFrame* frame, FZPackedVector& t1, FZPackedVector& t2)
+} // namespace
+
+FZGroovePoint GroovePointAt(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
+                            const float centre[3])
 {
     GrooveNoiseTable();
+    FZGroovePoint groove;
     // A NaN depth counts as no groove at all.
-    if (!(params.grooveDepth > 1e-6)) {
-        t1 = normal;
-        t2 = normal;
-        return;
-    }
+    if (!(params.grooveDepth > 1e-6))
+        return groove;
     Offset o;
     o.px = point[0];
     o.py = point[1];
@@ -313,16 +338,41 @@ void Facets(const FZAnisotropy& params, const float point[3], const FZPackedVect
     o.dy = static_cast<float>(static_cast<double>(point[1]) - centre[1]);
     o.r = static_cast<float>(std::sqrt(static_cast<double>(o.dx) * o.dx + static_cast<double>(o.dy) * o.dy));
 
-    float g[2];
-    GrooveDirection(params, o, normal, g);
-
+    GrooveDirection(params, o, normal, groove.g);
     float depth = params.grooveDepth;
     if (params.depthVariation > 0.0f)
         depth = VariedGrooveDepth(params, GrooveNoise(AcrossGroove(params, o), params.grooveWidth), o.dx, o.dy);
     // Grooves never get shallower than 1e-6; NaN from a wild record as well.
     if (!(depth >= 1e-6))
         depth = 1e-6f;
-    TiltFacets(g, depth, normal, frame, t1, t2);
+    groove.depth = depth;
+    groove.grooved = true;
+    return groove;
+}
+
+void FacetsAt(const FZGroovePoint& groove, const FZPackedVector& normal, FZFacetFrame& frame, FZPackedVector& t1,
+              FZPackedVector& t2)
+{
+    if (!groove.grooved) {
+        t1 = normal;
+        t2 = normal;
+        return;
+    }
+    TiltFacets(groove.g, groove.depth, normal, &frame, t1, t2);
+}
+
+namespace {
+
+void Facets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal, const float centre[3],
+            FZFacetFrame* frame, FZPackedVector& t1, FZPackedVector& t2)
+{
+    const FZGroovePoint groove = GroovePointAt(params, point, normal, centre);
+    if (!groove.grooved) {
+        t1 = normal;
+        t2 = normal;
+        return;
+    }
+    TiltFacets(groove.g, groove.depth, normal, frame, t1, t2);
 }
 
 } // namespace
@@ -425,7 +475,7 @@ const FZMatrix4& FZFacetFrame::For(const FZPackedVector& normal)
     if (!e.valid || normal.x != e.normal.x || normal.y != e.normal.y || normal.z != e.normal.z) {
         float nx, ny, nz;
         normal.GetFloats(nx, ny, nz);
-        RotationOntoNormal(nx, ny, nz, true, e.rotation);
+        RotationOntoNormalDirect(nx, ny, nz, e.rotation);
         e.normal = normal;
         e.valid = true;
     }

@@ -41,6 +41,22 @@ private:
 void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
                        const float centre[3], FZPackedVector& t1, FZPackedVector& t2, FZFacetFrame& frame);
 
+// What the facets at a point are made from: the direction across the
+// groove and the groove depth (at least 1e-6); not grooved where the
+// record's depth is too small for any groove (the facets are the normal).
+struct FZGroovePoint {
+    bool grooved = false;
+    float g[2] = {0.0f, 0.0f};
+    float depth = 0.0f;
+};
+
+FZGroovePoint GroovePointAt(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
+                            const float centre[3]);
+
+// The facets of AnisotropicFacets from their groove point.
+void FacetsAt(const FZGroovePoint& groove, const FZPackedVector& normal, FZFacetFrame& frame, FZPackedVector& t1,
+              FZPackedVector& t2);
+
 // The largest angle (radians) between the normal and a facet that
 // AnisotropicFacets can give for these parameters, the rounding of its
 // arithmetic aside; negative when the parameters are too wild to tell (a

@@ -10,6 +10,16 @@ inline double F(double v)
     return FZAsFloat(v);
 }
 
+// FZPackedVector::Dot: the integer sum (exact in a double) wrapped to 32
+// bits, then scaled.
+inline double PackedDot(double ax, double ay, double az, double bx, double by, double bz)
+{
+    double sum = ax * bx + ay * by + az * bz;
+    sum = sum >= 2147483648.0 ? sum - 4294967296.0 : sum;
+    sum = sum < -2147483648.0 ? sum + 4294967296.0 : sum;
+    return sum * 1.111111111111111e-9;
+}
+
 struct Lanes {
     double nx[kFZDiffusePiece];
     double ny[kFZDiffusePiece];
@@ -17,8 +27,7 @@ struct Lanes {
     double acc[3][kFZDiffusePiece];
 };
 
-// FZPackedVector::Dot of the light's direction and each normal: the integer
-// sum (exact in a double) wrapped to 32 bits, then scaled.
+// The diffuse and ambient terms of one light, added to each pixel's.
 TAMERISK_ROW_KERNEL void AddLight(const FZDiffuseSetup& setup, const FZDiffuseLight& light, std::int32_t n,
                                   Lanes& lanes)
 {
@@ -38,10 +47,7 @@ TAMERISK_ROW_KERNEL void AddLight(const FZDiffuseSetup& setup, const FZDiffuseLi
     double* a1 = lanes.acc[1];
     double* a2 = lanes.acc[2];
     for (std::int32_t k = 0; k < n; ++k) {
-        double sum = lx * nx[k] + ly * ny[k] + lz * nz[k];
-        sum = sum >= 2147483648.0 ? sum - 4294967296.0 : sum;
-        sum = sum < -2147483648.0 ? sum + 4294967296.0 : sum;
-        const double cosine = F(-(sum * 1.111111111111111e-9));
+        const double cosine = F(-PackedDot(lx, ly, lz, nx[k], ny[k], nz[k]));
         const double strength = F(cosine * diffuse);
         const double on = cosine > 0.0 ? lit : 0.0;
         const double t0 = F((on > 0.5 ? F(strength * c0) : 0.0) + ambient);
@@ -77,19 +83,43 @@ TAMERISK_ROW_KERNEL void StoreBytes(const FZDiffuseSetup& setup, std::int32_t n,
     }
 }
 
+TAMERISK_ROW_KERNEL void Cosines(const FZPackedVector& half, std::int32_t n, const Lanes& lanes,
+                                 double cosines[kFZDiffusePiece])
+{
+    const double hx = half.x;
+    const double hy = half.y;
+    const double hz = half.z;
+    for (std::int32_t k = 0; k < n; ++k)
+        cosines[k] = F(PackedDot(hx, hy, hz, lanes.nx[k], lanes.ny[k], lanes.nz[k]));
+}
+
+void TakeNormals(const FZPackedVector* normals, std::int32_t n, Lanes& lanes)
+{
+    for (std::int32_t k = 0; k < n; ++k) {
+        lanes.nx[k] = normals[k].x;
+        lanes.ny[k] = normals[k].y;
+        lanes.nz[k] = normals[k].z;
+    }
+}
+
 } // namespace
+
+void HighlightCosinesOfPiece(const FZPackedVector& half, const FZPackedVector* normals, std::int32_t n,
+                             double cosines[kFZDiffusePiece])
+{
+    Lanes lanes;
+    TakeNormals(normals, n, lanes);
+    Cosines(half, n, lanes, cosines);
+}
 
 void ShadeDiffusePiece(const FZDiffuseSetup& setup, const FZPackedVector* normals, std::int32_t n,
                        FZDiffuseBytes& out)
 {
     Lanes lanes;
-    for (std::int32_t k = 0; k < n; ++k) {
-        lanes.nx[k] = normals[k].x;
-        lanes.ny[k] = normals[k].y;
-        lanes.nz[k] = normals[k].z;
-        for (int c = 0; c < 3; ++c)
+    TakeNormals(normals, n, lanes);
+    for (int c = 0; c < 3; ++c)
+        for (std::int32_t k = 0; k < n; ++k)
             lanes.acc[c][k] = 0.0;
-    }
     for (std::int32_t i = 0; i < setup.lightCount; ++i)
         AddLight(setup, setup.lights[i], n, lanes);
     StoreBytes(setup, n, lanes, out);

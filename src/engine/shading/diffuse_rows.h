@@ -1,8 +1,9 @@
 // The ambient and diffuse shading of a piece of a row of a layer with one
 // colour: the bytes the pixel-by-pixel rule stores, worked out for a whole
-// piece at once in a kernel the compiler turns into vector code. No two
-// pixels on a shape's curved parts share a normal, so there is nothing to
-// remember from one pixel to the next, only arithmetic to do.
+// piece at once in a kernel the compiler turns into vector code; and the
+// cosines a plain highlight is raised from. No two pixels on a shape's
+// curved parts share a normal, so there is nothing to remember from one
+// pixel to the next, only arithmetic to do.
 #ifndef TAMERISK_ENGINE_SHADING_DIFFUSE_ROWS_H
 #define TAMERISK_ENGINE_SHADING_DIFFUSE_ROWS_H
 
@@ -35,5 +36,10 @@ struct FZDiffuseBytes {
 
 void ShadeDiffusePiece(const FZDiffuseSetup& setup, const FZPackedVector* normals, std::int32_t n,
                        FZDiffuseBytes& out);
+
+// FZPackedVector::Dot(half, normal) rounded to float, for n normals (at
+// most kFZDiffusePiece).
+void HighlightCosinesOfPiece(const FZPackedVector& half, const FZPackedVector* normals, std::int32_t n,
+                             double cosines[kFZDiffusePiece]);
 
 #endif

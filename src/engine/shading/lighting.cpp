@@ -10,6 +10,7 @@
 #include "engine/pixel.h"
 #include "engine/shading/anisotropy.h"
 #include "engine/shading/diffuse_rows.h"
+#include "engine/shading/facet_rows.h"
 #include "engine/shading/surface.h"
 
 namespace {
@@ -140,28 +141,36 @@ bool FacetsOutOfReach(const HighlightSetup& h, const FZPackedVector& normal)
     return length > 0.0 && FZPackedVector::Dot(h.half, normal) < h.facetLimit * h.halfLength * length;
 }
 
+// The term for the highlight's cosine b.
+float TermOf(const HighlightSetup& h, float b)
+{
+    if (!(b > 0.0f) || b <= h.cutoff)
+        return 0.0f;
+    return static_cast<float>(std::pow(static_cast<double>(b), h.exponent) * h.scale);
+}
+
+// The term of a groove's two facets: the larger of their cosines counts.
+float FacetTerm(const HighlightSetup& h, const FZPackedVector& t1, const FZPackedVector& t2)
+{
+    const float b1 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t1)));
+    const float b2 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t2)));
+    return TermOf(h, b2 > b1 ? b2 : b1);
+}
+
 // The highlight term of one light at (px, py) with the given normal.
 // frame: the rotation memory for the facets.
 float HighlightAt(const FZLayer& layer, const HighlightSetup& h, float px, float py, float depth,
                   const FZPackedVector& normal, FZFacetFrame& frame)
 {
     const FZAttributeEx& m = layer.material;
-    float b;
-    if (m.anisotropic != 0) {
-        if (FacetsOutOfReach(h, normal))
-            return 0.0f;
-        const float point[3] = {px, py, depth};
-        FZPackedVector t1, t2;
-        AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2, frame);
-        const float b1 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t1)));
-        const float b2 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t2)));
-        b = b2 > b1 ? b2 : b1;
-    } else {
-        b = static_cast<float>(FZPackedVector::Dot(h.half, normal));
-    }
-    if (!(b > 0.0f) || b <= h.cutoff)
+    if (m.anisotropic == 0)
+        return TermOf(h, static_cast<float>(FZPackedVector::Dot(h.half, normal)));
+    if (FacetsOutOfReach(h, normal))
         return 0.0f;
-    return static_cast<float>(std::pow(static_cast<double>(b), h.exponent) * h.scale);
+    const float point[3] = {px, py, depth};
+    FZPackedVector t1, t2;
+    AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2, frame);
+    return FacetTerm(h, t1, t2);
 }
 
 // The supersampled highlight of one light over pixel (x, y): n x n points,
@@ -338,14 +347,17 @@ void ShadeOwnColourRow(const ShadingPass& pass, std::int32_t y)
     lastColour.GetFloats(base);
     bool haveBytes = false;
     std::uint8_t bytes[3] = {0, 0, 0};
+    const std::uint8_t* coverage = layer.coverage[y];
+    const FZPackedVector* normals = layer.normals[y];
+    FZShadedPixel* row = layer.shaded[y];
     for (std::int32_t x = held.first; x <= held.last; ++x) {
-        if (layer.coverage[y][x] == 0)
+        if (coverage[x] == 0)
             continue;
-        const FZPackedVector& normal = layer.normals[y][x];
+        const FZPackedVector& normal = normals[x];
         const bool known = memo.Has(normal);
         const FZColor colour = own[x];
         const bool sameColour = colour.r == lastColour.r && colour.g == lastColour.g && colour.b == lastColour.b;
-        std::uint8_t* p = layer.ShadedAt(x, y);
+        std::uint8_t* p = row[x].bgr;
         if (known && sameColour && haveBytes) {
             p[0] = bytes[0];
             p[1] = bytes[1];
@@ -389,39 +401,185 @@ void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
 }
 
 // Pass 2: the unclamped highlight of all lights at every covered pixel
-// centre, -1 outside the shape.
-void FillHighlightRow(const ShadingPass& pass, std::int32_t y)
+// centre, -1 outside the shape. Without grooves a light's term depends on
+// the normal's cosine to its half vector alone: the cosines of a piece of
+// the row come from a vector kernel, the power only where a term can be
+// above 0.
+void FillPlainHighlightRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
-    FZFacetFrame frame;
-    // Without grooves the highlight too depends on the normal alone.
-    RowMemo memo;
-    const bool grooves = layer.material.anisotropic != 0;
+    const std::uint8_t* coverage = layer.coverage[y];
+    const FZPackedVector* normals = layer.normals[y];
+    float* highlight = layer.highlight[y];
     const FZSpan held = layer.StoredRow(y);
-    for (std::int32_t x = held.first; x <= held.last; ++x) {
-        if (layer.coverage[y][x] == 0) {
-            layer.highlight[y][x] = -1.0f;
-            continue;
+    for (std::int32_t start = held.first; start <= held.last; start += kFZDiffusePiece) {
+        const std::int32_t n = FZMin(kFZDiffusePiece, held.last + 1 - start);
+        float sum[kFZDiffusePiece] = {};
+        if (!std::all_of(coverage + start, coverage + start + n, [](std::uint8_t c) { return c == 0; })) {
+            for (const HighlightSetup& h : pass.highlights) {
+                double cosines[kFZDiffusePiece];
+                HighlightCosinesOfPiece(h.half, normals + start, n, cosines);
+                for (std::int32_t k = 0; k < n; ++k)
+                    sum[k] = static_cast<float>(sum[k] + static_cast<double>(TermOf(h, static_cast<float>(cosines[k]))));
+            }
+        }
+        for (std::int32_t k = 0; k < n; ++k)
+            highlight[start + k] = coverage[start + k] == 0 ? -1.0f : sum[k];
+    }
+}
+
+// Pass 2 for a grooved layer: a piece of a row at a time, the pixels off
+// the flat parts have their facets built by the vector kernels, once for
+// all lights (every light's setup has the same pattern centre, which
+// depends on the layer and the material alone); the others go through
+// HighlightAt.
+class GroovedPiece {
+public:
+    GroovedPiece(const ShadingPass& pass, std::int32_t y) : pass_(pass), layer_(pass.layer), y_(y) {}
+
+    void Run(std::int32_t start, std::int32_t n)
+    {
+        count_ = 0;
+        for (std::int32_t x = start; x < start + n; ++x)
+            Visit(x);
+        if (count_ == 0)
+            return;
+        RotationsOfPiece(lanes_, count_);
+        KeepRotations();
+        FacetsOfPiece(lanes_, count_);
+        for (std::int32_t k = 0; k < count_; ++k)
+            layer_.highlight[y_][x_[k]] = LaneSum(k);
+    }
+
+private:
+    // A covered pixel: out of every light's reach, flat or ungrooved it is
+    // done here; otherwise it takes the next lane.
+    void Visit(std::int32_t x)
+    {
+        float& out = layer_.highlight[y_][x];
+        if (layer_.coverage[y_][x] == 0) {
+            out = -1.0f;
+            return;
+        }
+        const FZPackedVector& normal = layer_.normals[y_][x];
+        bool reachable = false;
+        for (const HighlightSetup& h : pass_.highlights)
+            reachable = reachable || !FacetsOutOfReach(h, normal);
+        if (!reachable) {
+            out = 0.0f;
+            return;
         }
         const float px = static_cast<float>(x + 0.5);
-        const float py = static_cast<float>(y + 0.5);
-        const float depth = layer.depth[y][x];
-        const FZPackedVector& normal = layer.normals[y][x];
-        if (!grooves && memo.Has(normal)) {
-            layer.highlight[y][x] = memo.value[0];
-            continue;
+        const float py = static_cast<float>(y_ + 0.5);
+        const float point[3] = {px, py, layer_.depth[y_][x]};
+        const FZGroovePoint groove = GroovePointAt(layer_.material.anisotropy, point, normal, pass_.highlights[0].centre);
+        float nx, ny, nz;
+        normal.GetFloats(nx, ny, nz);
+        if (!groove.grooved || nz > 0.9999999) {
+            out = ScalarSum(px, py, point[2], normal, x);
+            return;
         }
+        const std::int32_t k = count_++;
+        x_[k] = x;
+        lanes_.nx[k] = nx;
+        lanes_.ny[k] = ny;
+        lanes_.nz[k] = nz;
+        lanes_.gx[k] = groove.g[0];
+        lanes_.gy[k] = groove.g[1];
+        lanes_.depth[k] = groove.depth;
+        known_[k] = Entry(x) != nullptr && Entry(x)->valid && SameNormal(Entry(x)->normal, normal);
+        lanes_.sine[k] = 0.0;
+        lanes_.cosine[k] = 1.0;
+        if (!known_[k])
+            FZFacetRotationAngle(nx, ny, nz, lanes_.sine[k], lanes_.cosine[k]);
+    }
+
+    float ScalarSum(float px, float py, float depth, const FZPackedVector& normal, std::int32_t x)
+    {
+        FZFacetFrame frame;
+        if (Entry(x) != nullptr)
+            frame.UseEntry(Entry(x));
         float sum = 0.0f;
-        if (pass.frames != nullptr)
-            frame.UseEntry(&pass.frames[static_cast<std::size_t>(y) * layer.width + x]);
-        for (const HighlightSetup& h : pass.highlights) {
-            const float term = HighlightAt(layer, h, px, py, depth, normal, frame);
+        for (const HighlightSetup& h : pass_.highlights)
+            sum = static_cast<float>(sum + static_cast<double>(HighlightAt(layer_, h, px, py, depth, normal, frame)));
+        return sum;
+    }
+
+    // The rotations kept from the last shading stand in for the kernel's
+    // (they are the same numbers); the new ones are kept for the next.
+    void KeepRotations()
+    {
+        for (std::int32_t k = 0; k < count_; ++k) {
+            FZFacetFrameEntry* e = Entry(x_[k]);
+            if (e == nullptr)
+                continue;
+            if (known_[k]) {
+                for (int i = 0; i < 3; ++i)
+                    for (int j = 0; j < 3; ++j)
+                        lanes_.m[i * 3 + j][k] = e->rotation.m[i][j];
+                lanes_.identity[k] = e->rotation.kind == FZMatrix4::kIdentity ? 1.0 : 0.0;
+                continue;
+            }
+            if (lanes_.identity[k] > 0.5) {
+                e->rotation.SetIdentity();
+            } else {
+                e->rotation.SetIdentity();
+                for (int i = 0; i < 3; ++i)
+                    for (int j = 0; j < 3; ++j)
+                        e->rotation.m[i][j] = static_cast<float>(lanes_.m[i * 3 + j][k]);
+                e->rotation.kind = FZMatrix4::kGeneral;
+            }
+            e->normal = layer_.normals[y_][x_[k]];
+            e->valid = true;
+        }
+    }
+
+    float LaneSum(std::int32_t k) const
+    {
+        FZPackedVector t1, t2;
+        t1.x = static_cast<std::int16_t>(lanes_.t1[0][k]);
+        t1.y = static_cast<std::int16_t>(lanes_.t1[1][k]);
+        t1.z = static_cast<std::int16_t>(lanes_.t1[2][k]);
+        t2.x = static_cast<std::int16_t>(lanes_.t2[0][k]);
+        t2.y = static_cast<std::int16_t>(lanes_.t2[1][k]);
+        t2.z = static_cast<std::int16_t>(lanes_.t2[2][k]);
+        const FZPackedVector& normal = layer_.normals[y_][x_[k]];
+        // A lane's pixel is within reach of some light: of the only one,
+        // when there is one.
+        const bool single = pass_.highlights.size() == 1;
+        float sum = 0.0f;
+        for (const HighlightSetup& h : pass_.highlights) {
+            const float term = !single && FacetsOutOfReach(h, normal) ? 0.0f : FacetTerm(h, t1, t2);
             sum = static_cast<float>(sum + static_cast<double>(term));
         }
-        layer.highlight[y][x] = sum;
-        const float kept[3] = {sum, 0.0f, 0.0f};
-        memo.Keep(normal, kept);
+        return sum;
     }
+
+    FZFacetFrameEntry* Entry(std::int32_t x) const
+    {
+        return pass_.frames != nullptr ? &pass_.frames[static_cast<std::size_t>(y_) * layer_.width + x] : nullptr;
+    }
+
+    static bool SameNormal(const FZPackedVector& a, const FZPackedVector& b)
+    {
+        return a.x == b.x && a.y == b.y && a.z == b.z;
+    }
+
+    const ShadingPass& pass_;
+    FZLayer& layer_;
+    std::int32_t y_;
+    std::int32_t count_ = 0;
+    std::int32_t x_[kFZFacetPiece];
+    bool known_[kFZFacetPiece];
+    FZFacetLanes lanes_;
+};
+
+void FillGroovedHighlightRow(const ShadingPass& pass, std::int32_t y)
+{
+    GroovedPiece piece(pass, y);
+    const FZSpan held = pass.layer.StoredRow(y);
+    for (std::int32_t start = held.first; start <= held.last; start += kFZFacetPiece)
+        piece.Run(start, FZMin(kFZFacetPiece, held.last + 1 - start));
 }
 
 // Whether a covered neighbour's highlight (each held at most 1) differs by
@@ -496,9 +654,14 @@ bool IsWhite(const std::uint8_t* p)
 void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
+    const std::uint8_t* coverage = layer.coverage[y];
+    const float* highlight = layer.highlight[y];
+    // Without smoothing the map's value is the pixel's highlight, and most
+    // pixels have none: they are passed over first.
+    const bool smooth = layer.material.smoothHighlight != 0;
     const FZSpan held = layer.StoredRow(y);
     for (std::int32_t x = held.first; x <= held.last; ++x) {
-        if (layer.coverage[y][x] == 0)
+        if (coverage[x] == 0 || (!smooth && !(highlight[x] > 0.0f)))
             continue;
         if (pass.whiteStaysWhite && IsWhite(layer.ShadedAt(x, y)))
             continue;
@@ -626,7 +789,10 @@ FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZLightLis
         GrooveNoiseTable();
     if (grooves)
         pass.frames = FacetFrames().Lend(layer.width, layer.height);
-    ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { FillHighlightRow(pass, y); });
+    if (grooves && !pass.highlights.empty())
+        ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { FillGroovedHighlightRow(pass, y); });
+    else
+        ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { FillPlainHighlightRow(pass, y); });
     if (pass.frames != nullptr)
         FacetFrames().Release();
     ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { ApplyHighlightRow(pass, y); });
