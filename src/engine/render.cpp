@@ -789,11 +789,17 @@ FZResult AddEmitterLight(FZScene& scene, std::int32_t index, const FZRect& rende
 // light) come from the heap. Once one larger block has been freed, the C
 // library keeps such buffers in its heap instead of mapping them, and
 // keeps their pages after they are freed: every later frame would carry
-// them. They are given back to the system when the frame is done.
-void GiveBackWorkMemory()
+// them. They are given back to the system when a large frame is done; a
+// small frame's buffers are too small to matter, and a dialog's preview,
+// which renders at every slider step, should not walk the heap each time.
+void GiveBackWorkMemory(const FZScene& scene)
 {
 #if defined(__GLIBC__)
-    static_cast<void>(malloc_trim(0));
+    constexpr std::int64_t kTrimPixels = std::int64_t{1} << 17;
+    if (std::int64_t{scene.width} * scene.height >= kTrimPixels)
+        static_cast<void>(malloc_trim(0));
+#else
+    static_cast<void>(scene);
 #endif
 }
 
@@ -854,7 +860,7 @@ FZResult ComposeLayers(FZScene& scene, const FZRect& rect, FZImage& frame)
     // The sky table too lives only while a frame is made: kept, it would
     // be a lasting share of a scene's memory.
     ReleaseSkyTable(scene.environment);
-    GiveBackWorkMemory();
+    GiveBackWorkMemory(scene);
     return result;
 }
 
