@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <iterator>
 
-#include "attribute_bytes.h"
 #include "json/material_json.h"
 #include "tool_run.h"
 
@@ -54,10 +53,6 @@ TEST_F(QvaTool, WriteThenDumpKeepsEveryStoredField)
     ASSERT_EQ(MaterialFromJson(kEveryStoredField, written, error), FZResult::Ok) << error.toStdString();
     ASSERT_EQ(MaterialFromJson(dump.out, dumped, error), FZResult::Ok) << error.toStdString();
     EXPECT_EQ(std::memcmp(&written, &dumped, sizeof written), 0) << dump.out.toStdString();
-
-    const ByteVector v5 = HandBuiltFile(FZAttributeEx(), 5);
-    ASSERT_TRUE(WriteBytes(Path("v5.qva"), QByteArray(reinterpret_cast<const char*>(v5.data()), qsizetype(v5.size()))));
-    EXPECT_EQ(Qva({"dump", Path("v5.qva")}).out, MaterialToJson(FZAttributeEx(), 5));
 }
 
 TEST_F(QvaTool, FailuresPrintTheCodeAndExitWithOneOrTwoForTheCommandLine)

@@ -1,14 +1,7 @@
-// Attribute files against bytes assembled from the version table, every
-// refusal, and replacing files on a full disk and over a protected file.
+// Attribute files against bytes assembled from the version table, and every
+// refusal. How the file is replaced on disk is file_replace_test's concern.
 #include <gtest/gtest.h>
 
-#include <signal.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -16,7 +9,6 @@
 #include "scratch_dir.h"
 #include "attribute_bytes.h"
 #include "material/attribute_file.h"
-#include "material/file_replace.h"
 #include "material/result_codes.h"
 
 namespace fs = std::filesystem;
@@ -40,11 +32,6 @@ protected:
     {
         EXPECT_EQ(SaveAttributeFile(target.c_str(), r), FZResult::Ok);
         return ReadAll(target);
-    }
-    void ExpectOnly(const ByteVector& old)  // and nothing else is left beside the target
-    {
-        EXPECT_EQ(ReadAll(target), old);
-        EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 1);
     }
 
     ScratchDirectory scratch{"tamerisk-qva"};
@@ -114,46 +101,4 @@ TEST_F(AttributeFileTest, RefusedFilesLeaveTheRecordAlone)
     }
     FZAttributeEx record;
     EXPECT_EQ(LoadAttributeFile((dir / "absent.qva").c_str(), record), FZResult::OpenFailed);
-}
-
-TEST_F(AttributeFileTest, ReplacingKeepsPermissionsAndFollowsLinks)
-{
-    ASSERT_EQ(ReplaceFile(target.c_str(), "old", 3).code, FZResult::Ok);
-    ::chmod(target.c_str(), 0640);
-    ASSERT_EQ(SaveAttributeFile(target.c_str(), DistinctiveMaterial(1)), FZResult::Ok);
-    ExpectOnly(HandBuiltFile(DistinctiveMaterial(1), 10, 0));
-    EXPECT_EQ(fs::status(target).permissions(), fs::perms(0640));
-    fs::create_symlink(target, dir / "link.qva");  // saving through a link updates the file
-    ASSERT_EQ(SaveAttributeFile((dir / "link.qva").c_str(), DistinctiveMaterial(3)), FZResult::Ok);
-    EXPECT_EQ(ReadAll(target).size(), 132u);
-}
-
-TEST_F(AttributeFileTest, FailedWritesKeepTheOldFileAndSayWhy)
-{
-    const ByteVector old = HandBuiltFile(DistinctiveMaterial(2), 10, 0);
-    ASSERT_EQ(ReplaceFile(target.c_str(), old.data(), old.size()).code, FZResult::Ok);
-    // A file size limit, set in a child process, fails the write part way
-    // through as a full disk does.
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{50, 50};
-        std::string reason;
-        const FZResult rc = ::setrlimit(RLIMIT_FSIZE, &limit) == 0 ? SaveAttributeFile(target.c_str(), {}, &reason) : FZResult::Ok;
-        ::_exit(rc == FZResult::WriteFailed && reason == std::strerror(EFBIG) ? 0 : 1);
-    }
-    int status = -1;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
-    ExpectOnly(old);
-
-    // A write-protected file is refused, even for root, who could write it.
-    ::chmod(target.c_str(), 0444);
-    const FileWriteResult locked = ReplaceFile(target.c_str(), "x", 1);
-    EXPECT_EQ(locked.code, FZResult::OpenFailed);
-    EXPECT_EQ(locked.reason, std::string(std::strerror(EACCES)) + " (the file is write-protected)");
-    ExpectOnly(old);
-
-    EXPECT_EQ(ReplaceFile((dir / "no-dir" / "m.qva").c_str(), "x", 1).reason, std::strerror(ENOENT));
-    EXPECT_EQ(ReplaceFile(dir.c_str(), "x", 1).code, FZResult::OpenFailed);  // a directory
 }

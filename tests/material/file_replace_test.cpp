@@ -129,6 +129,12 @@ TEST_F(FileReplaceTest, TheNewFileKeepsOwnerModeAttributesAndHardLinks)
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     EXPECT_EQ(status, 0);
     EXPECT_EQ(ReadAll(other), "short");
+
+    // Through a symbolic link the file it leads to is replaced; the link stays.
+    fs::create_symlink(target, dir / "link.qva");
+    ASSERT_TRUE(Replace(dir / "link.qva", "linked"));
+    EXPECT_EQ(ReadAll(other), "linked");
+    EXPECT_TRUE(fs::is_symlink(dir / "link.qva"));
 }
 
 TEST_F(FileReplaceTest, SpecialFilesAndBrokenLinksAreRefusedAndStayAsTheyWere)
@@ -152,6 +158,7 @@ TEST_F(FileReplaceTest, SpecialFilesAndBrokenLinksAreRefusedAndStayAsTheyWere)
         {"device", [](const fs::path& p) { fs::create_symlink("/dev/null", p); }, "a character device"},
         {"dangling", [](const fs::path& p) { fs::create_symlink(p.parent_path() / "missing", p); }, "leads to no file"},
         {"loop", [](const fs::path& p) { fs::create_symlink(p, p); }, std::strerror(ELOOP)},
+        {"directory", [](const fs::path& p) { fs::create_directory(p); }, std::strerror(EISDIR)},
     };
     for (const auto& c : cases) {
         const fs::path p = dir / c.name;
@@ -168,6 +175,7 @@ TEST_F(FileReplaceTest, SpecialFilesAndBrokenLinksAreRefusedAndStayAsTheyWere)
 
 TEST_F(FileReplaceTest, NamesAreBytesUpToTheFileSystemsLimit)
 {
+    // Up to 255 bytes, however many of them a character takes.
     // Both would read as U+FFFD as text, and must stay two files.
     const std::string names[] = {"\xff.qva", "\xfe.qva", std::string(255, 'n'), std::string(254, '\xe9') + "q",
                                  std::string(1, '-')};
@@ -177,6 +185,11 @@ TEST_F(FileReplaceTest, NamesAreBytesUpToTheFileSystemsLimit)
         ASSERT_TRUE(Replace(dir / name, name + "!")) << name.size();  // over an existing file
         EXPECT_EQ(ReadAll(dir / name), name + "!");
     }
+    EXPECT_EQ(Entries(dir), std::size(names));
+    // One byte more is refused, and leaves nothing behind.
+    const FileWriteResult tooLong = ReplaceFile((dir / std::string(256, 'n')).c_str(), "x", 1);
+    EXPECT_FALSE(tooLong.Ok());
+    EXPECT_NE(tooLong.reason.find(std::strerror(ENAMETOOLONG)), std::string::npos) << tooLong.reason;
     EXPECT_EQ(Entries(dir), std::size(names));
 }
 

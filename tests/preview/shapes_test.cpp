@@ -9,47 +9,18 @@
 #include <cstring>
 #include <limits>
 #include <utility>
-#include <vector>
 
-#include "engine/random.h"
 #include "engine/render.h"
 #include "engine/shading/surface.h"
 #include "preview/shapes.h"
 
-namespace {
-
-// The preview's sample layer on a 120 x 120 frame: empty, full frame.
-class SampleShapes : public ::testing::Test {
-protected:
-    const float r = static_cast<float>(120 / 2.3);
+// Numbers beyond the four shapes draw nothing on the preview's layer.
+TEST(SampleShapes, OtherNumbersDrawNothingAndEmptyLayersStayAsTheyAre)
+{
     FZLayer layer;
-
-    void SetUp() override { ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), FZResult::Ok); }
-    void Draw(int n) { DrawSampleShape(layer, n, 60.0f, 60.0f, r); }
-};
-
-}  // namespace
-
-TEST_F(SampleShapes, EveryShapeSpansColumnsAndRowsSevenTo112)
-{
-    for (int n = 1; n <= 4; ++n) {
-        ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), FZResult::Ok);
-        Draw(n);
-        FZRect bounds;
-        ASSERT_TRUE(CoverageBounds(layer, bounds)) << "shape " << n;
-        EXPECT_EQ((std::array{bounds.x0, bounds.y0, bounds.x1, bounds.y1}), (std::array{7, 7, 112, 112})) << n;
-    }
-    // The plate's dimple reaches down to nearly 0 at its centre.
     ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), FZResult::Ok);
-    Draw(1);
-    EXPECT_NEAR(layer.depth[60][60], 0.0165f, 1e-4);
-    EXPECT_NEAR(layer.depth[60][80], 6.99f, 0.01);
-}
-
-TEST_F(SampleShapes, OtherNumbersDrawNothingAndEmptyLayersStayAsTheyAre)
-{
     for (int n : {0, 5, -1})
-        Draw(n);
+        DrawSampleShape(layer, n, 60.0f, 60.0f, 52.0f);
     FZRect bounds;
     EXPECT_FALSE(CoverageBounds(layer, bounds));
     layer.depth[3][3] = 7.0f;
@@ -305,79 +276,4 @@ TEST(SampleShapeRows, ParametersThatAreNotNumbersHoldNothing)
     // A shape wholly beside the frame holds no pixel.
     const auto beside = SampleShapeRows(-100.0f, 5.0f, 3.0f, 10, 10);
     EXPECT_TRUE(beside == nullptr || beside->Bounds().IsEmpty());
-}
-
-namespace {
-
-// The frame of a w x h preview scene showing shape n in the material, its
-// sample with rows only where the shape can reach, or over the whole frame.
-std::vector<std::uint8_t> SampleFrame(std::int32_t w, std::int32_t h, int n, const FZAttributeEx& material,
-                                      bool held)
-{
-    const float white[3] = {1.0f, 1.0f, 1.0f};
-    FZScene scene;
-    EXPECT_EQ(scene.SetUpFrame(w, h, white), FZResult::Ok);
-    EXPECT_EQ(PrepareLayer(scene, 0), FZResult::Ok);
-    EXPECT_EQ(ShadeLayerAt(scene, 0), FZResult::Ok);
-    const float r = static_cast<float>(h / 2.3);
-    const float cx = static_cast<float>(w * 0.5);
-    const float cy = static_cast<float>(h * 0.5);
-    auto rows = held ? SampleShapeRows(cx, cy, r, w, h) : FZRowLayout::Rectangle(0, 0, w, h);
-    EXPECT_EQ(scene.AddLayerRect(0, 0, w, h, std::move(rows)), FZResult::Ok);
-    FZLayer& sample = *scene.LayerAt(1);
-    sample.colors.Clear();
-    sample.SetColorSource(0);
-    sample.SetMaterial(material);
-    DrawSampleShape(sample, n, cx, cy, r);
-    EXPECT_EQ(PrepareLayer(scene, 1), FZResult::Ok);
-    EXPECT_EQ(ShadeLayerAt(scene, 1), FZResult::Ok);
-    EXPECT_EQ(RenderScene(scene), FZResult::Ok);
-    if (scene.frame == nullptr)
-        return {};
-    return {scene.frame->data.data(), scene.frame->data.data() + scene.frame->data.size()};
-}
-
-} // namespace
-
-// The row kernels of shading and compositing work a piece of a row at a
-// time; over rows that hold only part of the frame, their pieces start
-// elsewhere and end at the row's last pixel. The frame must not change.
-TEST(SampleShapeRows, RenderAsRowsOverTheWholeFrame)
-{
-    FZAttributeEx rings;
-    rings.anisotropic = 1;
-    rings.anisotropy.type = 1;
-    rings.anisotropy.depthVariation = 0.5f;
-    rings.highlightStrength = 1.0f;
-    rings.highlightSharpness = 0.1f;
-    FZAttributeEx brushed = rings;
-    brushed.anisotropy.type = 2;
-    brushed.smoothHighlight = 1;
-    brushed.smoothWidth = 2.0f;
-    FZAttributeEx shiny;
-    shiny.highlightStrength = 1.0f;
-    shiny.highlightSharpness = 0.2f;
-    FZAttributeEx mirror;
-    mirror.reflection = 0.8f;
-    FZAttributeEx rainbow = shiny;
-    rainbow.reflection = 0.6f;
-    rainbow.rainbow = 1;
-    FZAttributeEx glass;
-    glass.transparency = 0.9f;
-    glass.refractiveIndex = 1.5f;
-    FZAttributeEx murky = glass;
-    murky.incidenceDependence = 0.5f;
-    murky.attenuation = 0.5f;
-    const struct {
-        const char* name;
-        FZAttributeEx material;
-    } materials[] = {{"rings", rings},     {"brushed", brushed}, {"shiny", shiny}, {"mirror", mirror},
-                     {"rainbow", rainbow}, {"glass", glass},     {"murky", murky}};
-    FZRandom::SetFixedSeed(7);
-    for (const auto& m : materials)
-        for (const auto& [w, h] : {std::pair{97, 61}, std::pair{150, 150}})
-            for (int n = 1; n <= 4; ++n)
-                EXPECT_EQ(SampleFrame(w, h, n, m.material, true), SampleFrame(w, h, n, m.material, false))
-                    << m.name << " " << w << "x" << h << " shape " << n;
-    FZRandom::SetFixedSeed(std::nullopt);
 }
