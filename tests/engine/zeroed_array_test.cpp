@@ -13,8 +13,9 @@ bool AllZero(const FZZeroedArray<std::uint8_t>& a)
     return std::all_of(a.data(), a.data() + a.size(), [](std::uint8_t b) { return b == 0; });
 }
 
-// Small blocks come from the heap, large ones are mapped in whole huge
-// pages: both must start zeroed, copy deeply and survive being moved.
+// Small blocks come from the heap, large ones are mapped (in huge pages,
+// and ordinary pages faulted in at once beyond the last whole huge page):
+// all must start zeroed, copy deeply and survive being moved.
 TEST(ZeroedArray, StartsZeroedCopiesDeeplyAndMoves)
 {
     for (const std::size_t n : {std::size_t{2}, std::size_t{4093}, std::size_t{3} << 20, (std::size_t{2} << 20) + 1}) {
