@@ -17,7 +17,8 @@ import sys
 WIDTH, HEIGHT = 760, 400
 LEFT, RIGHT, TOP, BOTTOM = 70, 270, 20, 50
 COLOURS = ["#1f77b4", "#ff7f0e", "#2ca02c", "#d62728", "#9467bd", "#8c564b",
-           "#e377c2", "#7f7f7f", "#bcbd22", "#17becf"]
+           "#e377c2", "#7f7f7f", "#bcbd22", "#17becf", "#393b79", "#ad494a",
+           "#637939", "#843c39"]
 
 
 def read_series(path):
