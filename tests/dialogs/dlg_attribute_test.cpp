@@ -35,7 +35,7 @@ protected:
     // Answers the file dialog of "開く" or "保存" with the path.
     void ChooseFile(int button, const QString& path)
     {
-        const ModalAnswer<QFileDialog> answer([&](QFileDialog* d) { d->selectFile(path), static_cast<QDialog*>(d)->accept(); });
+        const ModalAnswer<QFileDialog> answer([&](QFileDialog* d) { AnswerFileDialog(d, path); });
         Click(button);
     }
     void Show(const FZAttributeEx& a)
@@ -242,7 +242,7 @@ TEST_F(MaterialDialog, FilesSaveLoadAndReportFailures)
     QString shown;
     std::optional<ModalAnswer<QMessageBox>> box;
     const ModalAnswer<QFileDialog> answer([&](QFileDialog* d) {
-        d->selectFile(bad.fileName()), static_cast<QDialog*>(d)->accept();
+        AnswerFileDialog(d, bad.fileName());
         box.emplace([&](QMessageBox* b) { shown = b->windowTitle() + ": " + b->text(), b->accept(); });
     });
     Click(kIdLoad);

@@ -21,7 +21,6 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPainter>
-#include <QPointer>
 #include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
@@ -409,23 +408,4 @@ TEST_F(Comforts, LargePreviewEndsADragAtItsLastStep)
     EXPECT_TRUE(QTest::qWaitFor([&] { return shows(last); }));
     QTest::qWait(300);  // longer than a drag takes to come to rest
     EXPECT_TRUE(shows(last));
-}
-
-// Closing the editor while the large preview renders a picture the size of a
-// screen stops the render and leaves nothing behind that a late frame could
-// reach.
-TEST_F(Comforts, ClosingWithALargeRenderInFlightIsClean)
-{
-    QWidget* window = OpenLargePreview(*dialog);
-    ASSERT_NE(window, nullptr);
-    window->resize(1600, 1200);
-    QApplication::processEvents();
-    FZAttributeEx lamp = start;
-    lamp.emission = 0.7f;
-    dialog->SetAttribute(lamp);
-    dialog->UpdatePanelView();
-    const QPointer<QWidget> watched(window);
-    dialog.reset();  // as Tamerisk_Close deletes the editor
-    EXPECT_TRUE(watched.isNull());
-    QTest::qWait(50);
 }

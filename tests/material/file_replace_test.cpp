@@ -27,12 +27,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string ReadAll(const fs::path& p)
-{
-    std::ifstream in(p, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 bool Replace(const fs::path& p, const std::string& bytes)
 {
     return ReplaceFile(p.c_str(), bytes.data(), bytes.size()).Ok();

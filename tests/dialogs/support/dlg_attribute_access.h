@@ -5,6 +5,8 @@
 #include <functional>
 
 #include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QTimer>
 
 #include "dialogs/dlg_attribute.h"
@@ -28,11 +30,12 @@ public:
     explicit ModalAnswer(std::function<void(T*)> answer)
     {
         QObject::connect(&timer, &QTimer::timeout, &timer, [this, answer] {
-            QWidget* modal = QApplication::activePopupWidget();
-            modal = modal != nullptr ? modal : QApplication::activeModalWidget();
-            // Another modal window (a file dialog closing) may still be the
-            // active one for a moment: wait for the one to answer.
-            T* wanted = qobject_cast<T*>(modal);
+            // A pop-up of the window it waits for (a file dialog's completer)
+            // or another modal window still closing may be the active one
+            // for a moment: answer only the kind of window it waits for.
+            T* wanted = qobject_cast<T*>(QApplication::activePopupWidget());
+            if (wanted == nullptr)
+                wanted = qobject_cast<T*>(QApplication::activeModalWidget());
             if (wanted == nullptr || !wanted->isVisible())
                 return;
             seen = true;
@@ -47,5 +50,14 @@ private:
     QTimer timer;
     bool seen = false;
 };
+
+// Answers a file dialog with an absolute path typed into its name field,
+// as a user would: selectFile alone resolves the name against the folder
+// the dialog shows, which it may not have switched to yet.
+inline void AnswerFileDialog(QFileDialog* dialog, const QString& path)
+{
+    dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
+    static_cast<QDialog*>(dialog)->accept();
+}
 
 #endif
