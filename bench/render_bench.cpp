@@ -57,7 +57,7 @@ bool ResetPeakResident()
 namespace {
 
 // The frame sizes: 120, 512 and 1024, or the comma-separated list in
-// TAMERISK_BENCH_SIZES (the README's cost-per-pixel plot takes 120 to 2048).
+// TAMERISK_BENCH_SIZES (docs/performance.md's cost-per-pixel plot takes 120 to 2048).
 std::vector<std::int32_t> Sizes()
 {
     const char* text = std::getenv("TAMERISK_BENCH_SIZES");

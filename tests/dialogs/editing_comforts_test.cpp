@@ -2,7 +2,7 @@
 // undo and redo by key, a file dropped on the window, copy and paste through
 // the clipboard, and the large preview opened by a double click.
 //
-// With TAMERISK_SCREENSHOT_DIR set the large preview test writes the README's
+// With TAMERISK_SCREENSHOT_DIR set the large preview test writes the user guide's
 // picture of it there (see screenshot_test.cpp).
 #include <algorithm>
 #include <chrono>

@@ -1,4 +1,4 @@
-// The dialogs as the README shows them, at the screen's own pixels. With
+// The dialogs as the guides show them, at the screen's own pixels. With
 // TAMERISK_SCREENSHOT_DIR set the pictures are written there; with
 // QT_SCALE_FACTOR=2, the material dialog at 200 %:
 //

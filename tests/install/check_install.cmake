@@ -1,5 +1,5 @@
 # Installs the build into a fresh prefix and builds hosts against that
-# prefix alone: the check's host and the README's minimal host with
+# prefix alone: the check's host and the minimal host of docs/host-authors.md with
 # find_package(Tamerisk), and the check's host again with pkg-config. The
 # check's host is run each time.
 #
@@ -26,7 +26,7 @@ if(private_headers)
   message(FATAL_ERROR "private headers installed: ${private_headers}")
 endif()
 
-# find_package, the way the README shows it.
+# find_package, the way docs/host-authors.md shows it.
 foreach(project host:${SOURCE_DIR}/tests/install minimal_host:${SOURCE_DIR}/examples/minimal_host)
   string(REPLACE ":" ";" project ${project})
   list(GET project 0 name)
