@@ -3,7 +3,8 @@
 // refraction with incidence dependence and attenuation, thin glass, sky
 // reflection with rainbow gloss, and emission; then the three whose
 // per-pixel work has been the heaviest: concentric grooves with depth
-// variation, a mirror and clear glass. The benchmarks time them and the
+// variation, a mirror and clear glass; and grooves under a broad highlight,
+// whose facets light most of the shape. The benchmarks time them and the
 // golden test pins their pictures.
 #ifndef TAMERISK_BENCH_BENCH_MATERIALS_H
 #define TAMERISK_BENCH_BENCH_MATERIALS_H
@@ -69,6 +70,16 @@ inline std::vector<BenchMaterial> BenchMaterials()
     clear.transparency = 0.9f;
     clear.refractiveIndex = 1.5f;
     set.push_back({"glass", clear});
+
+    FZAttributeEx broad;
+    broad.anisotropic = 1;
+    broad.highlightStrength = 0.8f;
+    broad.highlightSharpness = 0.6f;
+    broad.color.SetBytes(150, 150, 160);
+    broad.anisotropy.type = 1;
+    broad.anisotropy.depthVariation = 1.0f;
+    broad.anisotropy.grooveWidth = 2.0f;
+    set.push_back({"grooves_broad_highlight", broad});
     return set;
 }
 

@@ -56,10 +56,13 @@ declare -A materials=(
   [grooves_concentric1]='{"anisotropic": 1, "anisotropy": {"type": 1, "depthVariation": 0.5}}'
   [mirror]='{"reflection": 0.8}'
   [glass]='{"transparency": 0.9, "refractiveIndex": 1.5}'
+  [grooves_broad_highlight]='{"anisotropic": 1, "highlightStrength": 0.8, "highlightSharpness": 0.6,
+                              "color": [150, 150, 160],
+                              "anisotropy": {"type": 1, "depthVariation": 1, "grooveWidth": 2.0}}'
 )
 # The batch keeps to the first six, so that its figures compare with earlier runs.
 batch_names=(default smooth_anisotropic2 refraction thin_glass reflection_rainbow emission_red)
-names=("${batch_names[@]}" grooves_concentric1 mirror glass)
+names=("${batch_names[@]}" grooves_concentric1 mirror glass grooves_broad_highlight)
 for name in "${names[@]}"; do
   echo "${materials[$name]}" >"$work/$name.json"
 done
