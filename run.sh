@@ -9,7 +9,9 @@ set -euo pipefail
 cd "$(dirname "$0")"
 
 ./scripts/install-deps.sh
-./scripts/build.sh
+# Only what runs here: the library, the demo host and the two tools.
+# ./test.sh builds the rest (tests, benchmarks).
+./scripts/build.sh tamerisk tamerisk-host tamerisk-render tamerisk-qva
 
 if [[ -z "${DISPLAY:-}" && -z "${WAYLAND_DISPLAY:-}" ]]; then
   picture="$PWD/build/tamerisk-editor.png"

@@ -7,6 +7,7 @@
 // --screenshot opens the editor, saves a picture of its window and exits;
 // with QT_QPA_PLATFORM=offscreen it needs no display.
 #include <cstdio>
+#include <memory>
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -55,11 +56,29 @@ int SaveScreenshot(HostWindow& host, const QString& path)
     return 0;
 }
 
+// Whether the command line asks only for text (--help, --version): that
+// needs no window system, so it must not need a display either.
+bool OnlyPrints(int argc, char** argv)
+{
+    for (int i = 1; i < argc; ++i) {
+        const QByteArray argument(argv[i]);
+        if (argument == "--")
+            break;
+        for (const char* option : {"-h", "-?", "--help", "--help-all", "-v", "--version"}) {
+            if (argument == option)
+                return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    QApplication app(argc, argv);
+    const std::unique_ptr<QCoreApplication> app = OnlyPrints(argc, argv)
+                                                      ? std::make_unique<QCoreApplication>(argc, argv)
+                                                      : std::make_unique<QApplication>(argc, argv);
     QCoreApplication::setApplicationVersion(QStringLiteral(TAMERISK_VERSION_STRING));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("A small host for the Tamerisk material editor."));
@@ -105,5 +124,5 @@ int main(int argc, char** argv)
         return SaveScreenshot(host, parser.value(screenshot));
     host.show();
     host.OpenEditor();
-    return app.exec();
+    return QApplication::exec();
 }

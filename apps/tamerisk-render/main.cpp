@@ -4,7 +4,7 @@
 //   tamerisk-render [--material FILE.qva|FILE.json] [--shape N] [--size N|WxH]
 //                   [--color-bind] [--seed S] [--threads N] --output OUT.png|OUT.ppm
 //   tamerisk-render [--shape N] [--size N|WxH] [--color-bind] [--seed S]
-//                   [--threads N] --output-dir DIR FILE...
+//                   [--threads N] --output-dir DIR FILE|FOLDER...
 //
 // The picture is made through the panel's own calls (SetUpFrame with the
 // shape, ApplyMaterial), so a thumbnail made here and the dialog's

@@ -5,6 +5,14 @@
 #include <QRegularExpression>
 #include <QStringList>
 
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "preview/preview_panel.h"
+
 namespace {
 
 constexpr int kMaxThreads = 256;
@@ -58,8 +66,12 @@ bool ParseSize(const QString& text, Options& options, QString& error)
         error = QStringLiteral("invalid --size '%1': width and height must be at least 1").arg(Shown(text));
         return false;
     }
-    if (!okW || !okH || w > INT32_MAX || h > INT32_MAX) {
-        error = QStringLiteral("--size '%1' is too large to render").arg(Shown(text));
+    if (!okW || !okH || w > kMaxFrameSide || h > kMaxFrameSide || w * h > kMaxFramePixels) {
+        error = QStringLiteral("--size '%1' is too large to render: at most %2 pixels a side and %3 pixels "
+                               "in all (8192 x 8192)")
+                    .arg(Shown(text))
+                    .arg(kMaxFrameSide)
+                    .arg(kMaxFramePixels);
         return false;
     }
     options.width = static_cast<std::int32_t>(w);
@@ -69,6 +81,13 @@ bool ParseSize(const QString& text, Options& options, QString& error)
 
 bool ParseOutput(const QByteArray& path, Options& options, QString& error)
 {
+    std::error_code ignored;
+    if (path.endsWith('/') || std::filesystem::is_directory(path.toStdString(), ignored)) {
+        error = QStringLiteral("'%1' is a folder: --output names one image; to render materials into a folder, "
+                               "use --output-dir %1 FILE...")
+                    .arg(QFile::decodeName(path));
+        return false;
+    }
     const QByteArray lower = path.toLower();
     if (lower.endsWith(".png")) {
         options.format = Format::Png;
@@ -80,6 +99,42 @@ bool ParseOutput(const QByteArray& path, Options& options, QString& error)
         return false;
     }
     options.output = path;
+    return true;
+}
+
+// The batch's materials: a file as it is, a folder as its .qva and .json
+// files (not those of its subfolders), in the order of their names' bytes.
+// False with a message for a folder that holds none.
+bool ExpandFolders(const QList<QByteArray>& given, QList<QByteArray>& files, QString& error)
+{
+    for (const QByteArray& path : given) {
+        std::error_code failure;
+        if (!std::filesystem::is_directory(path.toStdString(), failure)) {
+            files << path;
+            continue;
+        }
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(path.toStdString(), failure)) {
+            const std::string name = entry.path().filename().native();
+            const QByteArray lower = QByteArray::fromStdString(name).toLower();
+            std::error_code ignored;
+            if ((lower.endsWith(".qva") || lower.endsWith(".json")) && !entry.is_directory(ignored))
+                names.push_back(name);
+        }
+        if (failure) {
+            error = QStringLiteral("cannot read the folder '%1': %2")
+                        .arg(QFile::decodeName(path), QString::fromLocal8Bit(failure.message()));
+            return false;
+        }
+        if (names.empty()) {
+            error = QStringLiteral("the folder '%1' holds no .qva or .json file").arg(QFile::decodeName(path));
+            return false;
+        }
+        std::sort(names.begin(), names.end());
+        const QByteArray folder = path.endsWith('/') ? path : path + '/';
+        for (const std::string& name : names)
+            files << folder + QByteArray::fromStdString(name);
+    }
     return true;
 }
 
@@ -109,8 +164,7 @@ bool ParseTargets(const QByteArray& output, const QByteArray& outputDir, const Q
         return false;
     }
     options.outputDir = outputDir;
-    options.files = files;
-    return true;
+    return ExpandFolders(files, options.files, error);
 }
 
 } // namespace
@@ -145,12 +199,13 @@ bool ParseOptions(QCommandLineParser& parser, const QList<QByteArray>& arguments
                                     QStringLiteral("OUT"));
     const QCommandLineOption outputDir(QStringLiteral("output-dir"),
                                        QStringLiteral("Render every material FILE given as an argument into "
-                                                      "DIR/<its name>.png, building the shape once."),
+                                                      "DIR/<its name>.png, building the shape once. A "
+                                                      "folder FILE stands for its .qva and .json files."),
                                        QStringLiteral("DIR"));
     parser.setApplicationDescription(
         QStringLiteral("Renders a material on a sample shape, as the material editor's preview shows it."));
     parser.addOptions({material, shape, size, colorBind, seed, threads, output, outputDir});
-    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Materials to render with --output-dir."),
+    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Materials (or folders of them) to render with --output-dir."),
                                  QStringLiteral("[FILE...]"));
     parser.addHelpOption();
     parser.addVersionOption();

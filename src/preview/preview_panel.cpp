@@ -8,14 +8,6 @@
 
 namespace {
 
-// The largest frame the panel builds. A frame costs at most 16 bytes a
-// pixel (the flat ground keeps no rows, the sample keeps its rows and
-// shaded image over its own square only, and the frame image), so this
-// keeps a preview within a gigabyte; anything larger is refused as out of
-// memory before a single row is allocated.
-constexpr std::int64_t kMaxFramePixels = std::int64_t{1} << 26;  // 8192 x 8192
-constexpr std::int32_t kMaxFrameSide = 1 << 15;
-
 // The ground is lit by its ambient term alone at full strength, so the
 // shading leaves its checker colours exactly as they are.
 void MakeGroundMaterial(FZLayer& ground)

@@ -20,6 +20,14 @@
 
 class QWidget;
 
+// The largest frame the panel builds. A frame costs at most 16 bytes a
+// pixel (the flat ground keeps no rows, the sample keeps its rows and
+// shaded image over its own square only, and the frame image), so this
+// keeps a preview within a gigabyte; anything larger is refused as out of
+// memory before a single row is allocated.
+inline constexpr std::int64_t kMaxFramePixels = std::int64_t{1} << 26;  // 8192 x 8192
+inline constexpr std::int32_t kMaxFrameSide = 1 << 15;
+
 class CPreviewPanel {
 public:
     CPreviewPanel() = default;

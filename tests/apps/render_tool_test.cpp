@@ -174,7 +174,9 @@ TEST(RenderTool, BadArgumentsAreRefusedWithoutWritingAnything)
         {{"--size", "-5x10", "--output", out}, 2, "at least 1"},
         {{"--size", "12x", "--output", out}, 2, "N or WxH"},
         {{"--size", "99999999999", "--output", out}, 2, "too large"},
-        {{"--size", "100000", "--output", out}, 1, "too large"},
+        {{"--size", "100000", "--output", out}, 2, "at most 32768 pixels a side"},
+        {{"--size", "8193", "--output", out}, 2, "67108864 pixels in all"},
+        {{"--output", dir.path()}, 2, "--output-dir"},
         {{"--seed", "abc", "--output", out}, 2, "--seed"},
         {{"--threads", "-1", "--output", out}, 2, "--threads"},
         {{"--threads", "two", "--output", out}, 2, "--threads"},
@@ -244,6 +246,16 @@ TEST(RenderTool, BatchDrawsWhatItCanAndNamesTheRest)
     const QImage picture = ReadPng(out + QStringLiteral("/red.png"));
     EXPECT_EQ(picture, PanelPicture(40, 30, 3, m, 0));
     EXPECT_EQ(picture.pixel(20, 14), qRgb(255, 0, 0));
+
+    // A folder stands for its materials; one that holds none is refused.
+    const QString empty = dir.filePath(QStringLiteral("empty"));
+    ASSERT_TRUE(QDir(dir.path()).mkdir(QStringLiteral("empty")));
+    run = RunRenderTool(options + QStringList{empty});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.Errors().contains(QStringLiteral("no .qva or .json"))) << run.Errors().toStdString();
+    run = RunRenderTool(options + QStringList{dir.filePath(QStringLiteral("again"))});
+    EXPECT_EQ(run.exitCode, 0) << run.Errors().toStdString();
+    EXPECT_EQ(QDir(out).entryList(QDir::Files | QDir::Hidden), QStringList{"red.png"});
 
     // All drawn: status 0, and no progress off a terminal. The colour bind
     // shows the sample white.

@@ -3,6 +3,8 @@
 // that starts with the tool's name.
 #include <gtest/gtest.h>
 
+#include <QProcess>
+
 #include <tamerisk/version.h>
 
 #include "tool_run.h"
@@ -21,5 +23,21 @@ TEST(ToolConventions, VersionAndBadOptions)
         ASSERT_EQ(lines.size(), 1) << bad.Errors().toStdString();
         EXPECT_TRUE(lines[0].startsWith(QLatin1String(tool) + ": ")) << lines[0].toStdString();
         EXPECT_TRUE(bad.out.isEmpty()) << tool;
+    }
+}
+
+TEST(ToolConventions, HostAnswersHelpAndVersionWithoutADisplay)
+{
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        env.remove(QLatin1String(variable));
+    for (const char* option : {"--help", "--version"}) {
+        QProcess host;
+        host.setProcessEnvironment(env);
+        host.start(QStringLiteral(TAMERISK_BIN_DIR "/tamerisk-host"), {QLatin1String(option)});
+        ASSERT_TRUE(host.waitForFinished(60000)) << option;
+        EXPECT_EQ(host.exitStatus(), QProcess::NormalExit) << option;
+        EXPECT_EQ(host.exitCode(), 0) << option;
+        EXPECT_TRUE(host.readAllStandardOutput().contains("tamerisk-host")) << option;
     }
 }
