@@ -7,22 +7,10 @@
 #include <new>
 #include <vector>
 
-#if defined(__x86_64__) || defined(__i386__)
-#include <immintrin.h>
-#define TAMERISK_X86_KERNELS 1
-#endif
-
 #include "engine/fz_math.h"
 #include "engine/parallel.h"
 #include "engine/render_watch.h"
-
-// Plain loops that GCC turns into vector code for the processor at hand,
-// each lane doing the loop's own float operations.
-#if defined(__GNUC__) && !defined(__clang__) && (defined(__x86_64__) || defined(__i386__))
-#define TAMERISK_LATTICE_KERNEL __attribute__((target_clones("avx512f", "avx2", "default")))
-#else
-#define TAMERISK_LATTICE_KERNEL
-#endif
+#include "engine/row_kernel.h"
 
 namespace {
 
@@ -37,11 +25,6 @@ struct Centre {
     std::int32_t column;
     std::int32_t row;
 };
-
-// The lattice points of one ground row: their x in the frame, and their
-// light, padded to a whole number of vectors (padding x is NaN, which no
-// distance test passes).
-constexpr std::int32_t kPad = 8;
 
 // The columns j of the lattice whose point can lie within r of x = cx: a
 // pixel beyond r + 1 in x is out of reach whatever the float rounding of
@@ -63,108 +46,20 @@ void ReachableColumns(double cx, double x0, double r, std::int32_t n, std::int32
 }
 
 // One centre's light on one lattice row, point by point, as the block-by-
-// block splat adds it.
-void SplatCentreScalar(const Centre& c, double dy2, const double* gx, std::int32_t first, std::int32_t last, double r,
-                       float* cells)
+// block splat adds it. A point beyond the radius adds 0, which leaves its
+// value as it was (a -0 becomes +0, which stores the same bytes), so that
+// the loop has no branch and runs as vector code.
+TAMERISK_ROW_KERNEL void SplatCentre(double cx, double wk, double dy2, const double* gx, std::int32_t first,
+                                     std::int32_t last, double r, float* cells)
 {
+    const double rr = r * r;
     for (std::int32_t j = first; j <= last; ++j) {
-        const double dx = c.cx - gx[j];
-        const float dist2 = static_cast<float>(dx * dx + dy2);
-        if (!(dist2 <= r * r))
-            continue;
-        const double fall = std::sqrt(static_cast<double>(dist2)) - r;
-        cells[j] = static_cast<float>(cells[j] + c.wk * fall * fall);
+        const double dx = cx - gx[j];
+        const double dist2 = FZAsFloat(dx * dx + dy2);
+        const double fall = std::sqrt(dist2) - r;
+        const double term = dist2 <= rr ? wk * fall * fall : 0.0;
+        cells[j] = static_cast<float>(cells[j] + term);
     }
-}
-
-#ifdef TAMERISK_X86_KERNELS
-
-// GCC's conversion intrinsics start from an undefined register, which its
-// flow analysis reports as possibly uninitialised.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-
-// Eight points at a time. Every operation is the scalar one lane by lane
-// (IEEE sums, products, square roots and conversions round identically);
-// points outside the radius keep their value through the store mask.
-__attribute__((target("avx512f,avx512vl"))) void SplatCentreAvx512(const Centre& c, double dy2, const double* gx,
-                                                                  std::int32_t first, std::int32_t last, double r,
-                                                                  float* cells)
-{
-    const __m512d cx = _mm512_set1_pd(c.cx);
-    const __m512d yy = _mm512_set1_pd(dy2);
-    const __m512d rr = _mm512_set1_pd(r * r);
-    const __m512d rv = _mm512_set1_pd(r);
-    const __m512d wk = _mm512_set1_pd(c.wk);
-    for (std::int32_t j = first; j <= last; j += 8) {
-        const __m512d dx = _mm512_sub_pd(cx, _mm512_loadu_pd(gx + j));
-        const __m512d d2 = _mm512_cvtps_pd(_mm512_cvtpd_ps(_mm512_add_pd(_mm512_mul_pd(dx, dx), yy)));
-        const __mmask8 inside = _mm512_cmp_pd_mask(d2, rr, _CMP_LE_OQ);
-        if (inside == 0)
-            continue;
-        const __m512d fall = _mm512_sub_pd(_mm512_sqrt_pd(d2), rv);
-        const __m512d term = _mm512_mul_pd(_mm512_mul_pd(wk, fall), fall);
-        const __m512d sum = _mm512_add_pd(_mm512_cvtps_pd(_mm256_loadu_ps(cells + j)), term);
-        _mm256_mask_storeu_ps(cells + j, inside, _mm512_cvtpd_ps(sum));
-    }
-}
-
-// Four points at a time; points outside keep their value through a blend
-// before the conversion back to float, which gives a float its own value.
-__attribute__((target("avx2"))) void SplatCentreAvx2(const Centre& c, double dy2, const double* gx,
-                                                     std::int32_t first, std::int32_t last, double r, float* cells)
-{
-    const __m256d cx = _mm256_set1_pd(c.cx);
-    const __m256d yy = _mm256_set1_pd(dy2);
-    const __m256d rr = _mm256_set1_pd(r * r);
-    const __m256d rv = _mm256_set1_pd(r);
-    const __m256d wk = _mm256_set1_pd(c.wk);
-    for (std::int32_t j = first; j <= last; j += 4) {
-        const __m256d dx = _mm256_sub_pd(cx, _mm256_loadu_pd(gx + j));
-        const __m256d d2 = _mm256_cvtps_pd(_mm256_cvtpd_ps(_mm256_add_pd(_mm256_mul_pd(dx, dx), yy)));
-        const __m256d inside = _mm256_cmp_pd(d2, rr, _CMP_LE_OQ);
-        if (_mm256_movemask_pd(inside) == 0)
-            continue;
-        const __m256d fall = _mm256_sub_pd(_mm256_sqrt_pd(d2), rv);
-        const __m256d term = _mm256_mul_pd(_mm256_mul_pd(wk, fall), fall);
-        const __m256d old = _mm256_cvtps_pd(_mm_loadu_ps(cells + j));
-        const __m256d sum = _mm256_blendv_pd(old, _mm256_add_pd(old, term), inside);
-        _mm_storeu_ps(cells + j, _mm256_cvtpd_ps(sum));
-    }
-}
-
-#pragma GCC diagnostic pop
-
-#endif
-
-using SplatCentreFunction = void (*)(const Centre&, double, const double*, std::int32_t, std::int32_t, double,
-                                     float*);
-
-// The kernel for each kind, null where the processor lacks it.
-SplatCentreFunction KernelOf(FZSplatKernel kind)
-{
-#ifdef TAMERISK_X86_KERNELS
-    __builtin_cpu_init();
-    if (kind == FZSplatKernel::Avx512)
-        return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") ? SplatCentreAvx512 : nullptr;
-    if (kind == FZSplatKernel::Avx2)
-        return __builtin_cpu_supports("avx2") ? SplatCentreAvx2 : nullptr;
-#endif
-    return kind == FZSplatKernel::Plain ? SplatCentreScalar : nullptr;
-}
-
-SplatCentreFunction BestKernel()
-{
-    for (FZSplatKernel kind : {FZSplatKernel::Avx512, FZSplatKernel::Avx2})
-        if (SplatCentreFunction f = KernelOf(kind))
-            return f;
-    return SplatCentreScalar;
-}
-
-std::atomic<SplatCentreFunction>& Kernel()
-{
-    static std::atomic<SplatCentreFunction> kernel{BestKernel()};
-    return kernel;
 }
 
 // The falloff of a centre that sits exactly on a ground lattice point, k
@@ -278,10 +173,8 @@ struct Lattice {
     std::int32_t blockColumns;
     std::int32_t columns;  // lattice columns of the ground
     std::int32_t groundRows;
-    std::int32_t stride;   // padded
     std::vector<Centre> centres;
     std::vector<double> gx;
-    std::vector<float> cells;
     FallTable falls;
 };
 
@@ -314,11 +207,11 @@ void GatherCentres(Lattice& l, std::int32_t blockRow, std::vector<float>& band)
     }
 }
 
-TAMERISK_LATTICE_KERNEL void SplatGroundRow(Lattice& l, SplatCentreFunction splat, std::int32_t row)
+TAMERISK_ROW_KERNEL void SplatGroundRow(Lattice& l, std::int32_t row)
 {
     const double r = l.r;
     const double gy = l.groundRect.y0 + (2 + 5 * row) + 0.5;
-    float* cells = l.cells.data() + static_cast<std::size_t>(row) * l.stride;
+    float* cells = l.g.cells.data() + static_cast<std::size_t>(row) * static_cast<std::size_t>(l.columns);
     const double x0 = l.groundRect.x0 + 2 + 0.5;
     if (RenderStopRequested())
         return;
@@ -343,23 +236,11 @@ TAMERISK_LATTICE_KERNEL void SplatGroundRow(Lattice& l, SplatCentreFunction spla
         std::int32_t last = 0;
         ReachableColumns(c.cx, x0, r, l.columns, first, last);
         if (first <= last)
-            splat(c, dy * dy, l.gx.data(), first, last, r, cells);
+            SplatCentre(c.cx, c.wk, dy * dy, l.gx.data(), first, last, r, cells);
     }
-    float* out = l.g.cells.data() + static_cast<std::size_t>(row) * static_cast<std::size_t>(l.columns);
-    for (std::int32_t j = 0; j < l.columns; ++j)
-        out[j] = cells[j];
 }
 
 } // namespace
-
-bool UseSplatKernel(FZSplatKernel kind)
-{
-    SplatCentreFunction f = kind == FZSplatKernel::Best ? BestKernel() : KernelOf(kind);
-    if (f == nullptr)
-        return false;
-    Kernel().store(f);
-    return true;
-}
 
 bool EmissionBlockCentre(const FZLightGrid& m, std::int32_t x0, std::int32_t y0, std::int32_t br, std::int32_t bc,
                          float& w, float& cx, float& cy)
@@ -384,19 +265,16 @@ bool EmissionBlockCentre(const FZLightGrid& m, std::int32_t x0, std::int32_t y0,
 bool SplatEmissionByGroundRows(const FZEmitterLight& m, const FZRect& emitterRect, const FZRect& groundRect,
                                std::int32_t radius, FZGroundLattice& g)
 {
-    const SplatCentreFunction splat = Kernel().load();
     std::int32_t groundWidth = 0;
     std::int32_t groundHeight = 0;
     groundRect.GetSize(groundWidth, groundHeight);
     Lattice l{m, emitterRect, g, groundRect, static_cast<double>(radius), LatticeCount(m.width),
-              LatticeCount(groundWidth), LatticeCount(groundHeight), 0, {}, {}, {}, {}};
+              LatticeCount(groundWidth), LatticeCount(groundHeight), {}, {}, {}};
     const std::int32_t blockRows = LatticeCount(m.height);
     const std::int32_t groundRows = l.groundRows;
-    l.stride = (l.columns + kPad - 1) / kPad * kPad + kPad;
     try {
         l.centres.resize(static_cast<std::size_t>(blockRows) * static_cast<std::size_t>(l.blockColumns));
-        l.gx.assign(static_cast<std::size_t>(l.stride), std::numeric_limits<double>::quiet_NaN());
-        l.cells.assign(static_cast<std::size_t>(groundRows) * static_cast<std::size_t>(l.stride), 0.0f);
+        l.gx.resize(static_cast<std::size_t>(l.columns));
         g.cells.assign(static_cast<std::size_t>(groundRows) * static_cast<std::size_t>(l.columns), 0.0f);
     } catch (const std::bad_alloc&) {
         return false;
@@ -433,6 +311,6 @@ bool SplatEmissionByGroundRows(const FZEmitterLight& m, const FZRect& emitterRec
             l.falls.MakeTerms(l.centres[i].wk);
             break;
         }
-    ParallelRows(0, groundRows, [&l, splat](std::int32_t row) { SplatGroundRow(l, splat, row); });
+    ParallelRows(0, groundRows, [&l](std::int32_t row) { SplatGroundRow(l, row); });
     return true;
 }

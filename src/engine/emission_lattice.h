@@ -49,18 +49,10 @@ struct FZGroundLattice {
 // Each lattice point adds the light of every block centre in block order,
 // row by row and column by column, exactly as the block-by-block splat does,
 // so every float sum keeps its order; the rows are spread over the pool and
-// the columns of a row are taken several at a time by vector instructions
-// where the processor has them. The block centres are gathered a band of
-// five emitter rows at a time. The lattice starts from 0 light. False when
+// the columns of a row are taken several at a time by vector instructions.
+// The block centres are gathered a band of five emitter rows at a time. The lattice starts from 0 light. False when
 // its scratch memory cannot be had.
 bool SplatEmissionByGroundRows(const FZEmitterLight& m, const FZRect& emitterRect, const FZRect& groundRect,
                                std::int32_t radius, FZGroundLattice& g);
-
-// The instructions the parallel splat takes several lattice points at a
-// time with. Best (the default) picks the widest the processor has; the
-// others let tests check each one against the straightforward splat.
-// False, with nothing changed, when the processor lacks them.
-enum class FZSplatKernel { Best, Avx512, Avx2, Plain };
-bool UseSplatKernel(FZSplatKernel kind);
 
 #endif

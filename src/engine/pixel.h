@@ -64,15 +64,4 @@ inline void FZStoreBytes(std::uint8_t* p, const float rgb[3])
         p[2 - c] = FZFloatToByte(rgb[c]);
 }
 
-// Pixel (x, y) of a 24-bit image; no bounds check, callers clip.
-inline void FZReadPixel(const FZImage& image, std::int32_t x, std::int32_t y, float rgb[3])
-{
-    FZReadBytes(image.PixelAddress(x, y), rgb);
-}
-
-inline void FZStorePixel(FZImage& image, std::int32_t x, std::int32_t y, const float rgb[3])
-{
-    FZStoreBytes(image.PixelAddress(x, y), rgb);
-}
-
 #endif

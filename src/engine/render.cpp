@@ -682,7 +682,7 @@ void ParallelRowsWithBuffer(std::int32_t begin, std::int32_t end, std::size_t n,
 }
 
 // The ground's light spread from its lattice to every pixel by the tent
-// filter of size 10: the sums FilterSeparable makes over a grid holding the
+// filter of size 10: the sums the filter makes over a grid holding the
 // lattice's light at its points and 0 elsewhere, where only the lattice
 // rows are not 0. They are filtered across and kept; each pixel row then
 // sums them down, in row order. std::bad_alloc when memory runs out.

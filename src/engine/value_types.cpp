@@ -7,8 +7,6 @@
 #include <vector>
 
 #include "engine/fz_math.h"
-#include "engine/parallel.h"
-#include "engine/scratch.h"
 
 bool FZRect::ClipTo(std::int32_t bx0, std::int32_t by0, std::int32_t bx1, std::int32_t by1)
 {
@@ -50,58 +48,6 @@ float FZTentFilter::Sum(const float* values, std::size_t stride, int centre, int
         acc += static_cast<double>(v) * weight[static_cast<std::size_t>(i - (centre - half))];
     }
     return static_cast<float>(acc);
-}
-
-namespace {
-
-bool AllZero(const float* values, int count)
-{
-    for (int i = 0; i < count; ++i)
-        if (values[i] != 0.0f)
-            return false;
-    return true;
-}
-
-// The sums in two passes of independent rows, for the pool: every value
-// filtered across into the work grid, then every value down from it. Rows
-// of zeros (most rows of an emission lattice) filter across to zeros and
-// are left out of the sums down.
-void FilterRows(FZFloatGrid& grid, std::vector<float>& across, std::vector<char>& zero, const FZTentFilter& tent)
-{
-    const std::size_t w = static_cast<std::size_t>(grid.width);
-    ParallelRows(0, grid.height, [&](int r) {
-        float* out = &across[r * w];
-        zero[r] = AllZero(grid.rows[r], grid.width) ? 1 : 0;
-        for (int c = 0; c < grid.width; ++c)
-            out[c] = zero[r] != 0 ? 0.0f : tent.Sum(grid.rows[r], 1, c, grid.width);
-    });
-    ParallelRows(0, grid.height, [&](int r) {
-        for (int c = 0; c < grid.width; ++c)
-            grid.rows[r][c] = tent.Sum(&across[c], w, r, grid.height, zero.data());
-    });
-}
-
-} // namespace
-
-FZResult FilterSeparable(FZFloatGrid& grid, int size)
-{
-    if (grid.width < 1 || grid.height < 1 || grid.rows == nullptr)
-        return FZResult::Ok;
-    FZScratchFloats work(FZScratchSlot::FilterWork);
-    std::vector<float>& copy = work.Vector();
-    std::vector<char> zero;
-    if (!work.Assign(static_cast<std::size_t>(grid.width) * static_cast<std::size_t>(grid.height)))
-        return FZResult::OutOfMemory;
-    try {
-        const FZTentFilter tent(size);
-        zero.resize(static_cast<std::size_t>(grid.height));
-        FilterRows(grid, copy, zero, tent);
-    } catch (const std::bad_alloc&) {
-        return FZResult::OutOfMemory;
-    } catch (const std::length_error&) {  // a size no allocator could serve
-        return FZResult::OutOfMemory;
-    }
-    return FZResult::Ok;
 }
 
 void FZSmoothStep::Setup(float ax0, float ay0, float ax1, float ay1)

@@ -52,25 +52,11 @@ struct FZRect {
     bool Intersect(const FZRect& other) { return ClipTo(other.x0, other.y0, other.x1, other.y1); }
 };
 
-// A non-owning view of a float raster: height row pointers of width floats.
-struct FZFloatGrid {
-    std::int32_t width = 0;
-    std::int32_t height = 0;
-    float** rows = nullptr;
-
-    FZFloatGrid() = default;
-    FZFloatGrid(std::int32_t w, std::int32_t h, float** r) : width(w), height(h), rows(r) {}
-    void Clear() { width = 0; height = 0; rows = nullptr; }
-};
-
-// Smooths the grid in place with a separable tent filter of the given size
-// (half = size / 2, at least 1; 2 * half + 1 taps). Taps outside the grid are
-// dropped and not renormalised, so values near the border darken.
-// Returns 0, or -2 when a work buffer cannot be allocated.
-FZResult FilterSeparable(FZFloatGrid& grid, int size);
-
-// The tent filter of FilterSeparable, for passes that hold only part of
-// the grid they filter. std::bad_alloc when its weights cannot be had.
+// The separable tent filter of the given size (half = size / 2, at least
+// 1; 2 * half + 1 taps), for passes that filter a raster a row or a column
+// at a time. Taps outside the raster are dropped and not renormalised, so
+// values near the border darken. std::bad_alloc when its weights cannot be
+// had.
 class FZTentFilter {
 public:
     explicit FZTentFilter(int size);

@@ -44,27 +44,6 @@ void ExpectPacked(const FZPackedVector& v, int x, int y, int z, int tolerance = 
     EXPECT_NEAR(v.z, z, tolerance);
 }
 
-// A square float raster with its row pointers, filled with one value.
-struct Raster {
-    std::vector<std::vector<float>> cells;
-    std::vector<float*> rows;
-
-    Raster(int size, float value) : cells(size, std::vector<float>(size, value))
-    {
-        for (auto& row : cells)
-            rows.push_back(row.data());
-    }
-    FZFloatGrid Grid() { return FZFloatGrid(static_cast<int>(rows.size()), static_cast<int>(rows.size()), rows.data()); }
-    double Sum() const
-    {
-        double s = 0.0;
-        for (const auto& row : cells)
-            for (float v : row)
-                s += v;
-        return s;
-    }
-};
-
 } // namespace
 
 TEST(Color, FloatsTruncateToBytesAndReadBackOverTwoFiftyFive)
@@ -146,23 +125,4 @@ TEST(PackedVector, RefractionThatCannotHappenLeavesTheResultAlone)
     EXPECT_FALSE(FZPackedVector::Refract(result, Packed(0, 0, -30000), normal, kNaN));
     EXPECT_FALSE(FZPackedVector::Refract(result, Packed(0, 0, -30000), normal, 0.0f));
     ExpectPacked(result, 1, 2, 3);
-}
-
-TEST(FilterSeparable, SmallSizesLeaveTheGridAsItWas)
-{
-    Raster raster(5, 0.0f);
-    raster.cells[2][3] = 7.0f;
-    FZFloatGrid grid = raster.Grid();
-    for (int size : {-4, 0, 1, 3}) {  // half is at least 1: weights 0, 1, 0
-        ASSERT_EQ(FilterSeparable(grid, size), FZResult::Ok);
-        EXPECT_EQ(raster.cells[2][3], 7.0f);
-        EXPECT_EQ(raster.Sum(), 7.0);
-    }
-
-    FZFloatGrid empty;
-    EXPECT_EQ(FilterSeparable(empty, 10), FZResult::Ok);
-    empty = grid;
-    empty.Clear();
-    EXPECT_EQ(empty.width, 0);
-    EXPECT_EQ(empty.rows, nullptr);
 }
