@@ -35,7 +35,7 @@
 #include <QScrollBar>
 #include <QTemporaryDir>
 
-#include "dialogs/dlg_attribute.h"
+#include <tamerisk/dlg_attribute.h>
 
 #include "bench_materials.h"
 #include "dialogs/dialog_template.h"

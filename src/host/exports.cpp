@@ -27,7 +27,7 @@
 
 #include <tamerisk/tamerisk.h>
 
-#include "dialogs/dlg_attribute.h"
+#include <tamerisk/dlg_attribute.h>
 #include "host/editor_instance.h"
 
 namespace {

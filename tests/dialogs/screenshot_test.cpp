@@ -10,7 +10,7 @@
 #include <QProcess>
 #include <gtest/gtest.h>
 
-#include "dialogs/dlg_attribute.h"
+#include <tamerisk/dlg_attribute.h>
 
 #include "dialogs/dlg_anisotropic.h"
 #include "dialogs/dlg_rainbow_highlight.h"

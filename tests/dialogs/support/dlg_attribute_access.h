@@ -9,7 +9,7 @@
 #include <QLineEdit>
 #include <QTimer>
 
-#include "dialogs/dlg_attribute.h"
+#include <tamerisk/dlg_attribute.h>
 
 #include "dialogs/dialog_template.h"
 

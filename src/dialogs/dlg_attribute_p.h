@@ -1,0 +1,130 @@
+// The inside of CDlgAttribute (tamerisk/dlg_attribute.h): everything one
+// editor holds and does. The public class only forwards to it, so that the
+// class a host links against keeps its size and layout whatever changes here.
+//
+// Its work is spread over files by concept:
+//   dlg_attribute.cpp           the public class, the window's life (creation,
+//                               initialisation, events, putting it away)
+//   dlg_attribute_edit.cpp      editing: sliders, check boxes, colours,
+//                               random colours, parameter dialogs, sample
+//                               shapes, undo and redo, "更新"
+//   dlg_attribute_transfer.cpp  materials in and out: files, the clipboard,
+//                               dropped files, messages, the large preview
+#ifndef TAMERISK_DIALOGS_DLG_ATTRIBUTE_P_H
+#define TAMERISK_DIALOGS_DLG_ATTRIBUTE_P_H
+
+#include <cstddef>
+#include <memory>
+
+#include <QPointer>
+#include <QString>
+
+#include <tamerisk/attribute.h>
+#include <tamerisk/dlg_attribute.h>
+
+#include "dialogs/attribute_controls.h"
+#include "material/result_codes.h"
+
+class CEditHistory;
+class CLargePreview;
+class CPreviewPanel;
+class DialogControls;
+class QEvent;
+class QPoint;
+
+class CDlgAttributePrivate {
+public:
+    CDlgAttributePrivate(CDlgAttribute* q, QWidget* notifyWindow, unsigned int notifyMessage);
+    ~CDlgAttributePrivate();
+
+    // The window's life (dlg_attribute.cpp).
+    bool Create();
+    // An event of the window that the editor answers itself; true when it is
+    // handled and goes no further.
+    bool HandleEvent(QEvent* event);
+    void OnClose();
+    void OnOK();
+    void OnDestroy();
+
+    // Whether an edit also moves the controls to the new record: not when
+    // the edit came from the control itself.
+    enum class ControlSync { Keep, FromRecord };
+
+    // Editing (dlg_attribute_edit.cpp). Every change the user makes to the
+    // record passes through Edit: it becomes the record, and the preview, the
+    // swatches and the enabling follow; it is one step of the edit history.
+    void Edit(const FZAttributeEx& edited, ControlSync sync);
+    // Undo and redo: the record and every control, the previews too, without
+    // a word to the host.
+    void ShowRecord(const FZAttributeEx& record);
+    void UpdatePanelView();
+    void UpdateControlsFromAttribute();
+    void SetColorControlsOnOff();
+    // The material changed: shade and render once, then show it.
+    void ReDraw();
+
+    CDlgAttribute* const q;
+    QPointer<QWidget> notifyWindow;
+    unsigned int notifyMessage = 0;
+    FZAttributeEx attribute;
+    int colorBind = 0;
+    int randomFamily = 0;
+    std::unique_ptr<CPreviewPanel> preview;
+    std::unique_ptr<CAttributeControls> controls;
+    int sampleShape = 1;
+    bool created = false;
+    std::unique_ptr<CEditHistory> history;
+    std::unique_ptr<CLargePreview> largePreview;  // made at the first double click
+
+private:
+    // dlg_attribute.cpp
+    void ConnectHandlers(const DialogControls& built);
+    bool OnInitDialog();
+    void MakePreviewSquare();
+    void OnScreenChanged();
+    void LoadParameter();
+    void SaveParameter();
+
+    // dlg_attribute_edit.cpp
+    void OnButtonUpdate();
+    void OnHScroll(std::size_t slider, int position);
+    void OnButtonColor();
+    void OnButtonHighlightColor();
+    bool PickColor(FZColor& color);
+    void OnButtonColorRandom();
+    void OnButtonColorRandomType();
+    void OnContextMenu(const QPoint& globalPos);
+    void RandomButtonSubMenu(const QPoint& globalPos);
+    void OnCheckAnisotropic();
+    void OnCheckColorTransparency();
+    void OnCheckHighlightSmooth();
+    void OnCheckRainbowHighlight();
+    void OnButtonAnisotropicParameter();
+    void OnButtonRainbowHighlightParameter();
+    void OnButtonTransparencyParameter();
+    void OpenParameterDialog(int (*run)(FZAttributeEx&, int, int&));
+    void OnButtonSampleShapePrevious();
+    void OnButtonSampleShapeNext();
+    void ShowSampleShape(int shape);
+    void UpdateEnabling();
+    void DrawColorPallete();
+    void DrawHighlightColorPallete();
+    void ConnectEditActions();
+
+    // dlg_attribute_transfer.cpp
+    void OnButtonLoad();
+    void OnButtonSave();
+    FZResult LoadFile(const QString& path);
+    // reason, when given, receives the system's reason for a failure.
+    FZResult SaveFile(const QString& path, QString* reason = nullptr);
+    void ShowResult(FZResult code);
+    void ShowMessage(const QString& text);
+    void OnEditCopy();
+    void OnEditPaste();
+    bool OnDragEnter(QEvent* event);
+    bool OnDrop(QEvent* event);
+    void OpenLargePreview();
+    void OnHide(QEvent* event);
+};
+
+#endif

@@ -1,0 +1,148 @@
+// Materials in and out of the material editor: attribute files ("開く",
+// "保存" and files dropped on the window), the clipboard, the messages that
+// tell the user what failed, and the large preview.
+#include <string>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFile>
+#include <QFileDialog>
+#include <QHideEvent>
+#include <QMessageBox>
+#include <QMimeData>
+
+#include "dialogs/dlg_attribute_p.h"
+#include "dialogs/large_preview.h"
+#include "dialogs/material_transfer.h"
+#include "material/attribute_file.h"
+
+namespace {
+
+// The file dialog of "開く" and "保存": material files first, starting in
+// the current directory. An empty path when the user cancels.
+QString AskFilePath(QFileDialog::AcceptMode mode)
+{
+    QFileDialog dialog(nullptr, QString(), QDir::currentPath(),
+                       QString::fromUtf8("質感ﾌｧｲﾙ (*.qva);;すべてのﾌｧｲﾙ (*.*)"));
+    dialog.setAcceptMode(mode);
+    dialog.setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile
+                                                       : QFileDialog::ExistingFile);
+    dialog.setDefaultSuffix(QStringLiteral("qva"));
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return QString();
+    return dialog.selectedFiles().front();
+}
+
+} // namespace
+
+void CDlgAttributePrivate::OnButtonLoad()
+{
+    const QString path = AskFilePath(QFileDialog::AcceptOpen);
+    if (!path.isEmpty())
+        ShowResult(LoadFile(path));
+}
+
+void CDlgAttributePrivate::OnButtonSave()
+{
+    const QString path = AskFilePath(QFileDialog::AcceptSave);
+    if (path.isEmpty())
+        return;
+    // Below the message, which file and why: a full disk and a write-protected
+    // file call for different remedies.
+    QString reason;
+    if (const char* message = ResultMessage(SaveFile(path, &reason)))
+        ShowMessage(QString::fromUtf8(message) + u'\n' + path + QStringLiteral(": ") + reason);
+}
+
+FZResult CDlgAttributePrivate::LoadFile(const QString& path)
+{
+    FZAttributeEx loaded = attribute;
+    const FZResult code = LoadAttributeFile(QFile::encodeName(path).constData(), loaded);
+    if (code == FZResult::Ok)
+        Edit(loaded, ControlSync::FromRecord);
+    return code;
+}
+
+FZResult CDlgAttributePrivate::SaveFile(const QString& path, QString* reason)
+{
+    std::string why;
+    const FZResult code = SaveAttributeFile(QFile::encodeName(path).constData(), attribute, &why);
+    if (reason != nullptr)
+        *reason = QString::fromLocal8Bit(why);
+    return code;
+}
+
+void CDlgAttributePrivate::ShowResult(FZResult code)
+{
+    if (const char* message = ResultMessage(code))
+        ShowMessage(QString::fromUtf8(message));
+}
+
+void CDlgAttributePrivate::ShowMessage(const QString& text)
+{
+    // Owned by the dialog, captioned with the application's name.
+    QMessageBox box(QMessageBox::NoIcon, QCoreApplication::applicationName(), text,
+                    QMessageBox::Ok, q);
+    box.exec();
+}
+
+void CDlgAttributePrivate::OnEditCopy()
+{
+    QApplication::clipboard()->setText(MaterialToClipboardText(attribute));
+}
+
+void CDlgAttributePrivate::OnEditPaste()
+{
+    FZAttributeEx pasted = attribute;
+    if (MaterialFromClipboardText(QApplication::clipboard()->text(), pasted) != FZResult::Ok) {
+        QApplication::beep();
+        return;
+    }
+    Edit(pasted, ControlSync::FromRecord);
+}
+
+// A .qva file dragged onto the window loads as "開く" would.
+bool CDlgAttributePrivate::OnDragEnter(QEvent* event)
+{
+    auto* drag = static_cast<QDragEnterEvent*>(event);
+    if (!DraggedAttributeFile(drag->mimeData()).isEmpty())
+        drag->acceptProposedAction();
+    return true;
+}
+
+bool CDlgAttributePrivate::OnDrop(QEvent* event)
+{
+    auto* drop = static_cast<QDropEvent*>(event);
+    const QString path = DraggedAttributeFile(drop->mimeData());
+    if (path.isEmpty())
+        return true;
+    drop->acceptProposedAction();
+    // Loaded once the drop is over: an error box must not open while the
+    // file manager still waits for the drop to finish.
+    QMetaObject::invokeMethod(q, [this, path] { ShowResult(LoadFile(path)); }, Qt::QueuedConnection);
+    return true;
+}
+
+// Putting the editor away (close box, Enter, Esc, the host) puts its large
+// preview away too; minimising the editor leaves it.
+void CDlgAttributePrivate::OnHide(QEvent* event)
+{
+    if (largePreview && !event->spontaneous())
+        largePreview->hide();
+}
+
+void CDlgAttributePrivate::OpenLargePreview()
+{
+    if (!largePreview) {
+        largePreview = std::make_unique<CLargePreview>(q);
+        // Undo, redo, copy and paste work in the large preview as well.
+        largePreview->addActions(q->actions());
+    }
+    largePreview->ShowMaterial(attribute, colorBind, sampleShape);
+    largePreview->show();
+    largePreview->raise();
+    largePreview->activateWindow();
+}
