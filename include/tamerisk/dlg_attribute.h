@@ -18,6 +18,11 @@
 // arrives as a QEvent whose type() is the message number, sent synchronously
 // to the notify window (pick it with QEvent::registerEventType()).
 //
+// A host may delete an editor at any moment, also while one of the editor's
+// modal windows (a parameter dialog, a colour picker, a file dialog, the
+// colour-family menu, a message box) is open: that window goes with it, as if
+// cancelled.
+//
 // Requirements are those of the C functions: a QApplication, and every call
 // on its thread. Link libtamerisk.so (find_package(Tamerisk 1.1) gives
 // Tamerisk::tamerisk); this header needs Qt 6 Widgets and nothing else.
@@ -44,7 +49,8 @@ public:
     // null) with events of type `notifyMessage`.
     CDlgAttribute(QWidget* notifyWindow, unsigned int notifyMessage);
     // Remembers the window placement when the window exists, then releases
-    // the preview and the window.
+    // the preview and the window. A modal window of the editor that is open
+    // goes with it, as if cancelled.
     ~CDlgAttribute() override;
 
     // Creates the window and initialises it: the record shown, colour bind

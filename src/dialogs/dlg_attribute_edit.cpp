@@ -14,6 +14,7 @@
 #include "dialogs/dlg_attribute_parameters.h"
 #include "dialogs/large_preview.h"
 #include "dialogs/material_history.h"
+#include "dialogs/modal_window.h"
 #include "dialogs/random_color.h"
 #include "engine/display/canvas.h"
 #include "preview/preview_panel.h"
@@ -114,11 +115,11 @@ void CDlgAttributePrivate::DrawHighlightColorPallete()
 bool CDlgAttributePrivate::PickColor(FZColor& color)
 {
     // Qt's own picker always shows the custom colour part, as asked.
-    QColorDialog picker(QColor(color.r, color.g, color.b), nullptr);
-    picker.setOption(QColorDialog::DontUseNativeDialog);
-    if (picker.exec() != QDialog::Accepted)
+    CModalWindow<QColorDialog> picker(q, QColor(color.r, color.g, color.b), nullptr);
+    picker->setOption(QColorDialog::DontUseNativeDialog);
+    if (picker.Exec() != QDialog::Accepted)
         return false;
-    const QColor chosen = picker.selectedColor();
+    const QColor chosen = picker->selectedColor();
     color.SetBytes(static_cast<std::uint8_t>(chosen.red()), static_cast<std::uint8_t>(chosen.green()),
                    static_cast<std::uint8_t>(chosen.blue()));
     return true;
@@ -170,18 +171,18 @@ void CDlgAttributePrivate::OnContextMenu(const QPoint& globalPos)
 
 void CDlgAttributePrivate::RandomButtonSubMenu(const QPoint& globalPos)
 {
-    QMenu menu(q);
+    CModalWindow<QMenu> menu(q, q);
     for (const FamilyMenuItem& item : FamilyMenuItems()) {
-        QAction* action = menu.addAction(QString::fromUtf8(item.text));
+        QAction* action = menu->addAction(QString::fromUtf8(item.text));
         action->setData(kFamilyCommandBase + item.family);
         action->setCheckable(true);
         action->setChecked(item.family == randomFamily);
         if (item.family == kFamilyAll)
-            menu.addSeparator();
+            menu->addSeparator();
     }
     // Choosing a family draws no colour; the next "ﾗﾝﾀﾞﾑ" does.
-    if (const QAction* chosen = menu.exec(globalPos))
-        randomFamily = chosen->data().toInt() - kFamilyCommandBase;
+    if (const std::optional<QAction*> chosen = menu.Exec(globalPos); chosen && *chosen)
+        randomFamily = (*chosen)->data().toInt() - kFamilyCommandBase;
 }
 
 void CDlgAttributePrivate::OnCheckAnisotropic()
@@ -216,16 +217,18 @@ void CDlgAttributePrivate::OnCheckColorTransparency()
     Edit(edited, ControlSync::Keep);
 }
 
-void CDlgAttributePrivate::OpenParameterDialog(int (*run)(FZAttributeEx&, int, int&))
+void CDlgAttributePrivate::OpenParameterDialog(ParameterDialogRun run)
 {
     FZAttributeEx copy = attribute;
     int shape = preview->ShapeNumber();
-    const bool accepted = run(copy, colorBind, shape) == kIdOk;
+    const std::optional<int> answer = run(q, copy, colorBind, shape);
+    if (!answer)
+        return;  // the editor is gone
     if (shape != preview->ShapeNumber())
         ShowSampleShape(shape);
     else
         sampleShape = shape;
-    if (accepted)
+    if (*answer == kIdOk)
         Edit(copy, ControlSync::FromRecord);
 }
 

@@ -23,6 +23,7 @@
 #include <tamerisk/dlg_attribute.h>
 
 #include "dialogs/attribute_controls.h"
+#include "dialogs/dlg_attribute_parameters.h"
 #include "material/result_codes.h"
 
 class CEditHistory;
@@ -102,7 +103,7 @@ private:
     void OnButtonAnisotropicParameter();
     void OnButtonRainbowHighlightParameter();
     void OnButtonTransparencyParameter();
-    void OpenParameterDialog(int (*run)(FZAttributeEx&, int, int&));
+    void OpenParameterDialog(ParameterDialogRun run);
     void OnButtonSampleShapePrevious();
     void OnButtonSampleShapeNext();
     void ShowSampleShape(int shape);
@@ -117,6 +118,8 @@ private:
     FZResult LoadFile(const QString& path);
     // reason, when given, receives the system's reason for a failure.
     FZResult SaveFile(const QString& path, QString* reason = nullptr);
+    // A message box is modal: the editor may be gone when these return, so
+    // they come last in every handler.
     void ShowResult(FZResult code);
     void ShowMessage(const QString& text);
     void OnEditCopy();

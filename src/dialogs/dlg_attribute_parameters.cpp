@@ -7,35 +7,42 @@
 #include "dialogs/dlg_anisotropic.h"
 #include "dialogs/dlg_rainbow_highlight.h"
 #include "dialogs/dlg_transparency.h"
+#include "dialogs/modal_window.h"
 
 namespace {
 
 template <typename Dialog>
-int RunParameterDialog(FZAttributeEx& record, int colorBind, int& sampleShape)
+std::optional<int> RunParameterDialog(QWidget* editor, FZAttributeEx& record, int colorBind, int& sampleShape)
 {
-    Dialog dialog;
-    dialog.SetAttribute(record, colorBind);
-    dialog.SetSampleShape(sampleShape);
-    const bool ok = dialog.exec() == QDialog::Accepted;
+    CModalWindow<Dialog> dialog(editor);
+    dialog->SetAttribute(record, colorBind);
+    dialog->SetSampleShape(sampleShape);
+    const std::optional<int> answer = dialog.Exec();
+    if (!answer)
+        return std::nullopt;
+    const bool ok = *answer == QDialog::Accepted;
     if (ok)
-        dialog.GetAttribute(record);
-    sampleShape = dialog.SampleShape();
+        dialog->GetAttribute(record);
+    sampleShape = dialog->SampleShape();
     return ok ? kIdOk : kIdCancel;
 }
 
 } // namespace
 
-int RunAnisotropicParameterDialog(FZAttributeEx& record, int colorBind, int& sampleShape)
+std::optional<int> RunAnisotropicParameterDialog(QWidget* editor, FZAttributeEx& record, int colorBind,
+                                                 int& sampleShape)
 {
-    return RunParameterDialog<CDlgAnisotropic>(record, colorBind, sampleShape);
+    return RunParameterDialog<CDlgAnisotropic>(editor, record, colorBind, sampleShape);
 }
 
-int RunRainbowParameterDialog(FZAttributeEx& record, int colorBind, int& sampleShape)
+std::optional<int> RunRainbowParameterDialog(QWidget* editor, FZAttributeEx& record, int colorBind,
+                                             int& sampleShape)
 {
-    return RunParameterDialog<CDlgRainbowHighlight>(record, colorBind, sampleShape);
+    return RunParameterDialog<CDlgRainbowHighlight>(editor, record, colorBind, sampleShape);
 }
 
-int RunTransparencyParameterDialog(FZAttributeEx& record, int colorBind, int& sampleShape)
+std::optional<int> RunTransparencyParameterDialog(QWidget* editor, FZAttributeEx& record, int colorBind,
+                                                  int& sampleShape)
 {
-    return RunParameterDialog<CDlgTransparency>(record, colorBind, sampleShape);
+    return RunParameterDialog<CDlgTransparency>(editor, record, colorBind, sampleShape);
 }

@@ -4,13 +4,25 @@
 //   * it returns kIdOk or kIdCancel;
 //   * `record` is changed only when it returns kIdOk;
 //   * `sampleShape` comes back as the dialog left it, whichever way it ended.
+// When `editor` is destroyed while the dialog runs, the dialog goes with it
+// and the function returns nothing, leaving both untouched.
 #ifndef TAMERISK_DIALOGS_DLG_ATTRIBUTE_PARAMETERS_H
 #define TAMERISK_DIALOGS_DLG_ATTRIBUTE_PARAMETERS_H
 
+#include <optional>
+
 #include <tamerisk/attribute.h>
 
-int RunAnisotropicParameterDialog(FZAttributeEx& record, int colorBind, int& sampleShape);
-int RunRainbowParameterDialog(FZAttributeEx& record, int colorBind, int& sampleShape);
-int RunTransparencyParameterDialog(FZAttributeEx& record, int colorBind, int& sampleShape);
+class QWidget;
+
+using ParameterDialogRun = std::optional<int> (*)(QWidget* editor, FZAttributeEx& record, int colorBind,
+                                                  int& sampleShape);
+
+std::optional<int> RunAnisotropicParameterDialog(QWidget* editor, FZAttributeEx& record, int colorBind,
+                                                 int& sampleShape);
+std::optional<int> RunRainbowParameterDialog(QWidget* editor, FZAttributeEx& record, int colorBind,
+                                             int& sampleShape);
+std::optional<int> RunTransparencyParameterDialog(QWidget* editor, FZAttributeEx& record, int colorBind,
+                                                  int& sampleShape);
 
 #endif

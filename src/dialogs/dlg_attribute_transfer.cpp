@@ -17,37 +17,39 @@
 #include "dialogs/dlg_attribute_p.h"
 #include "dialogs/large_preview.h"
 #include "dialogs/material_transfer.h"
+#include "dialogs/modal_window.h"
 #include "material/attribute_file.h"
 
 namespace {
 
 // The file dialog of "開く" and "保存": material files first, starting in
-// the current directory. An empty path when the user cancels.
-QString AskFilePath(QFileDialog::AcceptMode mode)
+// the current directory. An empty path when the user cancels, and when the
+// editor is destroyed while the dialog is open.
+QString AskFilePath(QWidget* editor, QFileDialog::AcceptMode mode)
 {
-    QFileDialog dialog(nullptr, QString(), QDir::currentPath(),
-                       QString::fromUtf8("質感ﾌｧｲﾙ (*.qva);;すべてのﾌｧｲﾙ (*.*)"));
-    dialog.setAcceptMode(mode);
-    dialog.setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile
-                                                       : QFileDialog::ExistingFile);
-    dialog.setDefaultSuffix(QStringLiteral("qva"));
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+    CModalWindow<QFileDialog> dialog(editor, nullptr, QString(), QDir::currentPath(),
+                                     QString::fromUtf8("質感ﾌｧｲﾙ (*.qva);;すべてのﾌｧｲﾙ (*.*)"));
+    dialog->setAcceptMode(mode);
+    dialog->setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile
+                                                        : QFileDialog::ExistingFile);
+    dialog->setDefaultSuffix(QStringLiteral("qva"));
+    if (dialog.Exec() != QDialog::Accepted || dialog->selectedFiles().isEmpty())
         return QString();
-    return dialog.selectedFiles().front();
+    return dialog->selectedFiles().front();
 }
 
 } // namespace
 
 void CDlgAttributePrivate::OnButtonLoad()
 {
-    const QString path = AskFilePath(QFileDialog::AcceptOpen);
+    const QString path = AskFilePath(q, QFileDialog::AcceptOpen);
     if (!path.isEmpty())
         ShowResult(LoadFile(path));
 }
 
 void CDlgAttributePrivate::OnButtonSave()
 {
-    const QString path = AskFilePath(QFileDialog::AcceptSave);
+    const QString path = AskFilePath(q, QFileDialog::AcceptSave);
     if (path.isEmpty())
         return;
     // Below the message, which file and why: a full disk and a write-protected
@@ -84,9 +86,9 @@ void CDlgAttributePrivate::ShowResult(FZResult code)
 void CDlgAttributePrivate::ShowMessage(const QString& text)
 {
     // Owned by the dialog, captioned with the application's name.
-    QMessageBox box(QMessageBox::NoIcon, QCoreApplication::applicationName(), text,
-                    QMessageBox::Ok, q);
-    box.exec();
+    CModalWindow<QMessageBox> box(q, QMessageBox::NoIcon, QCoreApplication::applicationName(), text,
+                                  QMessageBox::Ok, q);
+    static_cast<void>(box.Exec());
 }
 
 void CDlgAttributePrivate::OnEditCopy()
