@@ -46,7 +46,8 @@ compare() {
 
 library_of() {
   local build=${1:-build}
-  ls "$build"/lib/libtamerisk.so.*.*.* 2>/dev/null | head -n 1 || true
+  # The newest: a build directory keeps the files of earlier versions.
+  ls -v "$build"/lib/libtamerisk.so.*.*.* 2>/dev/null | tail -n 1 || true
 }
 
 command -v abidw >/dev/null || die "abidw is missing (Debian package abigail-tools)"

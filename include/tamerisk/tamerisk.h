@@ -3,7 +3,8 @@
 // reads the edited material back.
 //
 // libtamerisk.so exports these functions with C linkage under exactly these
-// names (symbol version TAMERISK_1), and nothing else, so a host may link the
+// names (symbol versions TAMERISK_1 and, for those added in 1.1,
+// TAMERISK_1.1), and nothing else, so a host may link the
 // library or resolve them at run time (dlopen and dlsym, or
 // QLibrary::resolve) through the pointer types declared below. This header,
 // tamerisk/attribute.h and tamerisk/version.h are all a host needs.
@@ -49,6 +50,9 @@
 // the editor's button handler is still running then. Post the call instead
 // (QMetaObject::invokeMethod with Qt::QueuedConnection).
 //
+// Tamerisk_RenderPreview stands apart: it needs no editor and no
+// QApplication, and any thread may call it, several at once.
+//
 // Without an open editor every function but Tamerisk_Open does nothing;
 // Tamerisk_GetShow then returns TAMERISK_NO_EDITOR and Tamerisk_GetColorBind
 // returns 0. Null record pointers are ignored.
@@ -93,6 +97,7 @@ enum TameriskResult : int {
     TAMERISK_ERROR_WRONG_THREAD = 2,    // not the QApplication's thread
     TAMERISK_ERROR_NO_WINDOW = 3,       // Tamerisk_Open could not create the window
     TAMERISK_ERROR_OUT_OF_MEMORY = 4,   // the call ran out of memory and ended early
+    TAMERISK_ERROR_BAD_ARGUMENT = 5,    // an argument out of its range; nothing was done (1.1)
 };
 
 extern "C" {
@@ -135,6 +140,32 @@ TAMERISK_API int Tamerisk_GetLastResult(void);
 // callable at any time, from any thread.
 TAMERISK_API unsigned int Tamerisk_GetVersion(void);
 
+// Since 1.1. Draws the material on sample shape `shape` (1 plate with a
+// dimple, 2 low dome, 3 flattened hemisphere, 4 ring) over the preview's
+// checkered ground: the picture the editor's preview shows at that size and
+// the one tamerisk-render writes, pixel for pixel. With colorBind 1 the
+// sample is white, as the preview shows it under colour bind.
+//
+// The picture goes into the caller's image: width x height pixels of 3 bytes
+// each (red, green, blue), the top row first, each row `stride` bytes after
+// the one above it. Only the pixels are written, never the bytes between
+// rows.
+//
+// Any thread may call it, several at once, with or without a QApplication
+// and whether or not an editor is open. It renders on the calling thread
+// alone and leaves the editor's render threads to the editor; several host
+// threads draw several pictures at once. Each thread keeps the last small
+// picture's scene, so a run of pictures of one size and shape builds it
+// once.
+//
+// Returns TAMERISK_OK; TAMERISK_ERROR_BAD_ARGUMENT, having written nothing,
+// for a null material or image, a width or height outside 1 to 8192, a
+// stride shorter than a row (3 x width) or a shape outside 1 to 4; and
+// TAMERISK_ERROR_OUT_OF_MEMORY, having written nothing, when the memory
+// for the picture cannot be had. Tamerisk_GetLastResult reports the same.
+TAMERISK_API int Tamerisk_RenderPreview(const FZAttributeEx* material, int shape, int width, int height,
+                                        int colorBind, unsigned char* rgb, int stride);
+
 } // extern "C"
 
 // Function pointer types for hosts that resolve the functions at run time.
@@ -149,6 +180,7 @@ typedef unsigned int (*Tamerisk_GetShowFunction)(void);
 typedef void (*Tamerisk_SetTitleFunction)(const char*);
 typedef int (*Tamerisk_GetLastResultFunction)(void);
 typedef unsigned int (*Tamerisk_GetVersionFunction)(void);
+typedef int (*Tamerisk_RenderPreviewFunction)(const FZAttributeEx*, int, int, int, int, unsigned char*, int);
 
 // The functions as one table, for hosts that load the library at run
 // time:
@@ -168,6 +200,10 @@ typedef unsigned int (*Tamerisk_GetVersionFunction)(void);
 // lookup takes a function's name and returns its address or null (dlsym, or
 // QLibrary::resolve). The result is null when every function was found, else
 // the name of the first one missing.
+//
+// The table holds the functions of 1.0, which every 1.x library has. A host
+// that uses Tamerisk_RenderPreview resolves it by itself, as a
+// Tamerisk_RenderPreviewFunction, and finds it from 1.1 on.
 struct TameriskFunctions {
     Tamerisk_OpenFunction Open = nullptr;
     Tamerisk_CloseFunction Close = nullptr;

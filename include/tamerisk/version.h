@@ -10,13 +10,13 @@
 #define TAMERISK_VERSION_H
 
 #define TAMERISK_VERSION_MAJOR 1
-#define TAMERISK_VERSION_MINOR 0
+#define TAMERISK_VERSION_MINOR 1
 #define TAMERISK_VERSION_PATCH 0
 
 // 0xMMmmpp: the three numbers in one integer that compares as the version.
 #define TAMERISK_MAKE_VERSION(major, minor, patch) (((major) << 16) | ((minor) << 8) | (patch))
 #define TAMERISK_VERSION \
     TAMERISK_MAKE_VERSION(TAMERISK_VERSION_MAJOR, TAMERISK_VERSION_MINOR, TAMERISK_VERSION_PATCH)
-#define TAMERISK_VERSION_STRING "1.0.0"
+#define TAMERISK_VERSION_STRING "1.1.0"
 
 #endif

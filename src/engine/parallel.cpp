@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/render_watch.h"
+#include "engine/rows_on_calling_thread.h"
 
 namespace {
 
@@ -19,8 +20,8 @@ constexpr std::int32_t kChunksPerThread = 8;
 
 std::atomic<int> requestedThreads{0};
 
-// Set while a thread works on a chunk: a pass started from inside a chunk
-// runs on that thread alone.
+// Set while a thread works on a chunk, or keeps its passes to itself: a
+// pass started then runs on that thread alone.
 thread_local bool insideChunk = false;
 
 int ProcessorCount()
@@ -218,6 +219,16 @@ void RunWatchedRows(std::int32_t begin, std::int32_t end, FZRowChunkFunction chu
 }
 
 } // namespace
+
+FZRowsOnCallingThread::FZRowsOnCallingThread() : previous(insideChunk)
+{
+    insideChunk = true;
+}
+
+FZRowsOnCallingThread::~FZRowsOnCallingThread()
+{
+    insideChunk = previous;
+}
 
 void SetRenderThreads(int count)
 {

@@ -29,6 +29,7 @@
 
 #include <tamerisk/dlg_attribute.h>
 #include "host/editor_instance.h"
+#include "host/last_result.h"
 
 namespace {
 
@@ -180,6 +181,11 @@ constexpr ShowCommand kShowCommands[] = {
 static_assert(std::size(kShowCommands) == TAMERISK_SW_FORCEMINIMIZE + 1);
 
 } // namespace
+
+void RecordLastResult(TameriskResult result)
+{
+    lastResult = result;
+}
 
 void DeleteEditorInstance()
 {
