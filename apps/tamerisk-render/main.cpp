@@ -6,20 +6,25 @@
 //   tamerisk-render [--shape N] [--size N|WxH] [--color-bind] [--seed S]
 //                   [--threads N] --output-dir DIR FILE|FOLDER...
 //
-// The picture is made through the panel's own calls (SetUpFrame with the
-// shape, ApplyMaterial), so a thumbnail made here and the dialog's
-// preview agree pixel for pixel. A batch builds the shape once and applies
-// each material in turn, as the dialog does when the user loads another.
+// The picture is the preview panel's, made as Tamerisk_RenderPreview makes
+// it (preview/preview_picture.h), so a thumbnail made here, a host's and the
+// dialog's preview agree pixel for pixel. A batch builds the shape once and
+// applies each material in turn, as the dialog does when the user loads
+// another.
 // Every image is written to a temporary file beside the target and renamed
-// into place only when it is complete.
+// into place only when it is complete; a batch flushes its files together
+// before it renames them. With --in-place the one picture is written into
+// the output file itself, as thumbnail services want it.
 #include <QCoreApplication>
 #include <QFile>
 #include <QHash>
 
+#include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <new>
 #include <system_error>
 #include <vector>
@@ -33,7 +38,7 @@
 #include "image_file.h"
 #include "material/file_replace.h"
 #include "options.h"
-#include "preview/preview_panel.h"
+#include "preview/preview_picture.h"
 #include "progress.h"
 
 namespace {
@@ -45,6 +50,11 @@ constexpr int kInterrupted = 130;
 void PrintError(const QString& message)
 {
     std::fprintf(stderr, "tamerisk-render: %s\n", qPrintable(message));
+}
+
+QString WriteError(const QByteArray& path, const FileWriteResult& written)
+{
+    return QStringLiteral("cannot write '%1': %2").arg(QFile::decodeName(path), QString::fromLocal8Bit(written.reason));
 }
 
 enum class Encoded { Ok, Failed, OutOfMemory };
@@ -64,12 +74,16 @@ Encoded EncodeImage(const FZImage& image, Format format, std::vector<std::uint8_
 
 enum class Written { Yes, Stopped, Failed };
 
+// Where the bytes of a picture go: ReplaceFile, WriteFileInPlace or a
+// FileBatch.
+using Writer = std::function<FileWriteResult(const char* path, const void* data, std::size_t size)>;
+
 // Writes the whole image or nothing: a failed write leaves the old file as
 // it was and no temporary file behind.
 // Nothing is written once Ctrl+C was pressed, which may also stop the
 // encoding half-way; Ctrl+C during the write itself lets it finish, and the
 // picture then counts as written.
-Written WriteImage(const FZImage& image, const QByteArray& path, Format format, QString& error)
+Written WriteImage(const FZImage& image, const QByteArray& path, Format format, const Writer& write, QString& error)
 {
     std::vector<std::uint8_t> bytes;
     const Encoded encoded = EncodeImage(image, format, bytes);
@@ -83,10 +97,9 @@ Written WriteImage(const FZImage& image, const QByteArray& path, Format format, 
         error = QStringLiteral("cannot encode the image for '%1'").arg(QFile::decodeName(path));
         return Written::Failed;
     }
-    const FileWriteResult written = ReplaceFile(path.constData(), bytes.data(), bytes.size());
+    const FileWriteResult written = write(path.constData(), bytes.data(), bytes.size());
     if (!written.Ok()) {
-        error = QStringLiteral("cannot write '%1': %2")
-                    .arg(QFile::decodeName(path), QString::fromLocal8Bit(written.reason));
+        error = WriteError(path, written);
         return Written::Failed;
     }
     return Written::Yes;
@@ -100,45 +113,23 @@ int Stopped(Progress& progress, bool pictureWritten)
     return kInterrupted;
 }
 
-// The preview's frame with the sample shape built and the material on it;
-// false with a message when it cannot be built.
-bool SetUp(const Options& options, CPreviewPanel& panel, const FZAttributeEx& material, QString& error)
+// The material on the options' shape, as the preview shows it; null with
+// a message when it cannot be drawn. A picture after the first in a batch
+// only changes the material.
+const FZImage* Draw(const Options& options, FZPreviewPicture& picture, const FZAttributeEx& material,
+                    QString& error)
 {
-    const FZResult made
-        = panel.SetUpFrame(options.width, options.height, options.shape, material, options.colorBind ? 1 : 0);
-    if (made == FZResult::OutOfMemory) {
+    const FZResult drawn
+        = picture.Draw(material, options.shape, options.width, options.height, options.colorBind ? 1 : 0);
+    if (drawn == FZResult::OutOfMemory)
         error = QStringLiteral("a frame of %1 x %2 pixels is too large to render")
                     .arg(options.width)
                     .arg(options.height);
-        return false;
-    }
-    if (made != FZResult::Ok) {
-        error = QStringLiteral("the preview could not be set up (result code %1)").arg(ResultCode(made));
-        return false;
-    }
-    return true;
-}
-
-// The panel's last frame, or null with a message when there is none.
-const FZImage* Frame(const CPreviewPanel& panel, QString& error)
-{
-    const FZScene* scene = panel.Scene();
-    if (scene == nullptr || scene->frame == nullptr || scene->frame->data.empty()) {
+    else if (drawn != FZResult::Ok)
+        error = QStringLiteral("the material could not be rendered (result code %1)").arg(ResultCode(drawn));
+    else if (picture.Frame() == nullptr)
         error = QStringLiteral("the preview rendered no frame");
-        return nullptr;
-    }
-    return scene->frame.get();
-}
-
-// Another material on the panel's shape, as the preview shows it.
-const FZImage* Render(const Options& options, CPreviewPanel& panel, const FZAttributeEx& material, QString& error)
-{
-    const FZResult applied = panel.ApplyMaterial(material, options.colorBind ? 1 : 0);
-    if (applied != FZResult::Ok) {
-        error = QStringLiteral("the material could not be rendered (result code %1)").arg(ResultCode(applied));
-        return nullptr;
-    }
-    return Frame(panel, error);
+    return drawn == FZResult::Ok ? picture.Frame() : nullptr;
 }
 
 int RunSingle(const Options& options, Progress& progress)
@@ -153,10 +144,11 @@ int RunSingle(const Options& options, Progress& progress)
         }
     }
     progress.Start(0, QFile::decodeName(options.output));
-    CPreviewPanel panel;
-    // One shading and one render: the material goes on with the set-up.
-    const FZImage* frame = SetUp(options, panel, material, error) ? Frame(panel, error) : nullptr;
-    const Written done = frame != nullptr ? WriteImage(*frame, options.output, options.format, error) : Written::Failed;
+    FZPreviewPicture picture;
+    const FZImage* frame = Draw(options, picture, material, error);
+    const Writer write = options.inPlace ? Writer(WriteFileInPlace) : Writer(ReplaceFile);
+    const Written done
+        = frame != nullptr ? WriteImage(*frame, options.output, options.format, write, error) : Written::Failed;
     // A picture that was written is reported so, whenever Ctrl+C came.
     if (done == Written::Yes)
         return 0;
@@ -182,8 +174,8 @@ QByteArray BatchTarget(const Options& options, const QByteArray& file)
 }
 
 // One picture of the batch; a message when it failed.
-Written RenderOne(const Options& options, CPreviewPanel& panel, const QByteArray& file, const QByteArray& target,
-                  QString& error)
+Written RenderOne(const Options& options, FZPreviewPicture& picture, const QByteArray& file, const QByteArray& target,
+                  FileBatch& batch, QString& error)
 {
     FZAttributeEx material;
     const FZResult loaded = LoadMaterial(file, material, error);
@@ -191,8 +183,11 @@ Written RenderOne(const Options& options, CPreviewPanel& panel, const QByteArray
         error = ErrorLine(loaded, error);
         return Written::Failed;
     }
-    const FZImage* frame = Render(options, panel, material, error);
-    return frame != nullptr ? WriteImage(*frame, target, Format::Png, error) : Written::Failed;
+    const FZImage* frame = Draw(options, picture, material, error);
+    const Writer add = [&batch](const char* path, const void* data, std::size_t size) {
+        return batch.Add(path, data, size);
+    };
+    return frame != nullptr ? WriteImage(*frame, target, Format::Png, add, error) : Written::Failed;
 }
 
 // The batch's directory and those above it; false with a message when it
@@ -208,6 +203,22 @@ bool MakeDirectory(const QByteArray& path, QString& error)
     return false;
 }
 
+// A batch's pictures wait in a FileBatch and go into place together when
+// this many wait or the first of them waited this long: a batch of
+// thumbnails waits for the disk about once, and the pictures of a long
+// batch still appear as they come.
+constexpr std::size_t kMostWaiting = 48;
+constexpr auto kLongestWait = std::chrono::milliseconds(250);
+
+// Puts the waiting pictures in place; the number that failed, each named.
+int Commit(FileBatch& batch, Progress& progress)
+{
+    const std::vector<FileBatchFailure> failures = batch.Commit();
+    for (const FileBatchFailure& f : failures)
+        progress.Say(WriteError(QByteArray::fromStdString(f.path), f.result));
+    return static_cast<int>(failures.size());
+}
+
 int RunBatch(const Options& options, Progress& progress)
 {
     QString error;
@@ -215,14 +226,9 @@ int RunBatch(const Options& options, Progress& progress)
         progress.Say(error);
         return kRunError;
     }
-    CPreviewPanel panel;
-    progress.Start(0, QStringLiteral("(the frame and the shape)"));
-    if (!SetUp(options, panel, FZAttributeEx(), error)) {
-        if (Progress::Interrupted())
-            return Stopped(progress, false);
-        progress.Say(error);
-        return kRunError;
-    }
+    FZPreviewPicture picture;
+    FileBatch batch;
+    auto firstWaiting = std::chrono::steady_clock::now();
     int failed = 0;
     // Two materials of the same name would make the same image.
     QHash<QByteArray, QByteArray> made;
@@ -230,21 +236,29 @@ int RunBatch(const Options& options, Progress& progress)
         const QByteArray& file = options.files[i];
         const QByteArray target = BatchTarget(options, file);
         progress.Start(i, QFile::decodeName(target));
+        if (batch.Pending() == 0)
+            firstWaiting = std::chrono::steady_clock::now();
         Written done = Written::Failed;
         if (made.contains(target))
             error = QStringLiteral("'%1': its image '%2' is already made from '%3'")
                         .arg(QFile::decodeName(file), QFile::decodeName(target), QFile::decodeName(made[target]));
         else
-            done = RenderOne(options, panel, file, target, error);
+            done = RenderOne(options, picture, file, target, batch, error);
         if (done == Written::Yes)
             made.insert(target, file);
-        if (Progress::Interrupted())
+        // The pictures made before Ctrl+C are whole: they go into place.
+        if (Progress::Interrupted()) {
+            Commit(batch, progress);
             return Stopped(progress, done == Written::Yes);
+        }
         if (done == Written::Failed) {
             progress.Say(error);
             ++failed;
         }
+        if (batch.Pending() >= kMostWaiting || std::chrono::steady_clock::now() - firstWaiting >= kLongestWait)
+            failed += Commit(batch, progress);
     }
+    failed += Commit(batch, progress);
     return failed == 0 ? 0 : kRunError;
 }
 

@@ -89,7 +89,8 @@ bool ParseOutput(const QByteArray& path, Options& options, QString& error)
         return false;
     }
     const QByteArray lower = path.toLower();
-    if (lower.endsWith(".png")) {
+    // A thumbnail service names its output file as it likes.
+    if (options.inPlace || lower.endsWith(".png")) {
         options.format = Format::Png;
     } else if (lower.endsWith(".ppm")) {
         options.format = Format::Ppm;
@@ -202,9 +203,13 @@ bool ParseOptions(QCommandLineParser& parser, const QList<QByteArray>& arguments
                                                       "DIR/<its name>.png, building the shape once. A "
                                                       "folder FILE stands for its .qva and .json files."),
                                        QStringLiteral("DIR"));
+    const QCommandLineOption inPlace(QStringLiteral("in-place"),
+                                     QStringLiteral("Write PNG into OUT itself, whatever its name, instead of "
+                                                    "replacing it by a new file: for thumbnail services, which "
+                                                    "hand out an output file that they hold open."));
     parser.setApplicationDescription(
         QStringLiteral("Renders a material on a sample shape, as the material editor's preview shows it."));
-    parser.addOptions({material, shape, size, colorBind, seed, threads, output, outputDir});
+    parser.addOptions({material, shape, size, colorBind, seed, threads, output, outputDir, inPlace});
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Materials (or folders of them) to render with --output-dir."),
                                  QStringLiteral("[FILE...]"));
     parser.addHelpOption();
@@ -219,6 +224,11 @@ bool ParseOptions(QCommandLineParser& parser, const QList<QByteArray>& arguments
     if (parser.isSet(QStringLiteral("version")))
         parser.showVersion();
     options.colorBind = parser.isSet(colorBind);
+    options.inPlace = parser.isSet(inPlace);
+    if (options.inPlace && parser.isSet(outputDir)) {
+        error = QStringLiteral("--in-place writes one picture, to --output");
+        return false;
+    }
     if (parser.isSet(shape)) {
         bool ok = false;
         options.shape = parser.value(shape).toInt(&ok);

@@ -26,6 +26,7 @@ struct Options {
     int threads = 0;
     QByteArray output;
     Format format = Format::Png;
+    bool inPlace = false;      // output written into the file itself
     QByteArray outputDir;      // a batch when not empty
     QList<QByteArray> files;   // the batch's materials
 };

@@ -11,6 +11,7 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -336,7 +337,10 @@ int NewFileMode(int fd)
     return ::fchmod(fd, 0666 & ~CreationMask()) == 0 ? 0 : errno;
 }
 
-FileWriteResult WriteBeside(const Target& target, const unsigned char* data, std::size_t size)
+// Writes the bytes to a new file beside the target and gives it the
+// target's mode, owner and attributes; the file stays open, not yet flushed
+// nor renamed. On failure nothing is left behind.
+FileWriteResult StartBeside(const Target& target, const unsigned char* data, std::size_t size, FileBatch::Waiting& out)
 {
     const TempPlace place = TempPlaceFor(target.path);
     RemoveStaleTemps(place);
@@ -349,17 +353,51 @@ FileWriteResult WriteBeside(const Target& target, const unsigned char* data, std
     int error = WriteAllAt(fd, data, size, 0);
     if (error == 0)
         error = target.exists ? CarryOver(fd, target) : NewFileMode(fd);
-    if (error == 0 && ::fsync(fd) != 0)
-        error = errno;
-    if (::close(fd) != 0 && error == 0)
-        error = errno;
-    if (error == 0 && std::rename(tempName.c_str(), target.path.c_str()) != 0)
-        error = errno;
     if (error != 0) {
+        ::close(fd);
         ::unlink(tempName.c_str());
         return Failure(FZResult::WriteFailed, error);
     }
-    SyncDirectory(place.dir.empty() ? "." : place.dir);
+    out.fd = fd;
+    out.temp = std::move(tempName);
+    out.target = target.path;
+    out.dir = place.dir.empty() ? "." : place.dir;
+    return {};
+}
+
+// Flushes and closes the new file; on failure it is removed.
+int Flush(FileBatch::Waiting& w)
+{
+    int error = ::fsync(w.fd) == 0 ? 0 : errno;
+    if (::close(w.fd) != 0 && error == 0)
+        error = errno;
+    w.fd = -1;
+    if (error != 0)
+        ::unlink(w.temp.c_str());
+    return error;
+}
+
+// Puts the flushed new file in the target's place.
+int Rename(const FileBatch::Waiting& w)
+{
+    if (std::rename(w.temp.c_str(), w.target.c_str()) == 0)
+        return 0;
+    const int error = errno;
+    ::unlink(w.temp.c_str());
+    return error;
+}
+
+FileWriteResult WriteBeside(const Target& target, const unsigned char* data, std::size_t size)
+{
+    FileBatch::Waiting w;
+    if (FileWriteResult started = StartBeside(target, data, size, w); !started.Ok())
+        return started;
+    int error = Flush(w);
+    if (error == 0)
+        error = Rename(w);
+    if (error != 0)
+        return Failure(FZResult::WriteFailed, error);
+    SyncDirectory(w.dir);
     return {};
 }
 
@@ -416,21 +454,96 @@ FileWriteResult WriteInPlace(const Target& target, const unsigned char* data, st
     return error == 0 ? FileWriteResult{} : Failure(FZResult::WriteFailed, error);
 }
 
+// Finds the target of a path and whether it may be replaced, as every write
+// asks first.
+FileWriteResult CheckTarget(const char* path, Target& target)
+{
+    if (path == nullptr || *path == '\0')
+        return Failure(FZResult::OpenFailed, ENOENT);
+    if (FileWriteResult found = FindTarget(path, target); !found.Ok())
+        return found;
+    if (target.exists)
+        return CheckReplaceable(target);
+    return {};
+}
+
 } // namespace
 
 FileWriteResult ReplaceFile(const char* path, const void* data, std::size_t size)
 {
-    if (path == nullptr || *path == '\0')
-        return Failure(FZResult::OpenFailed, ENOENT);
     Target target;
-    if (FileWriteResult found = FindTarget(path, target); !found.Ok())
-        return found;
+    if (FileWriteResult refused = CheckTarget(path, target); !refused.Ok())
+        return refused;
     const auto* bytes = static_cast<const unsigned char*>(data);
-    if (target.exists) {
-        if (FileWriteResult refused = CheckReplaceable(target); !refused.Ok())
-            return refused;
-        if (target.st.st_nlink > 1)
-            return WriteInPlace(target, bytes, size);
-    }
+    if (target.exists && target.st.st_nlink > 1)
+        return WriteInPlace(target, bytes, size);
     return WriteBeside(target, bytes, size);
+}
+
+FileWriteResult WriteFileInPlace(const char* path, const void* data, std::size_t size)
+{
+    Target target;
+    if (FileWriteResult refused = CheckTarget(path, target); !refused.Ok())
+        return refused;
+    const auto* bytes = static_cast<const unsigned char*>(data);
+    // Nobody holds a file that is not there yet: it is made as any other.
+    return target.exists ? WriteInPlace(target, bytes, size) : WriteBeside(target, bytes, size);
+}
+
+FileBatch::~FileBatch()
+{
+    for (Waiting& w : waiting) {
+        ::close(w.fd);
+        ::unlink(w.temp.c_str());
+    }
+}
+
+FileWriteResult FileBatch::Add(const char* path, const void* data, std::size_t size)
+{
+    Target target;
+    if (FileWriteResult refused = CheckTarget(path, target); !refused.Ok())
+        return refused;
+    const auto* bytes = static_cast<const unsigned char*>(data);
+    if (target.exists && target.st.st_nlink > 1)
+        return WriteInPlace(target, bytes, size);
+    waiting.emplace_back();
+    FileWriteResult started = StartBeside(target, bytes, size, waiting.back());
+    waiting.back().path = path;
+    if (!started.Ok())
+        waiting.pop_back();
+    return started;
+}
+
+std::vector<FileBatchFailure> FileBatch::Commit()
+{
+    std::vector<Waiting> files = std::move(waiting);
+    waiting.clear();
+    // Writing back every file first lets the file system put them all in
+    // one commit of its journal: the flushes that follow find their data
+    // on the way or already there, and most find their commit done.
+    for (const Waiting& w : files)
+        ::sync_file_range(w.fd, 0, 0, SYNC_FILE_RANGE_WRITE);
+    std::vector<FileBatchFailure> failures;
+    std::vector<bool> flushed(files.size());
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const int error = Flush(files[i]);
+        flushed[i] = error == 0;
+        if (error != 0)
+            failures.push_back({files[i].path, Failure(FZResult::WriteFailed, error)});
+    }
+    // Only now does any target change: each is replaced by a whole file.
+    std::vector<std::string> dirs;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (!flushed[i])
+            continue;
+        if (const int error = Rename(files[i])) {
+            failures.push_back({files[i].path, Failure(FZResult::WriteFailed, error)});
+            continue;
+        }
+        if (std::find(dirs.begin(), dirs.end(), files[i].dir) == dirs.end())
+            dirs.push_back(files[i].dir);
+    }
+    for (const std::string& dir : dirs)
+        SyncDirectory(dir);
+    return failures;
 }

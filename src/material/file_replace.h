@@ -25,6 +25,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "material/result_codes.h"
 
@@ -45,5 +46,55 @@ struct FileWriteResult {
 // well when no file can be created beside the target, -7 when writing,
 // flushing, renaming or checking fails.
 [[nodiscard]] FileWriteResult ReplaceFile(const char* path, const void* data, std::size_t size);
+
+// Writes size bytes as the whole content of the file at path itself: the
+// same file, which another process may hold open, truncated to the new
+// size. For a file that another program hands out to be filled, such as a
+// thumbnail service's output, which must not be replaced by another file.
+// A missing file is created as ReplaceFile creates it. Refuses what
+// ReplaceFile refuses.
+[[nodiscard]] FileWriteResult WriteFileInPlace(const char* path, const void* data, std::size_t size);
+
+struct FileBatchFailure {
+    std::string path;  // as given to FileBatch::Add
+    FileWriteResult result;
+};
+
+// Many files replaced at once, as ReplaceFile replaces one, with the disk
+// waited for about once for them all instead of twice a file: every new
+// file is written first, then all are flushed together, and only then is
+// each renamed over its target. A target is never half-written and stays as
+// it was until its new file is complete on disk.
+class FileBatch {
+public:
+    FileBatch() = default;
+    // Files added and not committed are removed; their targets stay.
+    ~FileBatch();
+    FileBatch(const FileBatch&) = delete;
+    FileBatch& operator=(const FileBatch&) = delete;
+
+    // Checks the target as ReplaceFile does and writes the bytes to a new
+    // file beside it, which replaces the target at the next Commit. A target
+    // with other hard links is written in place at once. Each waiting file
+    // holds a descriptor open: commit every few dozen files.
+    [[nodiscard]] FileWriteResult Add(const char* path, const void* data, std::size_t size);
+    // The files added since the last Commit.
+    std::size_t Pending() const { return waiting.size(); }
+    // Flushes the waiting files, renames each over its target and flushes
+    // their directories; the files that failed, with their reasons.
+    [[nodiscard]] std::vector<FileBatchFailure> Commit();
+
+    // One file between Add and Commit.
+    struct Waiting {
+        int fd = -1;
+        std::string temp;    // the new file
+        std::string target;  // the file it replaces
+        std::string dir;     // the directory of both
+        std::string path;    // as given to Add
+    };
+
+private:
+    std::vector<Waiting> waiting;
+};
 
 #endif

@@ -9,6 +9,7 @@
 
 #include <poll.h>
 #include <sys/inotify.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -351,4 +352,25 @@ TEST(RenderTool, FileNamesThatAreNotUtf8StayApart)
     for (const char* shown : {"again/m\uFFFD.json", "gone\uFFFD.json"})
         EXPECT_TRUE(again.Errors().contains(QString::fromUtf8(shown))) << again.Errors().toStdString();
     EXPECT_EQ(NamesIn(out), (std::set<std::string>{"m\376.png", "m\377.png"}));
+}
+
+// As a thumbnail service runs it: the output file it holds open, named as it
+// likes, is written into and not replaced, with the picture a plain run
+// writes.
+TEST(RenderTool, InPlaceWritesIntoTheHeldFile)
+{
+    QTemporaryDir dir;
+    const QString held = dir.filePath(QStringLiteral("tumbler-XXXX")), plain = dir.filePath(QStringLiteral("p.png"));
+    ASSERT_TRUE(WriteBytes(held, QByteArray(100000, 'x')));
+    QFile holder(held);
+    ASSERT_TRUE(holder.open(QIODevice::ReadOnly));
+    struct stat before;
+    ASSERT_EQ(::stat(QFile::encodeName(held).constData(), &before), 0);
+    ToolRun run = RunRenderTool({"--in-place", "--size", "48", "--output", held});
+    ASSERT_EQ(run.exitCode, 0) << run.Errors().toStdString();
+    ASSERT_EQ(RunRenderTool({"--size", "48", "--output", plain}).exitCode, 0);
+    struct stat after;
+    ASSERT_EQ(::stat(QFile::encodeName(held).constData(), &after), 0);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_EQ(holder.readAll(), ReadBytes(plain));
 }

@@ -216,3 +216,50 @@ TEST_F(FileReplaceTest, AKilledWritersFileIsPrivateAndGoneAtTheNextWrite)
     EXPECT_EQ(ReadAll(target), "new");
     EXPECT_EQ(Entries(dir), 1u);
 }
+
+// A batch changes no target before its commit, then every one; a refused
+// target costs the others nothing, and a batch dropped before its commit
+// leaves the targets and no new file behind.
+TEST_F(FileReplaceTest, ABatchReplacesItsTargetsOnlyAtItsCommit)
+{
+    const fs::path a = dir / "a.png", b = dir / "b.png";
+    ASSERT_TRUE(Replace(a, "old a"));
+    fs::create_directory(dir / "taken.png");
+    {
+        FileBatch dropped;
+        ASSERT_TRUE(dropped.Add(a.c_str(), "lost", 4).Ok());
+    }
+    EXPECT_EQ(ReadAll(a), "old a");
+    EXPECT_EQ(Entries(dir), 2u);
+
+    FileBatch batch;
+    EXPECT_TRUE(batch.Add(a.c_str(), "new a", 5).Ok());
+    EXPECT_FALSE(batch.Add((dir / "taken.png").c_str(), "x", 1).Ok());
+    EXPECT_TRUE(batch.Add(b.c_str(), "new b", 5).Ok());
+    EXPECT_EQ(batch.Pending(), 2u);
+    EXPECT_EQ(ReadAll(a), "old a");
+    EXPECT_FALSE(fs::exists(b));
+    EXPECT_TRUE(batch.Commit().empty());
+    EXPECT_EQ(ReadAll(a), "new a");
+    EXPECT_EQ(ReadAll(b), "new b");
+    EXPECT_EQ(Entries(dir), 3u);
+}
+
+// A file another process holds open is written into, never replaced: the
+// holder reads the new bytes, and older longer content is cut off.
+TEST_F(FileReplaceTest, WritingInPlaceKeepsTheFileThatIsHeldOpen)
+{
+    ASSERT_TRUE(Replace(target, "a much longer old content"));
+    std::ifstream held(target, std::ios::binary);
+    const fs::perms mode = fs::status(target).permissions();
+    struct stat before;
+    ASSERT_EQ(::stat(target.c_str(), &before), 0);
+    ASSERT_TRUE(WriteFileInPlace(target.c_str(), "new", 3).Ok());
+    struct stat after;
+    ASSERT_EQ(::stat(target.c_str(), &after), 0);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_EQ(fs::status(target).permissions(), mode);
+    const std::string seen{std::istreambuf_iterator<char>(held), {}};
+    EXPECT_EQ(seen, "new");
+    EXPECT_EQ(Entries(dir), 1u);
+}
