@@ -43,3 +43,30 @@ string(REGEX REPLACE "/$" "" TAMERISK_PC_TO_PREFIX "${TAMERISK_PC_TO_PREFIX}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/tamerisk.pc.in ${PROJECT_BINARY_DIR}/tamerisk.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tamerisk.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# The desktop side: the material files' type (by name and by header), a
+# thumbnailer entry through which thumbnail services draw them, and the demo
+# host as the program that opens them. The entries name the installed
+# programs by their full path, so they are written when the prefix is known,
+# at install time.
+install(FILES ${PROJECT_SOURCE_DIR}/data/tamerisk-material.xml
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages COMPONENT runtime)
+install(CODE "
+  set(TAMERISK_BIN \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}\")
+  configure_file(\"${PROJECT_SOURCE_DIR}/data/tamerisk.thumbnailer.in\"
+                 \"${PROJECT_BINARY_DIR}/install-time/tamerisk.thumbnailer\" @ONLY)
+  configure_file(\"${PROJECT_SOURCE_DIR}/data/tamerisk-host.desktop.in\"
+                 \"${PROJECT_BINARY_DIR}/install-time/tamerisk-host.desktop\" @ONLY)
+" COMPONENT runtime)
+install(FILES ${PROJECT_BINARY_DIR}/install-time/tamerisk.thumbnailer
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/thumbnailers COMPONENT runtime)
+install(FILES ${PROJECT_BINARY_DIR}/install-time/tamerisk-host.desktop
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT runtime)
+# The type is known only once the prefix's MIME database is rebuilt. A
+# package (DESTDIR set) leaves that to the system's triggers.
+install(CODE "
+  find_program(TAMERISK_UPDATE_MIME update-mime-database)
+  if(TAMERISK_UPDATE_MIME AND NOT \"\$ENV{DESTDIR}\")
+    execute_process(COMMAND \${TAMERISK_UPDATE_MIME} \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/mime\")
+  endif()
+" COMPONENT runtime)

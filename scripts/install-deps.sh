@@ -10,7 +10,10 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   clang libclang-rt-14-dev
   abigail-tools
-  fonts-ipafont-gothic
+  fonts-ipafont-gothic fonts-dejavu-core
+  # the desktop side: a thumbnail service on a private session bus, the
+  # MIME database, the desktop entry checker, gio to ask for a file's type
+  tumbler dbus shared-mime-info desktop-file-utils libglib2.0-bin
 )
 
 missing=()

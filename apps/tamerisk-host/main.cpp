@@ -2,7 +2,7 @@
 // libtamerisk.so at run time, opens the editor with a material, and shows
 // what the editor sends back when the user presses "更新".
 //
-//   tamerisk-host [--open FILE.qva] [--library PATH] [--screenshot OUT.png]
+//   tamerisk-host [--open FILE.qva | FILE.qva] [--library PATH] [--screenshot OUT.png]
 //
 // --screenshot opens the editor, saves a picture of its window and exits;
 // with QT_QPA_PLATFORM=offscreen it needs no display.
@@ -95,6 +95,9 @@ int main(int argc, char** argv)
         QStringLiteral("Open the editor, save a picture of its window and exit."),
         QStringLiteral("OUT.png"));
     parser.addOptions({open, library, screenshot});
+    // As the desktop opens a material file with it.
+    parser.addPositionalArgument(QStringLiteral("FILE.qva"), QStringLiteral("The same as --open FILE.qva."),
+                                 QStringLiteral("[FILE.qva]"));
     if (!parser.parse(QCoreApplication::arguments())) {
         Fail(parser.errorText());
         Fail(QStringLiteral("try 'tamerisk-host --help'"));
@@ -110,13 +113,19 @@ int main(int argc, char** argv)
     if (!LoadTamerisk(parser.value(library), api, error))
         return Fail(error);
 
+    const QStringList files = parser.positionalArguments();
+    if (files.size() > 1 || (!files.isEmpty() && parser.isSet(open))) {
+        Fail(QStringLiteral("one material file at most"));
+        return kUsageError;
+    }
+    const QString file = files.isEmpty() ? parser.value(open) : files.front();
     FZAttributeEx material;
     QString materialName;
-    if (parser.isSet(open)) {
-        error = ReadQvaFile(parser.value(open), material);
+    if (!file.isEmpty()) {
+        error = ReadQvaFile(file, material);
         if (!error.isEmpty())
             return Fail(error);
-        materialName = QFileInfo(parser.value(open)).fileName();
+        materialName = QFileInfo(file).fileName();
     }
 
     HostWindow host(api, material, materialName);
