@@ -9,17 +9,6 @@ inline double F(double v)
     return FZAsFloat(v);
 }
 
-// FZFloatToByte: v x 255 truncated toward zero and held within 0 to 255,
-// NaN as 0 (holding first and truncating then gives the same integer).
-inline std::int32_t Byte(double v)
-{
-    double x = v * 255.0;
-    x = x == x ? x : 0.0;
-    x = x < 0.0 ? 0.0 : x;
-    x = x > 255.0 ? 255.0 : x;
-    return static_cast<std::int32_t>(x);
-}
-
 } // namespace
 
 TAMERISK_ROW_KERNEL void CompositePiece(const FZComposeLanes& lanes, std::int32_t n, FZComposeBytes& out)
@@ -35,9 +24,7 @@ TAMERISK_ROW_KERNEL void CompositePiece(const FZComposeLanes& lanes, std::int32_
             const double seen = F(through[k] * a[k] * t[k]);
             const double around = F(under[k] * F(1.0 - a[k]));
             const double s = F(shade[k] * a[k]);
-            double v = F(s + seen + around);
-            v = v > 1.0 ? 1.0 : v;
-            bytes[k] = Byte(v);
+            bytes[k] = FZByteOfLane(F(s + seen + around));
         }
     }
 }

@@ -58,6 +58,14 @@ inline void FZReadBytes(const std::uint8_t* p, float rgb[3])
         rgb[c] = FZByteToFloat(p[2 - c]);
 }
 
+// Bytes red, green, blue stored blue, green, red.
+inline void FZStoreByteTriple(std::uint8_t* p, std::int32_t red, std::int32_t green, std::int32_t blue)
+{
+    p[0] = static_cast<std::uint8_t>(blue);
+    p[1] = static_cast<std::uint8_t>(green);
+    p[2] = static_cast<std::uint8_t>(red);
+}
+
 inline void FZStoreBytes(std::uint8_t* p, const float rgb[3])
 {
     for (int c = 0; c < 3; ++c)

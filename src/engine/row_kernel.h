@@ -7,6 +7,8 @@
 #ifndef TAMERISK_ENGINE_ROW_KERNEL_H
 #define TAMERISK_ENGINE_ROW_KERNEL_H
 
+#include <cstdint>
+
 #if defined(__GNUC__) && !defined(__clang__) && (defined(__x86_64__) || defined(__i386__))
 #define TAMERISK_ROW_KERNEL __attribute__((target_clones("avx512f", "avx2", "default")))
 #else
@@ -22,6 +24,30 @@
 inline double FZAsFloat(double v)
 {
     return static_cast<double>(static_cast<float>(v));
+}
+
+// The colour rule's store of a channel (engine/pixel.h) in a lane: held at
+// most 1, then v x 255 truncated toward zero, NaN as 0, held within 0 to 255
+// (holding first and truncating then gives the same integer).
+inline std::int32_t FZByteOfLane(double v)
+{
+    v = v > 1.0 ? 1.0 : v;
+    double t = v * 255.0;
+    t = t == t ? t : 0.0;
+    t = t < 0.0 ? 0.0 : t;
+    t = t > 255.0 ? 255.0 : t;
+    return static_cast<std::int32_t>(t);
+}
+
+// FZPackedVector's packing of a float in a lane: v x 30000 truncated, NaN
+// as 0, held within the int16 range.
+inline std::int32_t FZPackedOfLane(double v)
+{
+    double t = v * 30000.0;
+    t = t == t ? t : 0.0;
+    t = t < -32768.0 ? -32768.0 : t;
+    t = t > 32767.0 ? 32767.0 : t;
+    return static_cast<std::int32_t>(t);
 }
 
 #endif

@@ -6,8 +6,7 @@
 
 #include "engine/fz_math.h"
 #include "engine/random.h"
-#include "engine/shading/facet_rows.h"
-#include "engine/shading/vector3.h"
+#include "engine/shading/facets.h"
 
 namespace {
 
@@ -134,8 +133,8 @@ void GrooveDirection(const FZAnisotropy& p, const Offset& o, const FZPackedVecto
 {
     g[0] = 0.0f;
     g[1] = 0.0f;
-    float nx, ny, nz;
-    normal.GetFloats(nx, ny, nz);
+    const auto x = [&normal] { return static_cast<float>(normal.Component(0)); };
+    const auto y = [&normal] { return static_cast<float>(normal.Component(1)); };
     switch (p.type) {
     case 1:
         g[0] = o.dx;
@@ -165,10 +164,10 @@ void GrooveDirection(const FZAnisotropy& p, const Offset& o, const FZPackedVecto
         g[o.dx >= o.dy ? 0 : 1] = 1.0f;
         break;
     case 20:
-        Unit(-ny, nx, g);
+        Unit(-y(), x(), g);
         break;
     case 21:
-        Unit(nx, ny, g);
+        Unit(x(), y(), g);
         break;
     default:
         break;
@@ -202,123 +201,20 @@ float AcrossGroove(const FZAnisotropy& p, const Offset& o)
     }
 }
 
-// Packs the facet u turned by m, without normalising again: a zero facet
-// stays the zero vector.
-FZPackedVector RotatedFacet(const FZMatrix4& m, const float u[3])
+// The angle between +z and the normal (nx, ny, nz).
+void RotationAngle(float nx, float ny, float nz, double& sine, double& cosine)
 {
-    FZDirection3 d;
-    d.Set(u);
-    FZDirection3 turned;
-    m.Transform(d, turned);
-    FZPackedVector packed;
-    packed.SetFloats(turned.x, turned.y, turned.z, false);
-    return packed;
-}
-
-// x / length for each component, the length raised to 1e-10, as an
-// FZDirection3 normalises.
-void Normalised(const double v[3], float out[3])
-{
-    double unit[3];
-    FZUnitVectorFloats(v[0], v[1], v[2], unit);
-    for (int i = 0; i < 3; ++i)
-        out[i] = static_cast<float>(unit[i]);
-}
-
-// RotatedFacet for u = (gx, gy, z) and its mirror (-gx, -gy, z) at once,
-// giving the same numbers with the work they share done once: normalising
-// the mirror negates x and y of the normalised u, and in the transform
-// (-a) + (-b) is exactly -(a + b), so only the sums with the z term differ.
-// The two final normalisations are independent, so they overlap.
-void RotatedFacetPair(const FZMatrix4& m, const float u[3], FZPackedVector& t1, FZPackedVector& t2)
-{
-    const double in[3] = {u[0], u[1], u[2]};
-    float d[3];
-    Normalised(in, d);
-    if (m.kind == FZMatrix4::kIdentity) {
-        t1.SetFloats(d[0], d[1], d[2], false);
-        t2.SetFloats(-d[0], -d[1], d[2], false);
-        return;
+    const double length = std::sqrt(static_cast<double>(nx) * nx + static_cast<double>(ny) * ny
+                                    + static_cast<double>(nz) * nz);
+    double gamma = 0.0;
+    if (!(length < 1e-10)) {
+        // The dot product with +z, zero products included.
+        double c = (0.0 * nx + 0.0 * ny + 1.0 * nz) / (1.0 * length);
+        c = c > 1.0 ? 1.0 : (c < -1.0 ? -1.0 : c);
+        gamma = std::acos(c);
     }
-    double v1[3];
-    double v2[3];
-    for (int j = 0; j < 3; ++j) {
-        const double shared = static_cast<double>(d[0]) * m.m[0][j] + static_cast<double>(d[1]) * m.m[1][j];
-        const double lifted = static_cast<double>(d[2]) * m.m[2][j];
-        // Stored as floats before normalising, as FZDirection3::Set does.
-        v1[j] = static_cast<float>(shared + lifted + m.m[3][j]);
-        v2[j] = static_cast<float>(-shared + lifted + m.m[3][j]);
-    }
-    float turned1[3];
-    float turned2[3];
-    Normalised(v1, turned1);
-    Normalised(v2, turned2);
-    t1.SetFloats(turned1[0], turned1[1], turned1[2], false);
-    t2.SetFloats(turned2[0], turned2[1], turned2[2], false);
-}
-
-// The rotation that carries +z onto the normal (nx, ny, nz); the identity
-// where none can be built.
-void RotationOntoNormal(float nx, float ny, float nz, bool direct, FZMatrix4& m)
-{
-    FZVector3 up;
-    up.Set(0.0f, 0.0f, 1.0f);
-    FZVector3 n;
-    n.Set(nx, ny, nz);
-    if (!(direct ? m.SetRotationOntoDirect(up, n) : m.SetRotationOnto(up, n)))
-        m.SetIdentity();
-}
-
-// RotationOntoNormal(nx, ny, nz, true, m) written out for a = +z: the
-// same float and double operations as FZMatrix4::SetRotationOntoDirect
-// (the axis +z x n normalised, the angle acos(n.z / |n|) with the C
-// library's acos, sin and cos, Rodrigues' matrix stored transposed, -0 made
-// +0), without the generic vector and matrix steps around them.
-void RotationOntoNormalDirect(float nx, float ny, float nz, FZMatrix4& m)
-{
-    double sine, cosine;
-    FZFacetRotationAngle(nx, ny, nz, sine, cosine);
-    if (!FZRotationTurns(sine)) {
-        m.SetIdentity();
-        return;
-    }
-    double entries[9];
-    FZRotationEntries(nx, ny, nz, sine, cosine, entries);
-    for (int i = 0; i < 3; ++i) {
-        for (int j = 0; j < 3; ++j)
-            m.m[i][j] = static_cast<float>(entries[i * 3 + j]);
-        m.m[i][3] = 0.0f;
-        m.m[3][i] = 0.0f;
-    }
-    m.m[3][3] = 1.0f;
-    m.kind = FZMatrix4::kGeneral;
-}
-
-// The two flanks tilted by atan(depth) to either side of g, in the frame of
-// the surface normal (its rotation from frame when one is given).
-void TiltFacets(const float g[2], float depth, const FZPackedVector& normal, FZFacetFrame* frame,
-                FZPackedVector& t1, FZPackedVector& t2)
-{
-    const float z = static_cast<float>(
-        std::sqrt(static_cast<double>(g[0]) * g[0] + static_cast<double>(g[1]) * g[1]) / depth);
-    const float u1[3] = {g[0], g[1], z};
-    const float u2[3] = {-g[0], -g[1], z};
-    float nx, ny, nz;
-    normal.GetFloats(nx, ny, nz);
-    // Flat parts of a layer need no rotation.
-    if (nz > 0.9999999) {
-        t1.SetFloats(u1, true);
-        t2.SetFloats(u2, true);
-        return;
-    }
-    if (frame != nullptr) {
-        RotatedFacetPair(frame->For(normal), u1, t1, t2);
-        return;
-    }
-    FZMatrix4 own;
-    RotationOntoNormal(nx, ny, nz, false, own);
-    t1 = RotatedFacet(own, u1);
-    t2 = RotatedFacet(own, u2);
+    sine = std::sin(gamma);
+    cosine = std::cos(gamma);
 }
 
 } // namespace
@@ -349,33 +245,6 @@ FZGroovePoint GroovePointAt(const FZAnisotropy& params, const float point[3], co
     groove.grooved = true;
     return groove;
 }
-
-void FacetsAt(const FZGroovePoint& groove, const FZPackedVector& normal, FZFacetFrame& frame, FZPackedVector& t1,
-              FZPackedVector& t2)
-{
-    if (!groove.grooved) {
-        t1 = normal;
-        t2 = normal;
-        return;
-    }
-    TiltFacets(groove.g, groove.depth, normal, &frame, t1, t2);
-}
-
-namespace {
-
-void Facets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal, const float centre[3],
-            FZFacetFrame* frame, FZPackedVector& t1, FZPackedVector& t2)
-{
-    const FZGroovePoint groove = GroovePointAt(params, point, normal, centre);
-    if (!groove.grooved) {
-        t1 = normal;
-        t2 = normal;
-        return;
-    }
-    TiltFacets(groove.g, groove.depth, normal, frame, t1, t2);
-}
-
-} // namespace
 
 double MaxFacetTilt(const FZAnisotropy& p)
 {
@@ -457,27 +326,41 @@ float VariedGrooveDepth(const FZAnisotropy& p, float noise, float dx, float dy)
     return depth < 0.0f ? 0.0f : depth;
 }
 
-void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
-                       const float centre[3], FZPackedVector& t1, FZPackedVector& t2)
+void FZNormalAngle::Take(const FZPackedVector& n)
 {
-    Facets(params, point, normal, centre, nullptr, t1, t2);
+    if (valid && n.x == normal.x && n.y == normal.y && n.z == normal.z)
+        return;
+    float nx, ny, nz;
+    n.GetFloats(nx, ny, nz);
+    RotationAngle(nx, ny, nz, sine, cosine);
+    normal = n;
+    valid = true;
+}
+
+TAMERISK_ROW_KERNEL void FZGrooveFacetsOfPiece(FZFacetLanes<kFZFacetPiece>& lanes, std::int32_t n)
+{
+    FZGrooveFacets(lanes, n);
 }
 
 void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
-                       const float centre[3], FZPackedVector& t1, FZPackedVector& t2, FZFacetFrame& frame)
+                       const float centre[3], FZPackedVector& t1, FZPackedVector& t2, FZNormalAngle* memo)
 {
-    Facets(params, point, normal, centre, &frame, t1, t2);
-}
-
-const FZMatrix4& FZFacetFrame::For(const FZPackedVector& normal)
-{
-    FZFacetFrameEntry& e = entry_ != nullptr ? *entry_ : last_;
-    if (!e.valid || normal.x != e.normal.x || normal.y != e.normal.y || normal.z != e.normal.z) {
-        float nx, ny, nz;
-        normal.GetFloats(nx, ny, nz);
-        RotationOntoNormalDirect(nx, ny, nz, e.rotation);
-        e.normal = normal;
-        e.valid = true;
+    const FZGroovePoint groove = GroovePointAt(params, point, normal, centre);
+    if (!groove.grooved) {
+        t1 = normal;
+        t2 = normal;
+        return;
     }
-    return e.rotation;
+    FZNormalAngle own;
+    FZNormalAngle& angle = memo != nullptr ? *memo : own;
+    // Flat parts are not turned: they need no angle.
+    float nx, ny, nz;
+    normal.GetFloats(nx, ny, nz);
+    if (!(nz > 0.9999999))
+        angle.Take(normal);
+    FZFacetLanes<1> lane;
+    FZSetFacetLane(lane, 0, normal, groove.g, groove.depth, angle);
+    FZGrooveFacets(lane, 1);
+    t1 = FZFacetOfLane(lane.t1);
+    t2 = FZFacetOfLane(lane.t2);
 }

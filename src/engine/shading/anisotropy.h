@@ -5,41 +5,17 @@
 
 #include <tamerisk/attribute.h>
 
-#include "engine/shading/vector3.h"
 
 inline constexpr int kGrooveNoiseSize = 120;
 
+struct FZNormalAngle;
+
 // Facet normals T1, T2 at the layer point (point[0], point[1]; point[2] is
-// the depth, unused) with normal n, about centre (centre[0], centre[1]).
+// the depth, unused) with normal n, about centre (centre[0], centre[1]);
+// the normal's angle is kept in memo when one is given.
 void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
-                       const float centre[3], FZPackedVector& t1, FZPackedVector& t2);
-
-// The rotation that brings facets into the frame of a normal, remembered
-// with the normal it was made for.
-struct FZFacetFrameEntry {
-    FZPackedVector normal;
-    bool valid = false;
-    FZMatrix4 rotation;
-};
-
-// Finds the rotation for a normal: in the entry given for the pixel (kept
-// by the caller between shadings, as the geometry stays while the material
-// changes), else in its memory of the last normal asked for (neighbouring
-// pixels often share their normal). An entry serves only for the normal it
-// was made for, so a stale or reused one is never wrong. One per thread.
-class FZFacetFrame {
-public:
-    void UseEntry(FZFacetFrameEntry* entry) { entry_ = entry; }
-    const FZMatrix4& For(const FZPackedVector& normal);
-
-private:
-    FZFacetFrameEntry* entry_ = nullptr;
-    FZFacetFrameEntry last_;
-};
-
-// The same facets, with the rotation for the normal taken from frame.
-void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
-                       const float centre[3], FZPackedVector& t1, FZPackedVector& t2, FZFacetFrame& frame);
+                       const float centre[3], FZPackedVector& t1, FZPackedVector& t2,
+                       FZNormalAngle* memo = nullptr);
 
 // What the facets at a point are made from: the direction across the
 // groove and the groove depth (at least 1e-6); not grooved where the
@@ -52,10 +28,6 @@ struct FZGroovePoint {
 
 FZGroovePoint GroovePointAt(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
                             const float centre[3]);
-
-// The facets of AnisotropicFacets from their groove point.
-void FacetsAt(const FZGroovePoint& groove, const FZPackedVector& normal, FZFacetFrame& frame, FZPackedVector& t1,
-              FZPackedVector& t2);
 
 // The largest angle (radians) between the normal and a facet that
 // AnisotropicFacets can give for these parameters, the rounding of its

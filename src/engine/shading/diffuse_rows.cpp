@@ -1,5 +1,6 @@
 #include "engine/shading/diffuse_rows.h"
 
+#include "engine/pixel.h"
 #include "engine/row_kernel.h"
 
 namespace {
@@ -24,10 +25,12 @@ struct Lanes {
     double nx[kFZDiffusePiece];
     double ny[kFZDiffusePiece];
     double nz[kFZDiffusePiece];
+    double base[3][kFZDiffusePiece];
     double acc[3][kFZDiffusePiece];
 };
 
-// The diffuse and ambient terms of one light, added to each pixel's.
+// DiffuseTerm: the diffuse and ambient terms of one light, added to each
+// pixel's.
 TAMERISK_ROW_KERNEL void AddLight(const FZDiffuseSetup& setup, const FZDiffuseLight& light, std::int32_t n,
                                   Lanes& lanes)
 {
@@ -59,27 +62,14 @@ TAMERISK_ROW_KERNEL void AddLight(const FZDiffuseSetup& setup, const FZDiffuseLi
     }
 }
 
-// The colour rule's store: v x 255 truncated, NaN as 0, held within 0..255,
-// after the channel is held at most 1.
-inline std::int32_t Byte(double v)
-{
-    v = v > 1.0 ? 1.0 : v;
-    double t = v * 255.0;
-    t = t == t ? t : 0.0;
-    t = t < 0.0 ? 0.0 : t;
-    t = t > 255.0 ? 255.0 : t;
-    return static_cast<std::int32_t>(t);
-}
-
-TAMERISK_ROW_KERNEL void StoreBytes(const FZDiffuseSetup& setup, std::int32_t n, const Lanes& lanes,
-                                    FZDiffuseBytes& out)
+TAMERISK_ROW_KERNEL void StoreBytes(std::int32_t n, const Lanes& lanes, FZDiffuseBytes& out)
 {
     for (int c = 0; c < 3; ++c) {
-        const double base = setup.color[c];
+        const double* base = lanes.base[c];
         const double* acc = lanes.acc[c];
         std::int32_t* bytes = out.rgb[c];
         for (std::int32_t k = 0; k < n; ++k)
-            bytes[k] = Byte(F(acc[k] * base));
+            bytes[k] = FZByteOfLane(F(acc[k] * base[k]));
     }
 }
 
@@ -112,15 +102,27 @@ void HighlightCosinesOfPiece(const FZPackedVector& half, const FZPackedVector* n
     Cosines(half, n, lanes, cosines);
 }
 
-void ShadeDiffusePiece(const FZDiffuseSetup& setup, const FZPackedVector* normals, std::int32_t n,
-                       FZDiffuseBytes& out)
+void ShadeDiffusePiece(const FZDiffuseSetup& setup, const FZPackedVector* normals, const FZColor* colours,
+                       std::int32_t n, FZDiffuseBytes& out)
 {
     Lanes lanes;
     TakeNormals(normals, n, lanes);
+    for (std::int32_t k = 0; k < n; ++k) {
+        lanes.base[0][k] = colours != nullptr ? FZByteToFloat(colours[k].r) : setup.color[0];
+        lanes.base[1][k] = colours != nullptr ? FZByteToFloat(colours[k].g) : setup.color[1];
+        lanes.base[2][k] = colours != nullptr ? FZByteToFloat(colours[k].b) : setup.color[2];
+    }
     for (int c = 0; c < 3; ++c)
         for (std::int32_t k = 0; k < n; ++k)
             lanes.acc[c][k] = 0.0;
     for (std::int32_t i = 0; i < setup.lightCount; ++i)
         AddLight(setup, setup.lights[i], n, lanes);
-    StoreBytes(setup, n, lanes, out);
+    StoreBytes(n, lanes, out);
+}
+
+TAMERISK_ROW_KERNEL void AddHighlightPiece(FZHighlightLanes& lanes, std::int32_t n)
+{
+    for (int c = 0; c < 3; ++c)
+        for (std::int32_t k = 0; k < n; ++k)
+            lanes.rgb[c][k] = FZByteOfLane(F(lanes.shade[c][k] + lanes.h[k] * lanes.colour[c][k]));
 }

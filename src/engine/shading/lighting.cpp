@@ -10,7 +10,7 @@
 #include "engine/pixel.h"
 #include "engine/shading/anisotropy.h"
 #include "engine/shading/diffuse_rows.h"
-#include "engine/shading/facet_rows.h"
+#include "engine/shading/facets.h"
 #include "engine/shading/surface.h"
 
 namespace {
@@ -158,9 +158,9 @@ float FacetTerm(const HighlightSetup& h, const FZPackedVector& t1, const FZPacke
 }
 
 // The highlight term of one light at (px, py) with the given normal.
-// frame: the rotation memory for the facets.
+// angle: the memory of the normal's angle for the facets.
 float HighlightAt(const FZLayer& layer, const HighlightSetup& h, float px, float py, float depth,
-                  const FZPackedVector& normal, FZFacetFrame& frame)
+                  const FZPackedVector& normal, FZNormalAngle& angle)
 {
     const FZAttributeEx& m = layer.material;
     if (m.anisotropic == 0)
@@ -169,14 +169,14 @@ float HighlightAt(const FZLayer& layer, const HighlightSetup& h, float px, float
         return 0.0f;
     const float point[3] = {px, py, depth};
     FZPackedVector t1, t2;
-    AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2, frame);
+    AnisotropicFacets(m.anisotropy, point, normal, h.centre, t1, t2, &angle);
     return FacetTerm(h, t1, t2);
 }
 
 // The supersampled highlight of one light over pixel (x, y): n x n points,
 // each with the normal filtered over a box, each held at most 1.
 float SmoothHighlightAt(const FZLayer& layer, const HighlightSetup& h, int x, int y, int n, float boxWidth,
-                        FZFacetFrame& frame)
+                        FZNormalAngle& angle)
 {
     const float depth = layer.depth[y][x];
     float sum = 0.0f;
@@ -185,7 +185,7 @@ float SmoothHighlightAt(const FZLayer& layer, const HighlightSetup& h, int x, in
             const float sx = static_cast<float>(x + (i + 0.5) / n);
             const float sy = static_cast<float>(y + (j + 0.5) / n);
             const FZPackedVector filtered = FilteredNormal(layer, sx, sy, boxWidth);
-            float term = HighlightAt(layer, h, sx, sy, depth, filtered, frame);
+            float term = HighlightAt(layer, h, sx, sy, depth, filtered, angle);
             if (term > 1.0f)
                 term = 1.0f;
             sum = static_cast<float>(static_cast<double>(sum) + term);
@@ -209,23 +209,24 @@ struct ShadingPass {
     // A white pixel stays white under any highlight: the highlight colour
     // and the rainbow tint never add a negative or NaN amount.
     bool whiteStaysWhite = false;
-    // Facet rotations by pixel, kept from the last shading (null: none).
-    FZFacetFrameEntry* frames = nullptr;
+    float highlightColour[3] = {0.0f, 0.0f, 0.0f};
+    // The normals' angles by pixel, kept from the last shading (null: none).
+    FZNormalAngle* angles = nullptr;
     // The lights and the material as the diffuse kernel takes them.
     std::vector<FZDiffuseLight> diffuseLights;
     FZDiffuseSetup diffuse;
 };
 
-// The facet rotations of the pixels of the last grooved layer shaded, for
+// The normals' angles of the pixels of the last grooved layer shaded, for
 // layers of at most 256 x 256 pixels (the previews the
 // dialogs show, which are shaded again at every change of the material).
-class FacetFrameTable {
+class NormalAngleTable {
 public:
     static constexpr std::int64_t kMaxPixels = 256 * 256;
 
     // Lends the table for a layer of w x h until Release; null when another
     // shading holds it, the layer is larger, or memory runs out.
-    FZFacetFrameEntry* Lend(std::int32_t w, std::int32_t h)
+    FZNormalAngle* Lend(std::int32_t w, std::int32_t h)
     {
         if (std::int64_t{w} * h > kMaxPixels || !lock.try_lock())
             return nullptr;
@@ -241,12 +242,12 @@ public:
 
 private:
     std::mutex lock;
-    std::vector<FZFacetFrameEntry> entries;
+    std::vector<FZNormalAngle> entries;
 };
 
-FacetFrameTable& FacetFrames()
+NormalAngleTable& NormalAngles()
 {
-    static FacetFrameTable table;
+    static NormalAngleTable table;
     return table;
 }
 
@@ -270,6 +271,7 @@ void HoistLights(ShadingPass& pass, bool highlight)
     }
     const FZAttributeEx& m = pass.layer.material;
     pass.whiteStaysWhite = m.rainbow == 0 || TintIsFinite(m);
+    m.highlightColor.GetFloats(pass.highlightColour);
     for (const LightSample& fixed : pass.fixed) {
         FZDiffuseLight& d = pass.diffuseLights.emplace_back();
         d.direction = fixed.direction;
@@ -283,121 +285,27 @@ void HoistLights(ShadingPass& pass, bool highlight)
     m.color.GetFloats(pass.diffuse.color);
 }
 
-// Pass 1: ambient and diffuse under every light, times the surface colour.
-// The memory along a row: with the lights the same at
-// every point, what the lights give depends on the normal alone, and
-// neighbouring pixels often share it.
-struct RowMemo {
-    FZPackedVector normal;
-    bool valid = false;
-    float value[3] = {0.0f, 0.0f, 0.0f};
-
-    bool Has(const FZPackedVector& n) const
-    {
-        return valid && n.x == normal.x && n.y == normal.y && n.z == normal.z;
-    }
-    void Keep(const FZPackedVector& n, const float v[3])
-    {
-        normal = n;
-        valid = true;
-        for (int c = 0; c < 3; ++c)
-            value[c] = v[c];
-    }
-};
-
-// With the material's colour everywhere, the bytes come from the diffuse
-// kernel a piece of the row at a time.
-void ShadeUniformRow(const ShadingPass& pass, std::int32_t y)
+// Pass 1: ambient and diffuse under every light, times the surface colour
+// (the material's, or the layer's own at each pixel), a piece of the row at
+// a time.
+void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
     const std::uint8_t* coverage = layer.coverage[y];
     const FZPackedVector* normals = layer.normals[y];
+    const FZColor* own = layer.colorSource == 1 && !layer.colors.empty() ? layer.colors[y] : nullptr;
     FZDiffuseBytes bytes;
     const FZSpan held = layer.StoredRow(y);
     for (std::int32_t start = held.first; start <= held.last; start += kFZDiffusePiece) {
         const std::int32_t n = FZMin(kFZDiffusePiece, held.last + 1 - start);
         if (std::all_of(coverage + start, coverage + start + n, [](std::uint8_t c) { return c == 0; }))
             continue;
-        ShadeDiffusePiece(pass.diffuse, normals + start, n, bytes);
+        ShadeDiffusePiece(pass.diffuse, normals + start, own != nullptr ? own + start : nullptr, n, bytes);
         std::uint8_t* out = layer.ShadedAt(start, y);
-        for (std::int32_t k = 0; k < n; ++k) {
-            if (coverage[start + k] == 0)
-                continue;
-            // Bytes go blue, green, red.
-            out[3 * k] = static_cast<std::uint8_t>(bytes.rgb[2][k]);
-            out[3 * k + 1] = static_cast<std::uint8_t>(bytes.rgb[1][k]);
-            out[3 * k + 2] = static_cast<std::uint8_t>(bytes.rgb[0][k]);
-        }
+        for (std::int32_t k = 0; k < n; ++k)
+            if (coverage[start + k] != 0)
+                FZStoreByteTriple(out + 3 * k, bytes.rgb[0][k], bytes.rgb[1][k], bytes.rgb[2][k]);
     }
-}
-
-// With own colours (the checkered ground) the bytes depend on the normal
-// and the pixel's colour; neighbours mostly share both, so the last pair's
-// bytes are kept.
-void ShadeOwnColourRow(const ShadingPass& pass, std::int32_t y)
-{
-    FZLayer& layer = pass.layer;
-    RowMemo memo;
-    const FZSpan held = layer.StoredRow(y);
-    if (held.Empty())
-        return;
-    const FZColor* own = layer.colors[y];
-    FZColor lastColour = own[held.first];
-    float base[3];
-    lastColour.GetFloats(base);
-    bool haveBytes = false;
-    std::uint8_t bytes[3] = {0, 0, 0};
-    const std::uint8_t* coverage = layer.coverage[y];
-    const FZPackedVector* normals = layer.normals[y];
-    FZShadedPixel* row = layer.shaded[y];
-    for (std::int32_t x = held.first; x <= held.last; ++x) {
-        if (coverage[x] == 0)
-            continue;
-        const FZPackedVector& normal = normals[x];
-        const bool known = memo.Has(normal);
-        const FZColor colour = own[x];
-        const bool sameColour = colour.r == lastColour.r && colour.g == lastColour.g && colour.b == lastColour.b;
-        std::uint8_t* p = row[x].bgr;
-        if (known && sameColour && haveBytes) {
-            p[0] = bytes[0];
-            p[1] = bytes[1];
-            p[2] = bytes[2];
-            continue;
-        }
-        float acc[3] = {0.0f, 0.0f, 0.0f};
-        if (known) {
-            for (int c = 0; c < 3; ++c)
-                acc[c] = memo.value[c];
-        } else {
-            for (const LightSample& light : pass.fixed) {
-                float term[3];
-                DiffuseTerm(layer.material, normal, light.direction, light.color, term);
-                for (int c = 0; c < 3; ++c)
-                    acc[c] = static_cast<float>(static_cast<double>(acc[c]) + term[c]);
-            }
-            memo.Keep(normal, acc);
-        }
-        if (!sameColour)
-            colour.GetFloats(base);
-        for (int c = 0; c < 3; ++c)
-            acc[c] = static_cast<float>(static_cast<double>(acc[c]) * base[c]);
-        ClampToOne(acc);
-        FZStoreBytes(p, acc);
-        lastColour = colour;
-        haveBytes = true;
-        bytes[0] = p[0];
-        bytes[1] = p[1];
-        bytes[2] = p[2];
-    }
-}
-
-void ShadeDiffuseRow(const ShadingPass& pass, std::int32_t y)
-{
-    const FZLayer& layer = pass.layer;
-    if (layer.colorSource == 1 && !layer.colors.empty())
-        ShadeOwnColourRow(pass, y);
-    else
-        ShadeUniformRow(pass, y);
 }
 
 // Pass 2: the unclamped highlight of all lights at every covered pixel
@@ -428,11 +336,10 @@ void FillPlainHighlightRow(const ShadingPass& pass, std::int32_t y)
     }
 }
 
-// Pass 2 for a grooved layer: a piece of a row at a time, the pixels off
-// the flat parts have their facets built by the vector kernels, once for
-// all lights (every light's setup has the same pattern centre, which
-// depends on the layer and the material alone); the others go through
-// HighlightAt.
+// Pass 2 for a grooved layer, a piece of a row at a time: the facets of
+// the grooved pixels within some light's reach come from the vector kernel,
+// once for all lights (every light's setup has the same pattern centre,
+// which depends on the layer and the material alone).
 class GroovedPiece {
 public:
     GroovedPiece(const ShadingPass& pass, std::int32_t y) : pass_(pass), layer_(pass.layer), y_(y) {}
@@ -444,15 +351,13 @@ public:
             Visit(x);
         if (count_ == 0)
             return;
-        RotationsOfPiece(lanes_, count_);
-        KeepRotations();
-        FacetsOfPiece(lanes_, count_);
+        FZGrooveFacetsOfPiece(lanes_, count_);
         for (std::int32_t k = 0; k < count_; ++k)
-            layer_.highlight[y_][x_[k]] = LaneSum(k);
+            layer_.highlight[y_][x_[k]] = Sum(layer_.normals[y_][x_[k]], Facet(lanes_.t1, k), Facet(lanes_.t2, k));
     }
 
 private:
-    // A covered pixel: out of every light's reach, flat or ungrooved it is
+    // A covered pixel out of every light's reach, or without a groove, is
     // done here; otherwise it takes the next lane.
     void Visit(std::int32_t x)
     {
@@ -469,83 +374,36 @@ private:
             out = 0.0f;
             return;
         }
-        const float px = static_cast<float>(x + 0.5);
-        const float py = static_cast<float>(y_ + 0.5);
-        const float point[3] = {px, py, layer_.depth[y_][x]};
+        const float point[3] = {static_cast<float>(x + 0.5), static_cast<float>(y_ + 0.5), layer_.depth[y_][x]};
         const FZGroovePoint groove = GroovePointAt(layer_.material.anisotropy, point, normal, pass_.highlights[0].centre);
-        float nx, ny, nz;
-        normal.GetFloats(nx, ny, nz);
-        if (!groove.grooved || nz > 0.9999999) {
-            out = ScalarSum(px, py, point[2], normal, x);
+        if (!groove.grooved) {
+            out = Sum(normal, normal, normal);
             return;
         }
+        // Kept for the next shading of the layer, or for the next pixel.
+        FZNormalAngle& angle
+            = pass_.angles != nullptr ? pass_.angles[static_cast<std::size_t>(y_) * layer_.width + x] : last_;
+        // Flat parts are not turned: they need no angle.
+        if (!(normal.z >= 30000))
+            angle.Take(normal);
         const std::int32_t k = count_++;
         x_[k] = x;
-        lanes_.nx[k] = nx;
-        lanes_.ny[k] = ny;
-        lanes_.nz[k] = nz;
-        lanes_.gx[k] = groove.g[0];
-        lanes_.gy[k] = groove.g[1];
-        lanes_.depth[k] = groove.depth;
-        known_[k] = Entry(x) != nullptr && Entry(x)->valid && SameNormal(Entry(x)->normal, normal);
-        lanes_.sine[k] = 0.0;
-        lanes_.cosine[k] = 1.0;
-        if (!known_[k])
-            FZFacetRotationAngle(nx, ny, nz, lanes_.sine[k], lanes_.cosine[k]);
+        FZSetFacetLane(lanes_, k, normal, groove.g, groove.depth, angle);
     }
 
-    float ScalarSum(float px, float py, float depth, const FZPackedVector& normal, std::int32_t x)
+    static FZPackedVector Facet(const std::int32_t (&t)[3][kFZFacetPiece], std::int32_t k)
     {
-        FZFacetFrame frame;
-        if (Entry(x) != nullptr)
-            frame.UseEntry(Entry(x));
-        float sum = 0.0f;
-        for (const HighlightSetup& h : pass_.highlights)
-            sum = static_cast<float>(sum + static_cast<double>(HighlightAt(layer_, h, px, py, depth, normal, frame)));
-        return sum;
+        FZPackedVector v;
+        v.x = static_cast<std::int16_t>(t[0][k]);
+        v.y = static_cast<std::int16_t>(t[1][k]);
+        v.z = static_cast<std::int16_t>(t[2][k]);
+        return v;
     }
 
-    // The rotations kept from the last shading stand in for the kernel's
-    // (they are the same numbers); the new ones are kept for the next.
-    void KeepRotations()
+    // The terms of all lights; a pixel within reach of some light is within
+    // reach of the only one, when there is one.
+    float Sum(const FZPackedVector& normal, const FZPackedVector& t1, const FZPackedVector& t2) const
     {
-        for (std::int32_t k = 0; k < count_; ++k) {
-            FZFacetFrameEntry* e = Entry(x_[k]);
-            if (e == nullptr)
-                continue;
-            if (known_[k]) {
-                for (int i = 0; i < 3; ++i)
-                    for (int j = 0; j < 3; ++j)
-                        lanes_.m[i * 3 + j][k] = e->rotation.m[i][j];
-                lanes_.identity[k] = e->rotation.kind == FZMatrix4::kIdentity ? 1.0 : 0.0;
-                continue;
-            }
-            if (lanes_.identity[k] > 0.5) {
-                e->rotation.SetIdentity();
-            } else {
-                e->rotation.SetIdentity();
-                for (int i = 0; i < 3; ++i)
-                    for (int j = 0; j < 3; ++j)
-                        e->rotation.m[i][j] = static_cast<float>(lanes_.m[i * 3 + j][k]);
-                e->rotation.kind = FZMatrix4::kGeneral;
-            }
-            e->normal = layer_.normals[y_][x_[k]];
-            e->valid = true;
-        }
-    }
-
-    float LaneSum(std::int32_t k) const
-    {
-        FZPackedVector t1, t2;
-        t1.x = static_cast<std::int16_t>(lanes_.t1[0][k]);
-        t1.y = static_cast<std::int16_t>(lanes_.t1[1][k]);
-        t1.z = static_cast<std::int16_t>(lanes_.t1[2][k]);
-        t2.x = static_cast<std::int16_t>(lanes_.t2[0][k]);
-        t2.y = static_cast<std::int16_t>(lanes_.t2[1][k]);
-        t2.z = static_cast<std::int16_t>(lanes_.t2[2][k]);
-        const FZPackedVector& normal = layer_.normals[y_][x_[k]];
-        // A lane's pixel is within reach of some light: of the only one,
-        // when there is one.
         const bool single = pass_.highlights.size() == 1;
         float sum = 0.0f;
         for (const HighlightSetup& h : pass_.highlights) {
@@ -555,23 +413,13 @@ private:
         return sum;
     }
 
-    FZFacetFrameEntry* Entry(std::int32_t x) const
-    {
-        return pass_.frames != nullptr ? &pass_.frames[static_cast<std::size_t>(y_) * layer_.width + x] : nullptr;
-    }
-
-    static bool SameNormal(const FZPackedVector& a, const FZPackedVector& b)
-    {
-        return a.x == b.x && a.y == b.y && a.z == b.z;
-    }
-
     const ShadingPass& pass_;
     FZLayer& layer_;
     std::int32_t y_;
     std::int32_t count_ = 0;
     std::int32_t x_[kFZFacetPiece];
-    bool known_[kFZFacetPiece];
-    FZFacetLanes lanes_;
+    FZFacetLanes<kFZFacetPiece> lanes_;
+    FZNormalAngle last_;
 };
 
 void FillGroovedHighlightRow(const ShadingPass& pass, std::int32_t y)
@@ -622,8 +470,8 @@ float PixelHighlight(const ShadingPass& pass, std::int32_t x, std::int32_t y)
     const float width = layer.material.smoothWidth > frameWide ? frameWide : layer.material.smoothWidth;
     float sum = 0.0f;
     for (const HighlightSetup& h : pass.highlights) {
-        FZFacetFrame frame;
-        const float term = SmoothHighlightAt(layer, h, x, y, 3, width, frame);
+        FZNormalAngle angle;
+        const float term = SmoothHighlightAt(layer, h, x, y, 3, width, angle);
         sum = static_cast<float>(sum + static_cast<double>(term));
     }
     return sum;
@@ -634,7 +482,8 @@ void HighlightColor(const ShadingPass& pass, std::int32_t x, std::int32_t y, flo
 {
     const FZLayer& layer = pass.layer;
     const FZAttributeEx& m = layer.material;
-    m.highlightColor.GetFloats(hc);
+    for (int c = 0; c < 3; ++c)
+        hc[c] = pass.highlightColour[c];
     if (m.rainbow == 0)
         return;
     if (pass.fixed.empty())
@@ -650,12 +499,22 @@ bool IsWhite(const std::uint8_t* p)
     return p[0] == 255 && p[1] == 255 && p[2] == 255;
 }
 
-// Pass 3: adds the highlight, held at most 1, in the highlight colour.
+// Pass 3: adds the highlight, held at most 1, in the highlight colour, the
+// pixels that take one gathered a piece at a time for the kernel.
 void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
     const std::uint8_t* coverage = layer.coverage[y];
     const float* highlight = layer.highlight[y];
+    FZHighlightLanes lanes;
+    std::int32_t columns[kFZDiffusePiece];
+    std::int32_t count = 0;
+    const auto add = [&] {
+        AddHighlightPiece(lanes, count);
+        for (std::int32_t k = 0; k < count; ++k)
+            FZStoreByteTriple(layer.ShadedAt(columns[k], y), lanes.rgb[0][k], lanes.rgb[1][k], lanes.rgb[2][k]);
+        count = 0;
+    };
     // Without smoothing the map's value is the pixel's highlight, and most
     // pixels have none: they are passed over first.
     const bool smooth = layer.material.smoothHighlight != 0;
@@ -663,7 +522,8 @@ void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
     for (std::int32_t x = held.first; x <= held.last; ++x) {
         if (coverage[x] == 0 || (!smooth && !(highlight[x] > 0.0f)))
             continue;
-        if (pass.whiteStaysWhite && IsWhite(layer.ShadedAt(x, y)))
+        const std::uint8_t* shaded = layer.ShadedAt(x, y);
+        if (pass.whiteStaysWhite && IsWhite(shaded))
             continue;
         float h = PixelHighlight(pass, x, y);
         if (h > 1.0f)
@@ -672,13 +532,17 @@ void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
             continue;
         float hc[3];
         HighlightColor(pass, x, y, hc);
-        float colour[3];
-        FZReadBytes(layer.ShadedAt(x, y), colour);
-        for (int c = 0; c < 3; ++c)
-            colour[c] = static_cast<float>(colour[c] + static_cast<double>(h) * hc[c]);
-        ClampToOne(colour);
-        FZStoreBytes(layer.ShadedAt(x, y), colour);
+        const std::int32_t k = count++;
+        columns[k] = x;
+        lanes.h[k] = h;
+        for (int c = 0; c < 3; ++c) {
+            lanes.shade[c][k] = FZByteToFloat(shaded[2 - c]);
+            lanes.colour[c][k] = hc[c];
+        }
+        if (count == kFZDiffusePiece)
+            add();
     }
+    add();
 }
 
 bool AnyCovered(const FZLayer& layer)
@@ -692,35 +556,17 @@ bool AnyCovered(const FZLayer& layer)
 }
 
 // A flat layer faces the viewer everywhere, so each of its two colours
-// shades to one set of bytes: those the rows' passes store for it.
+// shades to one set of bytes: those the rows' pass stores for it.
 void ShadeFlatColours(const ShadingPass& pass)
 {
     FZLayer& layer = pass.layer;
     FZPackedVector normal;
     normal.SetFloats(0.0f, 0.0f, 1.0f, true);
     for (int k = 0; k < 2; ++k) {
-        std::uint8_t* out = layer.fill.shaded[k];
-        if (layer.colorSource != 1) {
-            FZDiffuseBytes bytes;
-            ShadeDiffusePiece(pass.diffuse, &normal, 1, bytes);
-            for (int c = 0; c < 3; ++c)
-                out[2 - c] = static_cast<std::uint8_t>(bytes.rgb[c][0]);
-            continue;
-        }
-        float acc[3] = {0.0f, 0.0f, 0.0f};
-        for (const LightSample& light : pass.fixed) {
-            float term[3];
-            DiffuseTerm(layer.material, normal, light.direction, light.color, term);
-            for (int c = 0; c < 3; ++c)
-                acc[c] = static_cast<float>(static_cast<double>(acc[c]) + term[c]);
-        }
-        float base[3];
-        layer.fill.colors[k].GetFloats(base);
-        for (int c = 0; c < 3; ++c)
-            acc[c] = static_cast<float>(static_cast<double>(acc[c]) * base[c]);
-        ClampToOne(acc);
-        for (int c = 0; c < 3; ++c)
-            out[2 - c] = FZFloatToByte(acc[c]);
+        FZDiffuseBytes bytes;
+        const FZColor* own = layer.colorSource == 1 ? &layer.fill.colors[k] : nullptr;
+        ShadeDiffusePiece(pass.diffuse, &normal, own, 1, bytes);
+        FZStoreByteTriple(layer.fill.shaded[k], bytes.rgb[0][0], bytes.rgb[1][0], bytes.rgb[2][0]);
     }
 }
 
@@ -788,29 +634,15 @@ FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZLightLis
     if (grooves && !pass.fixed.empty() && AnyCovered(layer))
         GrooveNoiseTable();
     if (grooves)
-        pass.frames = FacetFrames().Lend(layer.width, layer.height);
+        pass.angles = NormalAngles().Lend(layer.width, layer.height);
     if (grooves && !pass.highlights.empty())
         ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { FillGroovedHighlightRow(pass, y); });
     else
         ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { FillPlainHighlightRow(pass, y); });
-    if (pass.frames != nullptr)
-        FacetFrames().Release();
+    if (pass.angles != nullptr)
+        NormalAngles().Release();
     ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { ApplyHighlightRow(pass, y); });
     return FZResult::Ok;
-}
-
-void DiffuseTerm(const FZAttributeEx& material, const FZPackedVector& normal, const FZPackedVector& lightDir,
-                 const float lightColor[3], float out[3])
-{
-    out[0] = out[1] = out[2] = 0.0f;
-    const float cosine = static_cast<float>(-FZPackedVector::Dot(lightDir, normal));
-    if (cosine > 0.0f && material.diffuse > 0.0f) {
-        const float lit = static_cast<float>(static_cast<double>(cosine) * material.diffuse);
-        for (int c = 0; c < 3; ++c)
-            out[c] = static_cast<float>(static_cast<double>(lit) * lightColor[c]);
-    }
-    for (int c = 0; c < 3; ++c)
-        out[c] = static_cast<float>(static_cast<double>(out[c]) + material.ambient);
 }
 
 FZPackedVector FilteredNormal(const FZLayer& layer, float sx, float sy, float boxWidth)

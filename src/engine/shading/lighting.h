@@ -12,8 +12,6 @@
 // none behind.
 FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZLightList* lights);
 
-void DiffuseTerm(const FZAttributeEx& material, const FZPackedVector& normal,
-                 const FZPackedVector& lightDir, const float lightColor[3], float out[3]);
 FZPackedVector FilteredNormal(const FZLayer& layer, float sx, float sy, float boxWidth);
 void RainbowGloss(float spacing, float index, const FZPackedVector& lightDir, const FZPackedVector& normal,
                   float out[3]);

@@ -1,0 +1,174 @@
+// Groove facets: the two flanks of a groove, tilted by atan(depth) to
+// either side of the direction across it and turned into the frame of the
+// surface normal. The rule is written once over a number of lanes: the row
+// kernel runs it over a piece of a row as vector code, the single pixel
+// runs it at width 1. Each lane holds floats in doubles, rounded after
+// every operation as the float arithmetic of one pixel is, and takes both
+// ways (flat part or turned) before it picks one, so that the loop has no
+// branch.
+#ifndef TAMERISK_ENGINE_SHADING_FACETS_H
+#define TAMERISK_ENGINE_SHADING_FACETS_H
+
+#include <cmath>
+#include <cstdint>
+
+#include <tamerisk/attribute.h>
+
+#include "engine/row_kernel.h"
+
+inline constexpr std::int32_t kFZFacetPiece = 64;
+
+// The angle between +z and a normal as its sine and cosine (the C
+// library's acos, sin and cos), remembered with the normal it was worked
+// out for: a shape's geometry stays while its material changes, and
+// neighbouring samples often share a normal.
+struct FZNormalAngle {
+    FZPackedVector normal;
+    bool valid = false;
+    double sine = 0.0;
+    double cosine = 1.0;
+
+    // Makes this the angle of n, worked out again only for another normal.
+    void Take(const FZPackedVector& n);
+};
+
+template <int W>
+struct FZFacetLanes {
+    // The normal's floats, 1 where it faces +z within 1e-7 (no turning
+    // there), and its angle to +z.
+    double nx[W];
+    double ny[W];
+    double nz[W];
+    double flat[W];
+    double sine[W];
+    double cosine[W];
+    // The direction across the groove and the groove depth (at least 1e-6).
+    double gx[W];
+    double gy[W];
+    double depth[W];
+    // Out: the packed facets.
+    std::int32_t t1[3][W];
+    std::int32_t t2[3][W];
+};
+
+// Fills lane k for a grooved point with the given normal.
+template <int W>
+inline void FZSetFacetLane(FZFacetLanes<W>& l, std::int32_t k, const FZPackedVector& normal, const float g[2],
+                           float depth, const FZNormalAngle& angle)
+{
+    float nx, ny, nz;
+    normal.GetFloats(nx, ny, nz);
+    l.nx[k] = nx;
+    l.ny[k] = ny;
+    l.nz[k] = nz;
+    l.flat[k] = nz > 0.9999999 ? 1.0 : 0.0;
+    l.sine[k] = angle.sine;
+    l.cosine[k] = angle.cosine;
+    l.gx[k] = g[0];
+    l.gy[k] = g[1];
+    l.depth[k] = depth;
+}
+
+inline FZPackedVector FZFacetOfLane(const std::int32_t (&t)[3][1])
+{
+    FZPackedVector v;
+    v.x = static_cast<std::int16_t>(t[0][0]);
+    v.y = static_cast<std::int16_t>(t[1][0]);
+    v.z = static_cast<std::int16_t>(t[2][0]);
+    return v;
+}
+
+namespace fz_facets_detail {
+
+// v / |v| for each component, the length in double raised to 1e-10, each
+// rounded to float: a direction's normalisation.
+[[gnu::always_inline]] inline void Unit(double x, double y, double z, double out[3])
+{
+    double length = std::sqrt(x * x + y * y + z * z);
+    length = length < 1e-10 ? 1e-10 : length;
+    out[0] = FZAsFloat(x / length);
+    out[1] = FZAsFloat(y / length);
+    out[2] = FZAsFloat(z / length);
+}
+
+// The rotation that carries +z onto the normal: the axis +z x n
+// normalised, Rodrigues' matrix stored transposed (points are row
+// vectors), each entry a float with -0 made +0; m[i * 3 + j] is row i,
+// column j.
+[[gnu::always_inline]] inline void Rotation(double nx, double ny, double nz, double sine, double cosine,
+                                            double m[9])
+{
+    // The zero products of +z's components stay: they decide the signs of
+    // zeros, as the generic cross product does.
+    double axis[3];
+    Unit(FZAsFloat(0.0 * nz - 1.0 * ny), FZAsFloat(1.0 * nx - 0.0 * nz), FZAsFloat(0.0 * ny - 0.0 * nx), axis);
+    const double ax = axis[0];
+    const double ay = axis[1];
+    const double az = axis[2];
+    const double t = 1.0 - cosine;
+    m[0] = FZAsFloat(cosine + ax * ax * t) + 0.0;
+    m[1] = FZAsFloat(ay * ax * t + az * sine) + 0.0;
+    m[2] = FZAsFloat(az * ax * t - ay * sine) + 0.0;
+    m[3] = FZAsFloat(ax * ay * t - az * sine) + 0.0;
+    m[4] = FZAsFloat(cosine + ay * ay * t) + 0.0;
+    m[5] = FZAsFloat(az * ay * t + ax * sine) + 0.0;
+    m[6] = FZAsFloat(ax * az * t + ay * sine) + 0.0;
+    m[7] = FZAsFloat(ay * az * t - ax * sine) + 0.0;
+    m[8] = FZAsFloat(cosine + az * az * t) + 0.0;
+}
+
+} // namespace fz_facets_detail
+
+// The facets of the first n lanes. On a flat part the raw facets
+// (gx, gy, z) and (-gx, -gy, z), z = |g| / depth, are packed with
+// FZNormalizeFloats; elsewhere they are normalised as directions, turned
+// by the rotation onto the normal (none where it cannot turn) and packed
+// as they are.
+template <int W>
+[[gnu::always_inline]] inline void FZGrooveFacets(FZFacetLanes<W>& l, std::int32_t n)
+{
+    using namespace fz_facets_detail;
+    for (std::int32_t k = 0; k < n; ++k) {
+        const double gx = l.gx[k];
+        const double gy = l.gy[k];
+        const double z = FZAsFloat(std::sqrt(gx * gx + gy * gy) / l.depth[k]);
+
+        // FZNormalizeFloats: the squared length in float.
+        const double sq = FZAsFloat(FZAsFloat(FZAsFloat(gx * gx) + FZAsFloat(gy * gy)) + FZAsFloat(z * z));
+        const bool some = sq > 0.0;
+        const double inv = FZAsFloat(1.0 / std::sqrt(sq));
+        const double flat[3] = {some ? FZAsFloat(gx * inv) : 0.0, some ? FZAsFloat(gy * inv) : 0.0,
+                                some ? FZAsFloat(z * inv) : 1.0};
+
+        double d[3];
+        Unit(gx, gy, z, d);
+        double m[9];
+        Rotation(l.nx[k], l.ny[k], l.nz[k], l.sine[k], l.cosine[k], m);
+        // The mirror facet (-d.x, -d.y, d.z) negates the products of x and
+        // y, and (-a) + (-b) is exactly -(a + b): only the sums with the z
+        // term differ. Stored as floats (the translation row adds +0), then
+        // normalised again.
+        const double shared[3] = {d[0] * m[0] + d[1] * m[3], d[0] * m[1] + d[1] * m[4], d[0] * m[2] + d[1] * m[5]};
+        const double lifted[3] = {d[2] * m[6], d[2] * m[7], d[2] * m[8]};
+        double turned1[3];
+        double turned2[3];
+        Unit(FZAsFloat(shared[0] + lifted[0] + 0.0), FZAsFloat(shared[1] + lifted[1] + 0.0),
+             FZAsFloat(shared[2] + lifted[2] + 0.0), turned1);
+        Unit(FZAsFloat(-shared[0] + lifted[0] + 0.0), FZAsFloat(-shared[1] + lifted[1] + 0.0),
+             FZAsFloat(-shared[2] + lifted[2] + 0.0), turned2);
+
+        const bool isFlat = l.flat[k] > 0.5;
+        const bool turns = std::fabs(l.sine[k]) >= 1e-10;
+        l.t1[0][k] = FZPackedOfLane(isFlat ? flat[0] : (turns ? turned1[0] : d[0]));
+        l.t1[1][k] = FZPackedOfLane(isFlat ? flat[1] : (turns ? turned1[1] : d[1]));
+        l.t1[2][k] = FZPackedOfLane(isFlat ? flat[2] : (turns ? turned1[2] : d[2]));
+        l.t2[0][k] = FZPackedOfLane(isFlat ? -flat[0] : (turns ? turned2[0] : -d[0]));
+        l.t2[1][k] = FZPackedOfLane(isFlat ? -flat[1] : (turns ? turned2[1] : -d[1]));
+        l.t2[2][k] = FZPackedOfLane(isFlat ? flat[2] : (turns ? turned2[2] : d[2]));
+    }
+}
+
+// The rule over a piece of a row, as vector code.
+void FZGrooveFacetsOfPiece(FZFacetLanes<kFZFacetPiece>& lanes, std::int32_t n);
+
+#endif
