@@ -1,0 +1,184 @@
+// The highlight map of a layer: every light's HighlightTerm summed at each
+// covered pixel, plain or from the facets of the grooves.
+#include <algorithm>
+#include <mutex>
+#include <vector>
+
+#include "engine/fz_math.h"
+#include "engine/parallel.h"
+#include "engine/shading/anisotropy.h"
+#include "engine/shading/shading_pass.h"
+
+namespace {
+
+// The normals' angles of the pixels of the last grooved layer shaded, for
+// layers of at most 256 x 256 pixels (the previews the
+// dialogs show, which are shaded again at every change of the material).
+class NormalAngleTable {
+public:
+    static constexpr std::int64_t kMaxPixels = 256 * 256;
+
+    // Lends the table for a layer of w x h until Release; null when another
+    // shading holds it, the layer is larger, or memory runs out.
+    FZNormalAngle* Lend(std::int32_t w, std::int32_t h)
+    {
+        if (std::int64_t{w} * h > kMaxPixels || !lock.try_lock())
+            return nullptr;
+        try {
+            entries.resize(static_cast<std::size_t>(w) * static_cast<std::size_t>(h));
+        } catch (const std::bad_alloc&) {
+            lock.unlock();
+            return nullptr;
+        }
+        return entries.data();
+    }
+    void Release() { lock.unlock(); }
+
+private:
+    std::mutex lock;
+    std::vector<FZNormalAngle> entries;
+};
+
+NormalAngleTable& NormalAngles()
+{
+    static NormalAngleTable table;
+    return table;
+}
+
+// Without grooves a light's term depends on
+// the normal's cosine to its half vector alone: the cosines of a piece of
+// the row come from a vector kernel, the power only where a term can be
+// above 0.
+void FillPlainHighlightRow(const ShadingPass& pass, std::int32_t y)
+{
+    FZLayer& layer = pass.layer;
+    const std::uint8_t* coverage = layer.coverage[y];
+    const FZPackedVector* normals = layer.normals[y];
+    float* highlight = layer.highlight[y];
+    const FZSpan held = layer.StoredRow(y);
+    for (std::int32_t start = held.first; start <= held.last; start += kFZDiffusePiece) {
+        const std::int32_t n = FZMin(kFZDiffusePiece, held.last + 1 - start);
+        float sum[kFZDiffusePiece] = {};
+        if (!std::all_of(coverage + start, coverage + start + n, [](std::uint8_t c) { return c == 0; })) {
+            for (const HighlightSetup& h : pass.highlights) {
+                double cosines[kFZDiffusePiece];
+                HighlightCosinesOfPiece(h.half, normals + start, n, cosines);
+                for (std::int32_t k = 0; k < n; ++k)
+                    sum[k] = static_cast<float>(sum[k] + static_cast<double>(TermOf(h, static_cast<float>(cosines[k]))));
+            }
+        }
+        for (std::int32_t k = 0; k < n; ++k)
+            highlight[start + k] = coverage[start + k] == 0 ? -1.0f : sum[k];
+    }
+}
+
+// Pass 2 for a grooved layer, a piece of a row at a time: the facets of
+// the grooved pixels within some light's reach come from the vector kernel,
+// once for all lights (every light's setup has the same pattern centre,
+// which depends on the layer and the material alone).
+class GroovedPiece {
+public:
+    GroovedPiece(const ShadingPass& pass, std::int32_t y) : pass_(pass), layer_(pass.layer), y_(y) {}
+
+    void Run(std::int32_t start, std::int32_t n)
+    {
+        count_ = 0;
+        for (std::int32_t x = start; x < start + n; ++x)
+            Visit(x);
+        if (count_ == 0)
+            return;
+        FZGrooveFacetsOfPiece(lanes_, count_);
+        for (std::int32_t k = 0; k < count_; ++k)
+            layer_.highlight[y_][x_[k]] = Sum(layer_.normals[y_][x_[k]], Facet(lanes_.t1, k), Facet(lanes_.t2, k));
+    }
+
+private:
+    // A covered pixel out of every light's reach, or without a groove, is
+    // done here; otherwise it takes the next lane.
+    void Visit(std::int32_t x)
+    {
+        float& out = layer_.highlight[y_][x];
+        if (layer_.coverage[y_][x] == 0) {
+            out = -1.0f;
+            return;
+        }
+        const FZPackedVector& normal = layer_.normals[y_][x];
+        bool reachable = false;
+        for (const HighlightSetup& h : pass_.highlights)
+            reachable = reachable || !FacetsOutOfReach(h, normal);
+        if (!reachable) {
+            out = 0.0f;
+            return;
+        }
+        const float point[3] = {static_cast<float>(x + 0.5), static_cast<float>(y_ + 0.5), layer_.depth[y_][x]};
+        const FZGroovePoint groove = GroovePointAt(layer_.material.anisotropy, point, normal, pass_.highlights[0].centre);
+        if (!groove.grooved) {
+            out = Sum(normal, normal, normal);
+            return;
+        }
+        // Kept for the next shading of the layer, or for the next pixel.
+        FZNormalAngle& angle
+            = pass_.angles != nullptr ? pass_.angles[static_cast<std::size_t>(y_) * layer_.width + x] : last_;
+        // Flat parts are not turned: they need no angle.
+        if (!(normal.z >= 30000))
+            angle.Take(normal);
+        const std::int32_t k = count_++;
+        x_[k] = x;
+        FZSetFacetLane(lanes_, k, normal, groove.g, groove.depth, angle);
+    }
+
+    static FZPackedVector Facet(const std::int32_t (&t)[3][kFZFacetPiece], std::int32_t k)
+    {
+        FZPackedVector v;
+        v.x = static_cast<std::int16_t>(t[0][k]);
+        v.y = static_cast<std::int16_t>(t[1][k]);
+        v.z = static_cast<std::int16_t>(t[2][k]);
+        return v;
+    }
+
+    // The terms of all lights; a pixel within reach of some light is within
+    // reach of the only one, when there is one.
+    float Sum(const FZPackedVector& normal, const FZPackedVector& t1, const FZPackedVector& t2) const
+    {
+        const bool single = pass_.highlights.size() == 1;
+        float sum = 0.0f;
+        for (const HighlightSetup& h : pass_.highlights) {
+            const float term = !single && FacetsOutOfReach(h, normal) ? 0.0f : FacetTerm(h, t1, t2);
+            sum = static_cast<float>(sum + static_cast<double>(term));
+        }
+        return sum;
+    }
+
+    const ShadingPass& pass_;
+    FZLayer& layer_;
+    std::int32_t y_;
+    std::int32_t count_ = 0;
+    std::int32_t x_[kFZFacetPiece];
+    FZFacetLanes<kFZFacetPiece> lanes_;
+    FZNormalAngle last_;
+};
+
+void FillGroovedHighlightRow(const ShadingPass& pass, std::int32_t y)
+{
+    GroovedPiece piece(pass, y);
+    const FZSpan held = pass.layer.StoredRow(y);
+    for (std::int32_t start = held.first; start <= held.last; start += kFZFacetPiece)
+        piece.Run(start, FZMin(kFZFacetPiece, held.last + 1 - start));
+}
+
+} // namespace
+
+void FillHighlightMap(ShadingPass& pass)
+{
+    FZLayer& layer = pass.layer;
+    const FZRect stored = layer.Stored();
+    if (layer.material.anisotropic == 0 || pass.highlights.empty()) {
+        ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { FillPlainHighlightRow(pass, y); });
+        return;
+    }
+    pass.angles = NormalAngles().Lend(layer.width, layer.height);
+    ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { FillGroovedHighlightRow(pass, y); });
+    if (pass.angles != nullptr)
+        NormalAngles().Release();
+    pass.angles = nullptr;
+}

@@ -1,0 +1,46 @@
+// The highlight term of one light at a pixel (HighlightTerm): the plain
+// highlight about the surface normal, or the larger of a groove's two
+// facets, raised to the material's power; and what a layer's shading sets
+// up once per light to work it out.
+#ifndef TAMERISK_ENGINE_SHADING_HIGHLIGHT_TERMS_H
+#define TAMERISK_ENGINE_SHADING_HIGHLIGHT_TERMS_H
+
+#include "engine/scene.h"
+
+struct FZNormalAngle;
+
+// What a highlight term needs that stays the same over a layer for one
+// light: the half vector (turned to point away from the surface), the power
+// and the strength, the centre of the groove pattern, and below which value
+// of b a term certainly rounds to 0.
+struct HighlightSetup {
+    FZPackedVector half;
+    double exponent = 0.0;
+    double scale = 0.0;
+    float centre[3] = {0.0f, 0.0f, 0.0f};
+    // A b at or below the cutoff gives exactly 0 (0: not known).
+    double cutoff = 0.0;
+    // Anisotropic: a normal whose cosine to the half vector is below this
+    // has no facet that reaches above the cutoff (-2: not known).
+    double facetLimit = -2.0;
+    double halfLength = 0.0;
+};
+
+HighlightSetup SetUpHighlight(const FZLayer& layer, const FZPackedVector& lightDir, const FZPackedVector& view);
+
+// Whether no facet of a groove at this normal can reach above the cutoff.
+bool FacetsOutOfReach(const HighlightSetup& h, const FZPackedVector& normal);
+
+// The term for the highlight's cosine b.
+float TermOf(const HighlightSetup& h, float b);
+
+// The term of a groove's two facets: the larger of their cosines counts.
+float FacetTerm(const HighlightSetup& h, const FZPackedVector& t1, const FZPackedVector& t2);
+
+// The supersampled highlight of one light over pixel (x, y): n x n points,
+// each with the normal filtered over a box, each held at most 1. angle: the
+// memory of the normal's angle for the facets.
+float SmoothHighlightAt(const FZLayer& layer, const HighlightSetup& h, int x, int y, int n, float boxWidth,
+                        FZNormalAngle& angle);
+
+#endif
