@@ -326,13 +326,11 @@ float VariedGrooveDepth(const FZAnisotropy& p, float noise, float dx, float dy)
     return depth < 0.0f ? 0.0f : depth;
 }
 
-void FZNormalAngle::Take(const FZPackedVector& n)
+void FZNormalAngle::Take(const FZPackedVector& n, const float floats[3])
 {
     if (valid && n.x == normal.x && n.y == normal.y && n.z == normal.z)
         return;
-    float nx, ny, nz;
-    n.GetFloats(nx, ny, nz);
-    RotationAngle(nx, ny, nz, sine, cosine);
+    RotationAngle(floats[0], floats[1], floats[2], sine, cosine);
     normal = n;
     valid = true;
 }
@@ -353,13 +351,13 @@ void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const F
     }
     FZNormalAngle own;
     FZNormalAngle& angle = memo != nullptr ? *memo : own;
+    float n[3];
+    normal.GetFloats(n);
     // Flat parts are not turned: they need no angle.
-    float nx, ny, nz;
-    normal.GetFloats(nx, ny, nz);
-    if (!(nz > 0.9999999))
-        angle.Take(normal);
+    if (!FZFacesUp(n))
+        angle.Take(normal, n);
     FZFacetLanes<1> lane;
-    FZSetFacetLane(lane, 0, normal, groove.g, groove.depth, angle);
+    FZSetFacetLane(lane, 0, n, groove.g, groove.depth, angle);
     FZGrooveFacets(lane, 1);
     t1 = FZFacetOfLane(lane.t1);
     t2 = FZFacetOfLane(lane.t2);

@@ -28,9 +28,17 @@ struct FZNormalAngle {
     double sine = 0.0;
     double cosine = 1.0;
 
-    // Makes this the angle of n, worked out again only for another normal.
-    void Take(const FZPackedVector& n);
+    // Makes this the angle of n (whose floats are given), worked out again
+    // only for another normal.
+    void Take(const FZPackedVector& n, const float floats[3]);
 };
+
+// Whether a normal (its floats) faces +z within 1e-7: a flat part, where
+// the facets are not turned.
+inline bool FZFacesUp(const float n[3])
+{
+    return n[2] > 0.9999999;
+}
 
 template <int W>
 struct FZFacetLanes {
@@ -51,17 +59,15 @@ struct FZFacetLanes {
     std::int32_t t2[3][W];
 };
 
-// Fills lane k for a grooved point with the given normal.
+// Fills lane k for a grooved point with the normal's floats.
 template <int W>
-inline void FZSetFacetLane(FZFacetLanes<W>& l, std::int32_t k, const FZPackedVector& normal, const float g[2],
-                           float depth, const FZNormalAngle& angle)
+inline void FZSetFacetLane(FZFacetLanes<W>& l, std::int32_t k, const float n[3], const float g[2], float depth,
+                           const FZNormalAngle& angle)
 {
-    float nx, ny, nz;
-    normal.GetFloats(nx, ny, nz);
-    l.nx[k] = nx;
-    l.ny[k] = ny;
-    l.nz[k] = nz;
-    l.flat[k] = nz > 0.9999999 ? 1.0 : 0.0;
+    l.nx[k] = n[0];
+    l.ny[k] = n[1];
+    l.nz[k] = n[2];
+    l.flat[k] = FZFacesUp(n) ? 1.0 : 0.0;
     l.sine[k] = angle.sine;
     l.cosine[k] = angle.cosine;
     l.gx[k] = g[0];

@@ -119,12 +119,14 @@ private:
         // Kept for the next shading of the layer, or for the next pixel.
         FZNormalAngle& angle
             = pass_.angles != nullptr ? pass_.angles[static_cast<std::size_t>(y_) * layer_.width + x] : last_;
+        float n[3];
+        normal.GetFloats(n);
         // Flat parts are not turned: they need no angle.
-        if (!(normal.z >= 30000))
-            angle.Take(normal);
+        if (!FZFacesUp(n))
+            angle.Take(normal, n);
         const std::int32_t k = count_++;
         x_[k] = x;
-        FZSetFacetLane(lanes_, k, normal, groove.g, groove.depth, angle);
+        FZSetFacetLane(lanes_, k, n, groove.g, groove.depth, angle);
     }
 
     static FZPackedVector Facet(const std::int32_t (&t)[3][kFZFacetPiece], std::int32_t k)
