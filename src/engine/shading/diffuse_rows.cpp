@@ -1,5 +1,7 @@
 #include "engine/shading/diffuse_rows.h"
 
+#include <algorithm>
+
 #include "engine/pixel.h"
 #include "engine/row_kernel.h"
 
@@ -25,7 +27,8 @@ struct Lanes {
     double nx[kFZDiffusePiece];
     double ny[kFZDiffusePiece];
     double nz[kFZDiffusePiece];
-    double base[3][kFZDiffusePiece];
+    const double* base[3];
+    double own[3][kFZDiffusePiece];
     double acc[3][kFZDiffusePiece];
 };
 
@@ -102,15 +105,26 @@ void HighlightCosinesOfPiece(const FZPackedVector& half, const FZPackedVector* n
     Cosines(half, n, lanes, cosines);
 }
 
+void FZDiffuseSetup::SetColour(const FZColor& c)
+{
+    const std::uint8_t bytes[3] = {c.r, c.g, c.b};
+    for (int i = 0; i < 3; ++i)
+        std::fill(color[i], color[i] + kFZDiffusePiece, static_cast<double>(FZByteToFloat(bytes[i])));
+}
+
 void ShadeDiffusePiece(const FZDiffuseSetup& setup, const FZPackedVector* normals, const FZColor* colours,
                        std::int32_t n, FZDiffuseBytes& out)
 {
     Lanes lanes;
     TakeNormals(normals, n, lanes);
-    for (std::int32_t k = 0; k < n; ++k) {
-        lanes.base[0][k] = colours != nullptr ? FZByteToFloat(colours[k].r) : setup.color[0];
-        lanes.base[1][k] = colours != nullptr ? FZByteToFloat(colours[k].g) : setup.color[1];
-        lanes.base[2][k] = colours != nullptr ? FZByteToFloat(colours[k].b) : setup.color[2];
+    for (int c = 0; c < 3; ++c)
+        lanes.base[c] = colours != nullptr ? lanes.own[c] : setup.color[c];
+    if (colours != nullptr) {
+        for (std::int32_t k = 0; k < n; ++k) {
+            lanes.own[0][k] = FZByteToFloat(colours[k].r);
+            lanes.own[1][k] = FZByteToFloat(colours[k].g);
+            lanes.own[2][k] = FZByteToFloat(colours[k].b);
+        }
     }
     for (int c = 0; c < 3; ++c)
         for (std::int32_t k = 0; k < n; ++k)

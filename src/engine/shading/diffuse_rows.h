@@ -26,7 +26,10 @@ struct FZDiffuseSetup {
     std::int32_t lightCount = 0;
     float diffuse = 0.0f;
     float ambient = 0.0f;
-    float color[3] = {0.0f, 0.0f, 0.0f};  // the material's colour, R, G, B
+    // The material's colour, R, G, B, in every lane of a piece.
+    double color[3][kFZDiffusePiece] = {};
+
+    void SetColour(const FZColor& c);
 };
 
 // The bytes, red, green, blue, of n pixels (at most kFZDiffusePiece) with

@@ -37,11 +37,6 @@ double FacetLimit(double halfLength, double cutoff, double tilt)
     return angle < 3.0 ? std::cos(angle) - 1e-9 : -2.0;
 }
 
-double PackedLength(const FZPackedVector& v)
-{
-    return std::sqrt(static_cast<double>(v.x) * v.x + static_cast<double>(v.y) * v.y
-                     + static_cast<double>(v.z) * v.z) / FZPackedVector::kScale;
-}
 
 // The highlight term of one light at (px, py) with the given normal.
 // angle: the memory of the normal's angle for the facets.
@@ -84,28 +79,6 @@ HighlightSetup SetUpHighlight(const FZLayer& layer, const FZPackedVector& lightD
     if (m.anisotropic != 0)
         h.facetLimit = FacetLimit(h.halfLength, h.cutoff, MaxFacetTilt(m.anisotropy));
     return h;
-}
-
-bool FacetsOutOfReach(const HighlightSetup& h, const FZPackedVector& normal)
-{
-    if (h.facetLimit <= -2.0)
-        return false;
-    const double length = PackedLength(normal);
-    return length > 0.0 && FZPackedVector::Dot(h.half, normal) < h.facetLimit * h.halfLength * length;
-}
-
-float TermOf(const HighlightSetup& h, float b)
-{
-    if (!(b > 0.0f) || b <= h.cutoff)
-        return 0.0f;
-    return static_cast<float>(std::pow(static_cast<double>(b), h.exponent) * h.scale);
-}
-
-float FacetTerm(const HighlightSetup& h, const FZPackedVector& t1, const FZPackedVector& t2)
-{
-    const float b1 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t1)));
-    const float b2 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t2)));
-    return TermOf(h, b2 > b1 ? b2 : b1);
 }
 
 float SmoothHighlightAt(const FZLayer& layer, const HighlightSetup& h, int x, int y, int n, float boxWidth,

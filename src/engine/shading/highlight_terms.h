@@ -5,6 +5,9 @@
 #ifndef TAMERISK_ENGINE_SHADING_HIGHLIGHT_TERMS_H
 #define TAMERISK_ENGINE_SHADING_HIGHLIGHT_TERMS_H
 
+#include <cmath>
+
+#include "engine/fz_math.h"
 #include "engine/scene.h"
 
 struct FZNormalAngle;
@@ -28,14 +31,36 @@ struct HighlightSetup {
 
 HighlightSetup SetUpHighlight(const FZLayer& layer, const FZPackedVector& lightDir, const FZPackedVector& view);
 
+inline double PackedLength(const FZPackedVector& v)
+{
+    return std::sqrt(static_cast<double>(v.x) * v.x + static_cast<double>(v.y) * v.y
+                     + static_cast<double>(v.z) * v.z) / FZPackedVector::kScale;
+}
+
 // Whether no facet of a groove at this normal can reach above the cutoff.
-bool FacetsOutOfReach(const HighlightSetup& h, const FZPackedVector& normal);
+inline bool FacetsOutOfReach(const HighlightSetup& h, const FZPackedVector& normal)
+{
+    if (h.facetLimit <= -2.0)
+        return false;
+    const double length = PackedLength(normal);
+    return length > 0.0 && FZPackedVector::Dot(h.half, normal) < h.facetLimit * h.halfLength * length;
+}
 
 // The term for the highlight's cosine b.
-float TermOf(const HighlightSetup& h, float b);
+inline float TermOf(const HighlightSetup& h, float b)
+{
+    if (!(b > 0.0f) || b <= h.cutoff)
+        return 0.0f;
+    return static_cast<float>(std::pow(static_cast<double>(b), h.exponent) * h.scale);
+}
 
 // The term of a groove's two facets: the larger of their cosines counts.
-float FacetTerm(const HighlightSetup& h, const FZPackedVector& t1, const FZPackedVector& t2);
+inline float FacetTerm(const HighlightSetup& h, const FZPackedVector& t1, const FZPackedVector& t2)
+{
+    const float b1 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t1)));
+    const float b2 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t2)));
+    return TermOf(h, b2 > b1 ? b2 : b1);
+}
 
 // The supersampled highlight of one light over pixel (x, y): n x n points,
 // each with the normal filtered over a box, each held at most 1. angle: the

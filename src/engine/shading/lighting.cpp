@@ -73,7 +73,7 @@ void HoistLights(ShadingPass& pass, bool highlight)
     pass.diffuse.lightCount = static_cast<std::int32_t>(pass.diffuseLights.size());
     pass.diffuse.diffuse = m.diffuse;
     pass.diffuse.ambient = m.ambient;
-    m.color.GetFloats(pass.diffuse.color);
+    pass.diffuse.SetColour(m.color);
 }
 
 // Pass 1: ambient and diffuse under every light, times the surface colour
