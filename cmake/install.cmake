@@ -70,3 +70,7 @@ install(CODE "
     execute_process(COMMAND \${TAMERISK_UPDATE_MIME} \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/mime\")
   endif()
 " COMPONENT runtime)
+
+# The presets, which "開く" offers beside the user's own folder.
+install(FILES ${TAMERISK_PRESETS}
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/tamerisk/materials COMPONENT runtime)

@@ -18,12 +18,13 @@
 #include "dialogs/large_preview.h"
 #include "dialogs/material_transfer.h"
 #include "dialogs/modal_window.h"
+#include "dialogs/preset_folder.h"
 #include "material/attribute_file.h"
 
 namespace {
 
 // The file dialog of "開く" and "保存": material files first, starting in
-// the current directory. An empty path when the user cancels, and when the
+// the current directory; "開く" offers the presets in its sidebar. An empty path when the user cancels, and when the
 // editor is destroyed while the dialog is open.
 QString AskFilePath(QWidget* editor, QFileDialog::AcceptMode mode)
 {
@@ -33,6 +34,8 @@ QString AskFilePath(QWidget* editor, QFileDialog::AcceptMode mode)
     dialog->setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile
                                                         : QFileDialog::ExistingFile);
     dialog->setDefaultSuffix(QStringLiteral("qva"));
+    if (mode == QFileDialog::AcceptOpen)
+        dialog->setSidebarUrls(SidebarWithPresets(dialog->sidebarUrls()));
     if (dialog.Exec() != QDialog::Accepted || dialog->selectedFiles().isEmpty())
         return QString();
     return dialog->selectedFiles().front();

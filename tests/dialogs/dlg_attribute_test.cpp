@@ -5,6 +5,7 @@
 
 #include <QCheckBox>
 #include <QColorDialog>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QMenu>
@@ -250,6 +251,21 @@ TEST_F(MaterialDialog, FilesSaveLoadAndReportFailures)
     Click(kIdLoad);
     EXPECT_EQ(Record().reflection, 0.5f);  // kept
     EXPECT_EQ(shown, QCoreApplication::applicationName() + QString::fromUtf8(": 未対応のﾃﾞｰﾀ形式です。"));
+}
+
+// The presets of the build tree, as an installed library finds its own.
+TEST_F(MaterialDialog, OpenOffersThePresetsBesideTheHomeFolder)
+{
+    const QString presets = QStringLiteral(TAMERISK_PRESET_DIR);
+    QList<QUrl> sidebar;
+    const ModalAnswer<QFileDialog> answer([&](QFileDialog* d) {
+        sidebar = d->sidebarUrls();
+        AnswerFileDialog(d, presets + QStringLiteral("/gold.qva"));
+    });
+    Click(kIdLoad);
+    EXPECT_TRUE(sidebar.contains(QUrl::fromLocalFile(presets)));
+    EXPECT_TRUE(sidebar.contains(QUrl::fromLocalFile(QDir::homePath())));
+    EXPECT_EQ(Record().color.g, 170);  // the gold preset loaded
 }
 
 TEST_F(MaterialDialog, ColourPickerRandomColoursAndTheFamilyMenu)

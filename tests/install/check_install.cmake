@@ -16,7 +16,9 @@ endfunction()
 
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
 foreach(file include/tamerisk/tamerisk.h include/tamerisk/attribute.h include/tamerisk/version.h
-             bin/tamerisk-render bin/tamerisk-qva bin/tamerisk-host)
+             bin/tamerisk-render bin/tamerisk-qva bin/tamerisk-host
+             share/tamerisk/materials/gold.qva share/mime/packages/tamerisk-material.xml
+             share/thumbnailers/tamerisk.thumbnailer share/applications/tamerisk-host.desktop)
   if(NOT EXISTS ${prefix}/${file})
     message(FATAL_ERROR "not installed: ${file}")
   endif()
