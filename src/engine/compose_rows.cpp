@@ -2,15 +2,6 @@
 
 #include "engine/row_kernel.h"
 
-namespace {
-
-inline double F(double v)
-{
-    return FZAsFloat(v);
-}
-
-} // namespace
-
 TAMERISK_ROW_KERNEL void CompositePiece(const FZComposeLanes& lanes, std::int32_t n, FZComposeBytes& out)
 {
     const double* a = lanes.coverage;
@@ -21,10 +12,10 @@ TAMERISK_ROW_KERNEL void CompositePiece(const FZComposeLanes& lanes, std::int32_
         const double* under = lanes.under[c];
         std::int32_t* bytes = out.rgb[c];
         for (std::int32_t k = 0; k < n; ++k) {
-            const double seen = F(through[k] * a[k] * t[k]);
-            const double around = F(under[k] * F(1.0 - a[k]));
-            const double s = F(shade[k] * a[k]);
-            bytes[k] = FZByteOfLane(F(s + seen + around));
+            const double seen = FZAsFloat(through[k] * a[k] * t[k]);
+            const double around = FZAsFloat(under[k] * FZAsFloat(1.0 - a[k]));
+            const double s = FZAsFloat(shade[k] * a[k]);
+            bytes[k] = FZByteOfLane(FZAsFloat(s + seen + around));
         }
     }
 }

@@ -126,18 +126,6 @@ void ReflectedSky(const LayerPass& pass, const FZPackedVector& n, NormalMemo& me
         memo.sky[c] = sky[c];
 }
 
-// One channel of a composited pixel: shade x a, plus what shows through and
-// what shows around the layer, at most 1, as a byte. Values a broken
-// material drives below 0 (or to NaN) store 0.
-std::uint8_t CompositeByte(float shade, float a, float through, float under)
-{
-    const float s = static_cast<float>(static_cast<double>(shade) * a);
-    float out = static_cast<float>(static_cast<double>(s) + through + under);
-    if (out > 1.0f)
-        out = 1.0f;
-    return FZFloatToByte(out);
-}
-
 // The covered pixels of a piece of a row that go through the pixel steps,
 // gathered for the compositing kernel: their frame columns and lanes.
 struct ComposePiece {
@@ -338,9 +326,20 @@ void SetUpShortcuts(const LayerPass& pass, ComposeShortcuts& shortcuts)
         std::uint8_t opaque[256];
     };
     static const Table table = [] {
+        // Every shade byte, fully covered, nothing through or around.
         Table t;
-        for (int b = 0; b < 256; ++b)
-            t.opaque[b] = CompositeByte(FZByteToFloat(static_cast<std::uint8_t>(b)), 1.0f, 0.0f, 0.0f);
+        static_assert(256 % kFZComposePiece == 0, "the table is whole pieces");
+        FZComposeLanes lanes{};
+        FZComposeBytes bytes;
+        for (int first = 0; first < 256; first += kFZComposePiece) {
+            for (std::int32_t k = 0; k < kFZComposePiece; ++k) {
+                lanes.coverage[k] = 1.0;
+                lanes.shade[0][k] = FZByteToFloat(static_cast<std::uint8_t>(first + k));
+            }
+            CompositePiece(lanes, kFZComposePiece, bytes);
+            for (std::int32_t k = 0; k < kFZComposePiece; ++k)
+                t.opaque[first + k] = static_cast<std::uint8_t>(bytes.rgb[0][k]);
+        }
         return t;
     }();
     shortcuts.table = table.opaque;
@@ -387,7 +386,8 @@ void PrepareSky(const LayerPass& pass, std::int32_t y0, std::int32_t y1, const F
     if (!env.rampBuilt)
         BuildSkyRamp(env);
     const FZLayer& layer = pass.layer;
-    const std::int64_t area = (std::int64_t{layer.boundsX1} - layer.boundsX0 + 1) * (std::int64_t{layer.boundsY1} - layer.boundsY0 + 1);
+    const std::int64_t area
+        = (std::int64_t{layer.boundsX1} - layer.boundsX0 + 1) * (std::int64_t{layer.boundsY1} - layer.boundsY0 + 1);
     // Without the table every pixel evaluates the ramp, which is as exact.
     if (area >= kSkyTablePixels)
         static_cast<void>(BuildSkyTable(env));

@@ -11,28 +11,16 @@ namespace {
 
 constexpr double kScale = FZPackedVector::kScale;
 
-// Floats in double lanes (see row_kernel.h).
-inline double F(double v)
-{
-    return FZAsFloat(v);
-}
-
 // The unpacking of FZPackedVector::GetFloats.
 inline double Unpacked(double packed)
 {
-    return F(packed * 1.0 / kScale);
+    return FZAsFloat(packed * 1.0 / kScale);
 }
 
-// The packing of FZPackedVector::SetFloats, unpacked again: v x 30000
-// truncated, NaN as 0, held within the int16 range (holding first and
-// truncating then gives the same integer).
+// The packing of FZPackedVector::SetFloats, unpacked again.
 inline double Repacked(double v)
 {
-    double t = v * kScale;
-    t = t == t ? t : 0.0;
-    t = t < -32768.0 ? -32768.0 : t;
-    t = t > 32767.0 ? 32767.0 : t;
-    return Unpacked(std::trunc(t));
+    return Unpacked(FZPackedOfLane(v));
 }
 
 struct Lanes {
@@ -53,7 +41,7 @@ struct Lanes {
 // direction is normalised. Straight on, the view goes through unchanged.
 TAMERISK_ROW_KERNEL void Refract(double eta, std::int32_t n, Lanes& lanes)
 {
-    const double e2 = F(eta * eta);
+    const double e2 = FZAsFloat(eta * eta);
     const double* nx = lanes.nx;
     const double* ny = lanes.ny;
     const double* nz = lanes.nz;
@@ -64,16 +52,16 @@ TAMERISK_ROW_KERNEL void Refract(double eta, std::int32_t n, Lanes& lanes)
     double* straight = lanes.straight;
     for (std::int32_t k = 0; k < n; ++k) {
         // Dot((0, 0, -30000), n): the x and y products are 0.
-        const double c = F(-(-30000.0 * nz[k] * 1.111111111111111e-9));
-        const double c2 = F(c * c);
-        const double kk = F(e2 - 1.0 + c2);
-        const double cosT2 = F(kk / e2);
-        const double cosT = F(std::sqrt(cosT2));
-        const double s = F(std::sqrt((1.0 - cosT2) / (1.0 - c2)));
-        const double m = F(s * c - cosT);
-        rx[k] = F(m * Unpacked(nx[k]) + s * 0.0);
-        ry[k] = F(m * Unpacked(ny[k]) + s * 0.0);
-        rz[k] = F(m * Unpacked(nz[k]) + s * -1.0);
+        const double c = FZAsFloat(-(-30000.0 * nz[k] * 1.111111111111111e-9));
+        const double c2 = FZAsFloat(c * c);
+        const double kk = FZAsFloat(e2 - 1.0 + c2);
+        const double cosT2 = FZAsFloat(kk / e2);
+        const double cosT = FZAsFloat(std::sqrt(cosT2));
+        const double s = FZAsFloat(std::sqrt((1.0 - cosT2) / (1.0 - c2)));
+        const double m = FZAsFloat(s * c - cosT);
+        rx[k] = FZAsFloat(m * Unpacked(nx[k]) + s * 0.0);
+        ry[k] = FZAsFloat(m * Unpacked(ny[k]) + s * 0.0);
+        rz[k] = FZAsFloat(m * Unpacked(nz[k]) + s * -1.0);
         refracts[k] = kk >= 1e-5 ? 1.0 : 0.0;
         straight[k] = 1.0 - c2 < 1e-5 ? 1.0 : 0.0;
     }
@@ -91,11 +79,11 @@ TAMERISK_ROW_KERNEL void Normalise(std::int32_t n, Lanes& lanes)
         const double x = rx[k];
         const double y = ry[k];
         const double z = rz[k];
-        const double sq = F(F(F(x * x) + F(y * y)) + F(z * z));
-        const double inv = F(1.0 / std::sqrt(sq));
-        const double nx = Repacked(sq > 0.0 ? F(x * inv) : 0.0);
-        const double ny = Repacked(sq > 0.0 ? F(y * inv) : 0.0);
-        const double nz = Repacked(sq > 0.0 ? F(z * inv) : 1.0);
+        const double sq = FZAsFloat(FZAsFloat(FZAsFloat(x * x) + FZAsFloat(y * y)) + FZAsFloat(z * z));
+        const double inv = FZAsFloat(1.0 / std::sqrt(sq));
+        const double nx = Repacked(sq > 0.0 ? FZAsFloat(x * inv) : 0.0);
+        const double ny = Repacked(sq > 0.0 ? FZAsFloat(y * inv) : 0.0);
+        const double nz = Repacked(sq > 0.0 ? FZAsFloat(z * inv) : 1.0);
         rx[k] = straight[k] > 0.5 ? 0.0 : nx;
         ry[k] = straight[k] > 0.5 ? 0.0 : ny;
         rz[k] = straight[k] > 0.5 ? -1.0 : nz;
@@ -124,29 +112,29 @@ TAMERISK_ROW_KERNEL void Walk(const FZRefraction& setup, std::int32_t n, double 
     for (std::int32_t k = 0; k < n; ++k) {
         const double d = depth[k];
         // A plain surface: the ray goes on refracted down to z = 0.
-        double down = F(-(d + bias));
+        double down = FZAsFloat(-(d + bias));
         down = down < 0.0 ? down : 0.0;
-        const double p = F(down / rz[k]);
-        const double plainX = F(column[k] + layerX + 0.5 + rx[k] * p);
-        const double plainY = F(y + 0.5 + ry[k] * p);
+        const double p = FZAsFloat(down / rz[k]);
+        const double plainX = FZAsFloat(column[k] + layerX + 0.5 + rx[k] * p);
+        const double plainY = FZAsFloat(y + 0.5 + ry[k] * p);
         // A plate of the material's thickness: the ray crosses the plate
         // along the refracted direction, then leaves it along the view
         // direction when the plate ends above the surface's base, else goes
         // on refracted.
-        const double thick = F(thickness / std::fabs(rz[k]));
+        const double thick = FZAsFloat(thickness / std::fabs(rz[k]));
         const double inside = d < thick ? -d : -thick;
-        const double pIn = F(inside / rz[k]);
-        const double px = F(column[k] + 0.5 + rx[k] * pIn);
-        const double py = F(ly + 0.5 + ry[k] * pIn);
-        const double z1 = F(d - inside);
+        const double pIn = FZAsFloat(inside / rz[k]);
+        const double px = FZAsFloat(column[k] + 0.5 + rx[k] * pIn);
+        const double py = FZAsFloat(ly + 0.5 + ry[k] * pIn);
+        const double z1 = FZAsFloat(d - inside);
         const double ox = d >= thick ? 0.0 : rx[k];
         const double oy = d >= thick ? 0.0 : ry[k];
         const double oz = d >= thick ? -1.0 : rz[k];
-        double below = F(-(z1 + bias));
+        double below = FZAsFloat(-(z1 + bias));
         below = below < 0.0 ? below : 0.0;
-        const double p2 = F(below / oz);
-        const double thinX = F(layerX + px + ox * p2);
-        const double thinY = F(layerY + py + oy * p2);
+        const double p2 = FZAsFloat(below / oz);
+        const double thinX = FZAsFloat(layerX + px + ox * p2);
+        const double thinY = FZAsFloat(layerY + py + oy * p2);
 
         lands[k] = refracts[k] > 0.5 ? (rz[k] != 0.0 ? 1.0f : 0.0f) : 0.0f;
         sx[k] = static_cast<float>(thinGlass > 0.5 ? thinX : plainX);
@@ -195,8 +183,8 @@ struct BoxEdges {
 [[gnu::always_inline]] inline void Cell(const BoxEdges& e, double sampled, double r, double c, double& offset,
                                         double& weight)
 {
-    const double hy = F(FZMin(r + 1.0, e.top) - FZMax(r, e.bottom));
-    const double hx = F(FZMin(c + 1.0, e.right) - FZMax(c, e.left));
+    const double hy = FZAsFloat(FZMin(r + 1.0, e.top) - FZMax(r, e.bottom));
+    const double hx = FZAsFloat(FZMin(c + 1.0, e.right) - FZMax(c, e.left));
     const double inside = r <= e.lastRow ? (c <= e.lastColumn ? sampled : 0.0) : 0.0;
     offset = inside > 0.5 ? r * e.stride + c * 3.0 : -1.0;
     weight = inside > 0.5 ? (hy > 0.0 ? (hx > 0.0 ? hx * hy : 0.0) : 0.0) : 0.0;
@@ -216,7 +204,8 @@ TAMERISK_ROW_KERNEL void LocateCells(const FZBehindView& behind, std::int32_t n,
         const double finite = std::fabs(sx0) <= DBL_MAX ? (std::fabs(sy0) <= DBL_MAX ? 1.0 : 0.0) : 0.0;
         const double sx = finite > 0.5 ? sx0 : 0.0;
         const double sy = finite > 0.5 ? sy0 : 0.0;
-        BoxEdges e{F(sx - 0.5), F(sx + 0.5), F(sy - 0.5), F(sy + 0.5), 0.0, 0.0, stride};
+        BoxEdges e{FZAsFloat(sx - 0.5), FZAsFloat(sx + 0.5), FZAsFloat(sy - 0.5), FZAsFloat(sy + 0.5), 0.0, 0.0,
+                   stride};
         const double c0 = FZMax(Truncated(e.left), 0.0);
         const double r0 = FZMax(Truncated(e.bottom), 0.0);
         e.lastColumn = FZMin(Truncated(e.right), lastColumn);
@@ -270,9 +259,10 @@ TAMERISK_ROW_KERNEL void SumCells(const FZBehindView& behind, std::int32_t n, co
         const double* w3 = box.weight[3];
         for (std::int32_t k = 0; k < n; ++k) {
             // A cell of weight 0 adds exactly nothing: the sums are never -0.
-            const double sum = F(F(F(F(0.0 + v0[k] * w0[k]) + v1[k] * w1[k]) + v2[k] * w2[k]) + v3[k] * w3[k]);
-            const double total = F(F(F(F(0.0 + w0[k]) + w1[k]) + w2[k]) + w3[k]);
-            const double mixed = F(sum / total * total + (1.0 - total) * background);
+            const double first = FZAsFloat(FZAsFloat(0.0 + v0[k] * w0[k]) + v1[k] * w1[k]);
+            const double sum = FZAsFloat(FZAsFloat(first + v2[k] * w2[k]) + v3[k] * w3[k]);
+            const double total = FZAsFloat(FZAsFloat(FZAsFloat(FZAsFloat(0.0 + w0[k]) + w1[k]) + w2[k]) + w3[k]);
+            const double mixed = FZAsFloat(sum / total * total + (1.0 - total) * background);
             out.rgb[c][k] = box.sampled[k] > 0.5 && total > 0.0 ? mixed : background;
         }
     }

@@ -7,12 +7,6 @@
 
 namespace {
 
-// Floats in double lanes (see row_kernel.h).
-inline double F(double v)
-{
-    return FZAsFloat(v);
-}
-
 // FZPackedVector::Dot: the integer sum (exact in a double) wrapped to 32
 // bits, then scaled.
 inline double PackedDot(double ax, double ay, double az, double bx, double by, double bz)
@@ -53,15 +47,15 @@ TAMERISK_ROW_KERNEL void AddLight(const FZDiffuseSetup& setup, const FZDiffuseLi
     double* a1 = lanes.acc[1];
     double* a2 = lanes.acc[2];
     for (std::int32_t k = 0; k < n; ++k) {
-        const double cosine = F(-PackedDot(lx, ly, lz, nx[k], ny[k], nz[k]));
-        const double strength = F(cosine * diffuse);
+        const double cosine = FZAsFloat(-PackedDot(lx, ly, lz, nx[k], ny[k], nz[k]));
+        const double strength = FZAsFloat(cosine * diffuse);
         const double on = cosine > 0.0 ? lit : 0.0;
-        const double t0 = F((on > 0.5 ? F(strength * c0) : 0.0) + ambient);
-        const double t1 = F((on > 0.5 ? F(strength * c1) : 0.0) + ambient);
-        const double t2 = F((on > 0.5 ? F(strength * c2) : 0.0) + ambient);
-        a0[k] = F(a0[k] + t0);
-        a1[k] = F(a1[k] + t1);
-        a2[k] = F(a2[k] + t2);
+        const double t0 = FZAsFloat((on > 0.5 ? FZAsFloat(strength * c0) : 0.0) + ambient);
+        const double t1 = FZAsFloat((on > 0.5 ? FZAsFloat(strength * c1) : 0.0) + ambient);
+        const double t2 = FZAsFloat((on > 0.5 ? FZAsFloat(strength * c2) : 0.0) + ambient);
+        a0[k] = FZAsFloat(a0[k] + t0);
+        a1[k] = FZAsFloat(a1[k] + t1);
+        a2[k] = FZAsFloat(a2[k] + t2);
     }
 }
 
@@ -72,7 +66,7 @@ TAMERISK_ROW_KERNEL void StoreBytes(std::int32_t n, const Lanes& lanes, FZDiffus
         const double* acc = lanes.acc[c];
         std::int32_t* bytes = out.rgb[c];
         for (std::int32_t k = 0; k < n; ++k)
-            bytes[k] = FZByteOfLane(F(acc[k] * base[k]));
+            bytes[k] = FZByteOfLane(FZAsFloat(acc[k] * base[k]));
     }
 }
 
@@ -83,7 +77,7 @@ TAMERISK_ROW_KERNEL void Cosines(const FZPackedVector& half, std::int32_t n, con
     const double hy = half.y;
     const double hz = half.z;
     for (std::int32_t k = 0; k < n; ++k)
-        cosines[k] = F(PackedDot(hx, hy, hz, lanes.nx[k], lanes.ny[k], lanes.nz[k]));
+        cosines[k] = FZAsFloat(PackedDot(hx, hy, hz, lanes.nx[k], lanes.ny[k], lanes.nz[k]));
 }
 
 void TakeNormals(const FZPackedVector* normals, std::int32_t n, Lanes& lanes)
@@ -138,5 +132,5 @@ TAMERISK_ROW_KERNEL void AddHighlightPiece(FZHighlightLanes& lanes, std::int32_t
 {
     for (int c = 0; c < 3; ++c)
         for (std::int32_t k = 0; k < n; ++k)
-            lanes.rgb[c][k] = FZByteOfLane(F(lanes.shade[c][k] + lanes.h[k] * lanes.colour[c][k]));
+            lanes.rgb[c][k] = FZByteOfLane(FZAsFloat(lanes.shade[c][k] + lanes.h[k] * lanes.colour[c][k]));
 }

@@ -64,7 +64,8 @@ void FillPlainHighlightRow(const ShadingPass& pass, std::int32_t y)
                 double cosines[kFZDiffusePiece];
                 HighlightCosinesOfPiece(h.half, normals + start, n, cosines);
                 for (std::int32_t k = 0; k < n; ++k)
-                    sum[k] = static_cast<float>(sum[k] + static_cast<double>(TermOf(h, static_cast<float>(cosines[k]))));
+                    sum[k] = static_cast<float>(sum[k] + static_cast<double>(
+                                                            TermOf(h, static_cast<float>(cosines[k]))));
             }
         }
         for (std::int32_t k = 0; k < n; ++k)
@@ -111,7 +112,8 @@ private:
             return;
         }
         const float point[3] = {static_cast<float>(x + 0.5), static_cast<float>(y_ + 0.5), layer_.depth[y_][x]};
-        const FZGroovePoint groove = GroovePointAt(layer_.material.anisotropy, point, normal, pass_.highlights[0].centre);
+        const FZGroovePoint groove
+            = GroovePointAt(layer_.material.anisotropy, point, normal, pass_.highlights[0].centre);
         if (!groove.grooved) {
             out = Sum(normal, normal, normal);
             return;
