@@ -210,14 +210,21 @@ TEST(RenderTool, FailuresLeaveNoHalfWrittenImage)
     EXPECT_TRUE(run.Errors().contains(QStringLiteral("missing.json"))) << run.Errors().toStdString();
     EXPECT_EQ(ReadBytes(keep), QByteArray("old"));
 
-    // Outputs that cannot be written: below a plain file, and a directory.
+    // Outputs that cannot be written: below a plain file, and a directory
+    // (refused before anything is drawn, pointing to --output-dir).
     const QString plain = dir.filePath(QStringLiteral("plain"));
     ASSERT_TRUE(WriteBytes(plain, "x"));
     ASSERT_TRUE(QDir(dir.path()).mkdir(QStringLiteral("taken.ppm")));
-    for (const QString& out : {plain + QStringLiteral("/out.png"), dir.filePath(QStringLiteral("taken.ppm"))}) {
-        run = RunRenderTool({"--output", out});
-        EXPECT_EQ(run.exitCode, 1) << out.toStdString();
-        EXPECT_TRUE(run.Errors().contains(QStringLiteral("cannot write"))) << run.Errors().toStdString();
+    const struct {
+        QString out;
+        int status;
+        QString says;
+    } outputs[] = {{plain + QStringLiteral("/out.png"), 1, QStringLiteral("cannot write")},
+                   {dir.filePath(QStringLiteral("taken.ppm")), 2, QStringLiteral("--output-dir")}};
+    for (const auto& o : outputs) {
+        run = RunRenderTool({"--output", o.out});
+        EXPECT_EQ(run.exitCode, o.status) << o.out.toStdString();
+        EXPECT_TRUE(run.Errors().contains(o.says)) << run.Errors().toStdString();
     }
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
               (QStringList{"keep.png", "plain", "taken.ppm"}));
