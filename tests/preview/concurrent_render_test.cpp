@@ -1,7 +1,9 @@
 // Two threads rendering at once, as the editor does while its large preview
 // renders on a thread of its own: each gets exactly the pictures it would get
 // alone, whichever of them the pool serves, and a stop asked by one thread
-// reaches every chunk of its own passes and nothing of the other's.
+// reaches every chunk of its own passes and nothing of the other's. A thread
+// that keeps its passes to itself (a host drawing thumbnails) leaves the
+// pool to the others.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,6 +16,7 @@
 #include "engine/parallel.h"
 #include "engine/random.h"
 #include "engine/render_watch.h"
+#include "engine/rows_on_calling_thread.h"
 #include "preview/preview_panel.h"
 
 namespace {
@@ -108,4 +111,33 @@ TEST_F(ConcurrentRender, AStopReachesEveryChunkOfItsThreadAndNoOtherThread)
     othersDone.store(true);
     stopped.join();
     EXPECT_TRUE(unwatched == RenderAll({131, 89}));
+}
+
+// The host's pass has begun and waits inside its rows until the editor's
+// pass is done: every row of the host's runs on the host's thread, and the
+// editor's pass, which starts second, is not held up by it.
+TEST_F(ConcurrentRender, AThreadThatKeepsItsPassesToItselfLeavesThePoolToOthers)
+{
+    std::atomic<bool> hostStarted{false};
+    std::atomic<bool> editorDone{false};
+    std::vector<std::thread::id> hostRows(64);
+    std::thread host([&] {
+        const FZRowsOnCallingThread alone;
+        ParallelRows(0, 64, [&](std::int32_t y) {
+            hostStarted.store(true);
+            while (!editorDone.load())
+                std::this_thread::yield();
+            hostRows[static_cast<std::size_t>(y)] = std::this_thread::get_id();
+        });
+        // Gone with its scope: the next pass may use the pool again.
+    });
+    while (!hostStarted.load())
+        std::this_thread::yield();
+    std::atomic<int> editorRows{0};
+    ParallelRows(0, 300, [&](std::int32_t) { editorRows.fetch_add(1); });
+    editorDone.store(true);
+    const std::thread::id hostId = host.get_id();
+    host.join();
+    EXPECT_EQ(editorRows.load(), 300);
+    EXPECT_EQ(std::count(hostRows.begin(), hostRows.end(), hostId), 64);
 }
