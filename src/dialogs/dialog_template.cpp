@@ -17,6 +17,7 @@
 #include <QSpinBox>
 #include <QStyleOptionSlider>
 
+#include "dialogs/language.h"
 #include "dialogs/resources.h"
 #include "engine/display/canvas.h"
 
@@ -132,7 +133,7 @@ QStyle* SliderStyle(QWidget* dialog)
 
 QString Text(const ControlTemplate& c)
 {
-    return c.text == nullptr ? QString() : QString::fromUtf8(c.text);
+    return c.text == nullptr ? QString() : UiText(c.text);
 }
 
 QWidget* MakeBitmap(QWidget* parent, const ControlTemplate& c)
@@ -224,7 +225,7 @@ DialogControls BuildDialog(QDialog& dialog, const DialogTemplate& t)
     dialog.setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint
                           | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
     dialog.setFont(font);
-    dialog.setWindowTitle(QString::fromUtf8(t.caption));
+    dialog.setWindowTitle(UiText(t.caption));
     dialog.setFixedSize(units.X(t.w), units.Y(t.h));
 
     for (const ControlTemplate& c : t.controls) {

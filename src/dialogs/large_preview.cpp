@@ -2,6 +2,7 @@
 
 #include <QVBoxLayout>
 
+#include "dialogs/language.h"
 #include "dialogs/material_history.h"
 #include "engine/display/canvas.h"
 #include "host/settings.h"
@@ -23,7 +24,7 @@ CLargePreview::CLargePreview(QWidget* owner)
     : QWidget(owner, Qt::Window), renderer(std::make_unique<CPreviewRenderer>())
 {
     setObjectName(QStringLiteral("tamerisk-large-preview"));
-    setWindowTitle(QString::fromUtf8("ﾌﾟﾚﾋﾞｭｰ"));
+    setWindowTitle(UiText(QT_TRANSLATE_NOOP("Tamerisk", "ﾌﾟﾚﾋﾞｭｰ")));
     // Children of the window: Qt deletes them with it.
     area = new FZCanvas(this);
     area->setObjectName(QStringLiteral("4000"));
@@ -35,13 +36,16 @@ CLargePreview::CLargePreview(QWidget* owner)
     connect(&rest, &QTimer::timeout, this, [this] { Request(false); });
     // Frames come from the render thread, so they are queued to this one.
     connect(renderer.get(), &CPreviewRenderer::FrameReady, this, &CLargePreview::ShowFrame);
-    resize(ReadLargePreviewSize(SettingsFilePath()));
+    const LargePreviewPlace place = ReadLargePreviewPlace(SettingsFilePath());
+    resize(place.size);
+    if (place.corner)
+        MoveFrameTo(this, *place.corner);
 }
 
 CLargePreview::~CLargePreview()
 {
     if (isVisible())
-        RememberSize();
+        RememberPlace();
     // Joined here, while the window is whole; frames it still sent are
     // dropped with the window's pending events.
     renderer.reset();
@@ -73,7 +77,7 @@ void CLargePreview::hideEvent(QHideEvent* event)
     rest.stop();
     renderer->Cancel();
     anyRequested = false;
-    RememberSize();
+    RememberPlace();
 }
 
 void CLargePreview::resizeEvent(QResizeEvent* event)
@@ -120,7 +124,7 @@ void CLargePreview::ShowFrame(const CPreviewFrame& frame)
     area->Show(frame.image, changed);
 }
 
-void CLargePreview::RememberSize() const
+void CLargePreview::RememberPlace() const
 {
-    WriteLargePreviewSize(SettingsFilePath(), area->size());
+    WriteLargePreviewPlace(SettingsFilePath(), area->size(), NormalFrameCorner(*this));
 }

@@ -11,8 +11,8 @@
 // full picture follows when the drag rests.
 //
 // The window is named "tamerisk-large-preview" and its drawing area "4000",
-// as the preview control of every dialog. Its size is kept in the settings
-// file when it is closed and when the editor goes away.
+// as the preview control of every dialog. Its size and place are kept in
+// the settings file when it is closed and when the editor goes away.
 #ifndef TAMERISK_DIALOGS_LARGE_PREVIEW_H
 #define TAMERISK_DIALOGS_LARGE_PREVIEW_H
 
@@ -31,9 +31,10 @@ class CLargePreview : public QWidget {
     Q_OBJECT
 
 public:
-    // A window owned by `owner` (may be null), sized from the settings file.
+    // A window owned by `owner` (may be null), sized and placed from the
+    // settings file.
     explicit CLargePreview(QWidget* owner);
-    // Remembers the size when the window is still shown, and stops the
+    // Remembers the size and place when the window is still shown, and stops the
     // render in flight.
     ~CLargePreview() override;
 
@@ -56,7 +57,7 @@ private:
     // unless it was the last thing asked for.
     void Request(bool moving);
     void ShowFrame(const CPreviewFrame& frame);
-    void RememberSize() const;
+    void RememberPlace() const;
 
     FZCanvas* area = nullptr;
     CPreviewRequest wanted;     // what the window should show

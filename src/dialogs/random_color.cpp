@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include <QtGlobal>
+
 #include "engine/random.h"
 
 namespace {
@@ -12,15 +14,15 @@ namespace {
 const FZRandom kColorGenerator;
 
 constexpr FamilyMenuItem kMenu[] = {
-    {"全色", kFamilyAll},
-    {"原色", kFamilyPrimary},
-    {"ﾊﾟｽﾃﾙｶﾗｰ", kFamilyPastel},
-    {"灰色", kFamilyGrey},
-    {"明色", kFamilyLight},
-    {"暗色", kFamilyDark},
-    {"暖色", kFamilyWarm},
-    {"寒色", kFamilyCool},
-    {"近い色", kFamilyNear},
+    {QT_TRANSLATE_NOOP("Tamerisk", "全色"), kFamilyAll},
+    {QT_TRANSLATE_NOOP("Tamerisk", "原色"), kFamilyPrimary},
+    {QT_TRANSLATE_NOOP("Tamerisk", "ﾊﾟｽﾃﾙｶﾗｰ"), kFamilyPastel},
+    {QT_TRANSLATE_NOOP("Tamerisk", "灰色"), kFamilyGrey},
+    {QT_TRANSLATE_NOOP("Tamerisk", "明色"), kFamilyLight},
+    {QT_TRANSLATE_NOOP("Tamerisk", "暗色"), kFamilyDark},
+    {QT_TRANSLATE_NOOP("Tamerisk", "暖色"), kFamilyWarm},
+    {QT_TRANSLATE_NOOP("Tamerisk", "寒色"), kFamilyCool},
+    {QT_TRANSLATE_NOOP("Tamerisk", "近い色"), kFamilyNear},
 };
 
 // A box in HLS space; hues may reach past 0 and 360.

@@ -30,6 +30,9 @@ const QString kDisplayKey = QStringLiteral("Display");
 const QString kPreviewSection = QStringLiteral("LargePreview");
 const QString kWidthKey = QStringLiteral("Width");
 const QString kHeightKey = QStringLiteral("Height");
+const QString kFilesSection = QStringLiteral("Files");
+const QString kFolderKey = QStringLiteral("Folder");
+const QString kFileKey = QStringLiteral("File");
 
 // The large preview's sides: a hand-edited file can ask neither for an
 // unusable nor for an enormous window.
@@ -71,6 +74,13 @@ int ReadKey(const ProfileText& text, Key key, int fallback = 0)
 void SetKey(ProfileText& text, Key key, int value)
 {
     text.Set(key.section.toStdString(), key.name.toStdString(), std::to_string(value));
+}
+
+// A key whose value is a file name, as the system's bytes; empty when missing.
+QString ReadPathKey(const ProfileText& text, Key key)
+{
+    const std::optional<std::string> value = text.Value(key.section.toStdString(), key.name.toStdString());
+    return value ? QFile::decodeName(QByteArray::fromStdString(*value)) : QString();
 }
 
 // Sets keys of the file under its lock and keeps every other byte of it;
@@ -188,21 +198,54 @@ bool WriteWindowSettings(const QString& filePath, const WindowSettings& settings
                       reason);
 }
 
-QSize ReadLargePreviewSize(const QString& filePath)
+LargePreviewPlace ReadLargePreviewPlace(const QString& filePath)
 {
     const ProfileText text = ReadProfile(filePath);
-    return {PreviewSide(text, kWidthKey), PreviewSide(text, kHeightKey)};
+    LargePreviewPlace place{{PreviewSide(text, kWidthKey), PreviewSide(text, kHeightKey)}, std::nullopt};
+    const std::string section = kPreviewSection.toStdString();
+    if (text.Value(section, kLeftKey.toStdString()) && text.Value(section, kTopKey.toStdString()))
+        place.corner = QPoint(ReadKey(text, {kPreviewSection, kLeftKey}), ReadKey(text, {kPreviewSection, kTopKey}));
+    return place;
 }
 
-void WriteLargePreviewSize(const QString& filePath, QSize size)
+void WriteLargePreviewPlace(const QString& filePath, QSize size, QPoint corner)
 {
     QString reason;
-    // Only a convenience is lost: the window opens at its default size.
+    // Only a convenience is lost: the window opens at its default place.
     if (!UpdateKeys(filePath,
-                    {{{kPreviewSection, kWidthKey}, size.width()}, {{kPreviewSection, kHeightKey}, size.height()}},
+                    {{{kPreviewSection, kWidthKey}, size.width()},
+                     {{kPreviewSection, kHeightKey}, size.height()},
+                     {{kPreviewSection, kLeftKey}, corner.x()},
+                     {{kPreviewSection, kTopKey}, corner.y()}},
                     &reason))
-        qWarning("Tamerisk: the large preview's size could not be saved to %s: %s", qPrintable(filePath),
+        qWarning("Tamerisk: the large preview's place could not be saved to %s: %s", qPrintable(filePath),
                  qPrintable(reason));
+}
+
+FileMemory ReadFileMemory(const QString& filePath)
+{
+    const ProfileText text = ReadProfile(filePath);
+    return {ReadPathKey(text, {kFilesSection, kFolderKey}), ReadPathKey(text, {kFilesSection, kFileKey})};
+}
+
+void RememberFile(const QString& filePath, const QString& path, bool loadedOrSaved)
+{
+    const QFileInfo chosen(path);
+    const QByteArray folder = QFile::encodeName(chosen.absolutePath());
+    const QByteArray name = QFile::encodeName(chosen.fileName());
+    if (folder.contains('\n') || folder.contains('\r') || name.contains('\n') || name.contains('\r'))
+        return;
+    const FileWriteResult written
+        = UpdateProfileFile(QFile::encodeName(filePath).constData(), [&](ProfileText& text) {
+              const std::string section = kFilesSection.toStdString();
+              text.Set(section, kFolderKey.toStdString(), folder.toStdString());
+              if (loadedOrSaved)
+                  text.Set(section, kFileKey.toStdString(), name.toStdString());
+          });
+    // Only a convenience is lost: the next file dialog starts elsewhere.
+    if (!written.Ok())
+        qWarning("Tamerisk: the folder of %s could not be remembered in %s: %s", qPrintable(path),
+                 qPrintable(filePath), qPrintable(QString::fromLocal8Bit(written.reason)));
 }
 
 QPoint PlaceWindow(QPoint saved, QSize window, const std::vector<QRect>& screens)
@@ -218,22 +261,32 @@ QPoint PlaceWindow(QPoint saved, QSize window, const std::vector<QRect>& screens
             ClampAxis(saved.y(), window.height(), screen.y(), screen.height())};
 }
 
+void MoveFrameTo(QWidget* window, QPoint saved)
+{
+    // The size held on the screen includes the window frame, which the
+    // platform reports once the native window exists.
+    window->winId();
+    const QSize size = window->frameGeometry().size();
+    const QPoint corner = PlaceWindow(saved, size, ScreenRects());
+    window->move(corner);
+    // Under a window manager the frame is not known before the window is
+    // mapped, and move() then places the client area. The saved corner is
+    // the frame's, so the window manager is asked to put the frame there.
+    if (QWindow* handle = window->windowHandle())
+        handle->setFramePosition(corner);
+}
+
+QPoint NormalFrameCorner(const QWidget& window)
+{
+    return NormalTopLeft(window);
+}
+
 void LoadWindowPlacement(QWidget* dialog)
 {
     if (!dialog)
         return;
     const WindowSettings saved = ReadWindowSettings(SettingsFilePath());
-    // The size held on the screen includes the window frame, which the
-    // platform reports once the native window exists.
-    dialog->winId();
-    const QSize size = dialog->frameGeometry().size();
-    const QPoint corner = PlaceWindow({saved.left, saved.top}, size, ScreenRects());
-    dialog->move(corner);
-    // Under a window manager the frame is not known before the window is
-    // mapped, and move() then places the client area. The saved corner is
-    // the frame's, so the window manager is asked to put the frame there.
-    if (QWindow* window = dialog->windowHandle())
-        window->setFramePosition(corner);
+    MoveFrameTo(dialog, {saved.left, saved.top});
     dialog->update();
     if (saved.display != 0) {
         dialog->show();

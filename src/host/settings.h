@@ -16,6 +16,7 @@
 #ifndef TAMERISK_HOST_SETTINGS_H
 #define TAMERISK_HOST_SETTINGS_H
 
+#include <optional>
 #include <vector>
 
 #include <QPoint>
@@ -59,12 +60,32 @@ WindowSettings ReadWindowSettings(const QString& filePath);
 // refused file is left as it is. False, with the reason, when it cannot be.
 bool WriteWindowSettings(const QString& filePath, const WindowSettings& settings, QString* reason = nullptr);
 
-// The size of the editor's large preview (its drawing area, in logical
-// pixels), section "LargePreview", keys "Width" and "Height". A missing file
-// or key gives 512 a side; a side is held within 64 to 4096. A size that
-// cannot be written is only not remembered.
-QSize ReadLargePreviewSize(const QString& filePath);
-void WriteLargePreviewSize(const QString& filePath, QSize size);
+// The editor's large preview, section "LargePreview": the size of its
+// drawing area in logical pixels, keys "Width" and "Height", and the
+// top-left corner of its frame, keys "Left" and "Top". A missing file or
+// key gives 512 a side; a side is held within 64 to 4096. Without both
+// "Left" and "Top" there is no corner. What cannot be written is only not
+// remembered.
+struct LargePreviewPlace {
+    QSize size;
+    std::optional<QPoint> corner;
+};
+LargePreviewPlace ReadLargePreviewPlace(const QString& filePath);
+void WriteLargePreviewPlace(const QString& filePath, QSize size, QPoint corner);
+
+// What the file dialogs of "開く" and "保存" remember, section "Files":
+// "Folder", the folder of the file last chosen in either, and "File", the
+// name of the file last loaded or saved. Both are kept as the system's
+// bytes for a file name; missing keys read as empty.
+struct FileMemory {
+    QString folder;
+    QString file;
+};
+FileMemory ReadFileMemory(const QString& filePath);
+// Remembers the folder of `path`, and its name too when the file was
+// loaded or saved. A path that cannot be one line of the file (a line end
+// in it) is not remembered.
+void RememberFile(const QString& filePath, const QString& path, bool loadedOrSaved);
 
 // Where a window whose frame has the given size goes for a saved frame
 // corner, on a desktop of the given screens (virtual desktop coordinates).
@@ -74,5 +95,12 @@ void WriteLargePreviewSize(const QString& filePath, QSize size);
 // right or bottom edge moves back to end there (so a window larger than the
 // screen starts before it). With no screen only negative coordinates change.
 QPoint PlaceWindow(QPoint saved, QSize window, const std::vector<QRect>& screens);
+
+// Moves the window's frame to where PlaceWindow puts a saved corner on the
+// screens there are now.
+void MoveFrameTo(QWidget* window, QPoint saved);
+// The top-left corner of the window's frame in its normal (restored) state,
+// as SaveWindowPlacement writes it.
+QPoint NormalFrameCorner(const QWidget& window);
 
 #endif

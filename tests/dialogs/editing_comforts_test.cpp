@@ -242,8 +242,8 @@ QWidget* OpenLargePreview(const CDlgAttribute& dialog)
 
 // The large preview draws what tamerisk-render draws at the size of its area
 // in device pixels (at QT_SCALE_FACTOR=2 a 400 x 400 window shows an 800 x
-// 800 frame), follows edits, shapes and undo, and keeps its size.
-TEST_F(Comforts, LargePreviewFollowsTheEditorAndKeepsItsSize)
+// 800 frame), follows edits, shapes and undo, and keeps its size and place.
+TEST_F(Comforts, LargePreviewFollowsTheEditorAndKeepsItsSizeAndPlace)
 {
     QWidget* window = OpenLargePreview(*dialog);
     ASSERT_NE(window, nullptr);
@@ -264,9 +264,18 @@ TEST_F(Comforts, LargePreviewFollowsTheEditorAndKeepsItsSize)
     EXPECT_TRUE(QTest::qWaitFor([&] { return shows(Record(), 2); }));
     Keys(QKeySequence::Undo);
     EXPECT_TRUE(QTest::qWaitFor([&] { return shows(start, 2); }));
+    window->move(60, 70);
     dialog->close();  // puts the large preview away with it
     EXPECT_FALSE(window->isVisible());
-    EXPECT_EQ(ReadLargePreviewSize(SettingsFilePath()), QSize(400, 300));
+    const LargePreviewPlace place = ReadLargePreviewPlace(SettingsFilePath());
+    EXPECT_EQ(place.size, QSize(400, 300));
+    EXPECT_EQ(place.corner, QPoint(60, 70));
+    // A new editor's large preview opens where the last one was.
+    CDlgAttribute next(nullptr);
+    ASSERT_TRUE(next.Create());
+    QWidget* again = OpenLargePreview(next);
+    ASSERT_NE(again, nullptr);
+    EXPECT_EQ(again->pos(), QPoint(60, 70));
 }
 
 } // namespace

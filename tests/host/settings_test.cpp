@@ -62,15 +62,25 @@ TEST(SettingsFile, ReadsLikeAPrivateProfileAndWritesOnlyItsKeys)
     WriteSettings({});
 }
 
-TEST(SettingsFile, KeepsTheLargePreviewsSizeBesideThePlacementWithinRange)
+TEST(SettingsFile, KeepsTheLargePreviewsPlaceAndTheFileDialogsMemoryBesideThePlacement)
 {
     WriteSettings({});
-    EXPECT_EQ(ReadLargePreviewSize(SettingsFilePath()), QSize(512, 512));
+    EXPECT_EQ(ReadLargePreviewPlace(SettingsFilePath()).size, QSize(512, 512));
+    EXPECT_FALSE(ReadLargePreviewPlace(SettingsFilePath()).corner);
     ASSERT_TRUE(WriteWindowSettings(SettingsFilePath(), {40, -50, 1}));
-    WriteLargePreviewSize(SettingsFilePath(), {700, 300});
-    EXPECT_EQ(ReadSettings(), "[Window]\nTop=40\nLeft=-50\nDisplay=1\n[LargePreview]\nWidth=700\nHeight=300\n");
-    WriteSettings("[LargePreview]\nWidth=-3\nHeight=99999999999\n");
-    EXPECT_EQ(ReadLargePreviewSize(SettingsFilePath()), QSize(64, 4096));
+    WriteLargePreviewPlace(SettingsFilePath(), {700, 300}, {-20, 30});
+    RememberFile(SettingsFilePath(), QStringLiteral("/tmp/m/red.qva"), false);
+    EXPECT_EQ(ReadFileMemory(SettingsFilePath()).folder, QStringLiteral("/tmp/m"));
+    EXPECT_EQ(ReadFileMemory(SettingsFilePath()).file, QString());
+    RememberFile(SettingsFilePath(), QString::fromUtf8("/tmp/質感/赤.qva"), true);
+    RememberFile(SettingsFilePath(), QStringLiteral("/tmp/two\nlines.qva"), true);
+    EXPECT_EQ(ReadSettings(), QByteArray("[Window]\nTop=40\nLeft=-50\nDisplay=1\n"
+                                         "[LargePreview]\nWidth=700\nHeight=300\nLeft=-20\nTop=30\n"
+                                         "[Files]\nFolder=/tmp/質感\nFile=赤.qva\n"));
+    EXPECT_EQ(ReadLargePreviewPlace(SettingsFilePath()).corner, QPoint(-20, 30));
+    WriteSettings("[LargePreview]\nWidth=-3\nHeight=99999999999\nLeft=5\n");
+    EXPECT_EQ(ReadLargePreviewPlace(SettingsFilePath()).size, QSize(64, 4096));
+    EXPECT_FALSE(ReadLargePreviewPlace(SettingsFilePath()).corner);
     WriteSettings({});
 }
 
