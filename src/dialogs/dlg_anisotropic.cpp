@@ -8,6 +8,7 @@
 #include <QSpinBox>
 
 #include "dialogs/anisotropy_diagram.h"
+#include "dialogs/slider_value_tip.h"
 #include "dialogs/templates.h"
 #include "engine/display/canvas.h"
 #include "engine/fz_math.h"
@@ -47,6 +48,17 @@ double Maximum(const QScrollBar* bar)
 double Fraction(const QScrollBar* bar)
 {
     return bar->value() / Maximum(bar);
+}
+
+// What the bars write: the amplitude (types 2 and 5) and the spiral twist.
+double AmplitudeOf(const QScrollBar* bar)
+{
+    return Fraction(bar) / 4.0;
+}
+
+double TwistOf(const QScrollBar* bar)
+{
+    return 2.0 * bar->value() * kTwistHalfRange / Maximum(bar) - kTwistHalfRange;
 }
 
 template <std::size_t N>
@@ -98,6 +110,11 @@ void CDlgAnisotropic::ConnectHandlers()
         ConnectHScroll(bar, [this](QScrollBar*, int) { OnHScroll(); });
     for (QSpinBox* spin : {waveCount, grooveWidth})
         connect(spin, &QSpinBox::valueChanged, this, &CDlgAnisotropic::OnEditChange);
+    AttachValueTip(depth, [this](int) { return ValueTipText(QT_TRANSLATE_NOOP("Tamerisk", "溝の深さ"), Fraction(depth)); });
+    AttachValueTip(amplitude,
+                   [this](int) { return ValueTipText(QT_TRANSLATE_NOOP("Tamerisk", "振幅"), AmplitudeOf(amplitude), 4); });
+    AttachValueTip(twist,
+                   [this](int) { return ValueTipText(QT_TRANSLATE_NOOP("Tamerisk", "渦巻きの回転角"), TwistOf(twist), 6); });
 }
 
 void CDlgAnisotropic::OnInitDialog()
@@ -146,17 +163,16 @@ void CDlgAnisotropic::ReadControls()
     switch (a.type) {
     case 2:
         a.waveCount = FZMax(waveCount->value(), 1);
-        a.amplitude = static_cast<float>(Fraction(amplitude) / 4.0);
+        a.amplitude = static_cast<float>(AmplitudeOf(amplitude));
         break;
     case 3:
-        a.spiralTwist = static_cast<float>(2.0 * twist->value() * kTwistHalfRange / Maximum(twist)
-                                           - kTwistHalfRange);
+        a.spiralTwist = static_cast<float>(TwistOf(twist));
         break;
     case 4:
         a.angle = static_cast<float>(Fraction(straightAngle) * 180.0);
         break;
     case 5:
-        a.amplitude = static_cast<float>(Fraction(waveAmplitude) / 4.0);
+        a.amplitude = static_cast<float>(AmplitudeOf(waveAmplitude));
         a.angle = static_cast<float>(Fraction(waveAngle) * 180.0);
         break;
     default:

@@ -5,6 +5,7 @@
 #include <QScrollBar>
 
 #include "dialogs/dialog_template.h"
+#include "dialogs/slider_value_tip.h"
 #include "dialogs/templates.h"
 
 namespace {
@@ -51,6 +52,9 @@ CDlgRainbowHighlight::CDlgRainbowHighlight(QWidget* parent)
 {
     curve.SetUp(2.0, 0.0, kSpacingWide, kSliderMax, kSpacingNarrow);
     ConnectHScroll(spacing, [this](QScrollBar*, int) { OnHScroll(); });
+    AttachValueTip(spacing, [](int position) {
+        return ValueTipText(QT_TRANSLATE_NOOP("Tamerisk", "縞模様の間隔"), curve.Spacing(position));
+    });
 }
 
 void CDlgRainbowHighlight::OnInitDialog()

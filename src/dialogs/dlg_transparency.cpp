@@ -5,6 +5,7 @@
 #include <QSpinBox>
 
 #include "dialogs/dialog_template.h"
+#include "dialogs/slider_value_tip.h"
 #include "dialogs/templates.h"
 
 namespace {
@@ -37,6 +38,11 @@ void CDlgTransparency::ConnectHandlers()
         record.attenuation = SliderValue(attenuation);
         Refresh();
     });
+    AttachValueTip(incidence, [this](int) {
+        return ValueTipText(QT_TRANSLATE_NOOP("Tamerisk", "入射角依存率"), SliderValue(incidence));
+    });
+    AttachValueTip(attenuation,
+                   [this](int) { return ValueTipText(QT_TRANSLATE_NOOP("Tamerisk", "減衰率"), SliderValue(attenuation)); });
     connect(thinGlass, &QCheckBox::clicked, this, &CDlgTransparency::OnCheckThinGlass);
     connect(thickness, &QSpinBox::valueChanged, this, &CDlgTransparency::OnThicknessChanged);
 }

@@ -61,6 +61,16 @@ QRect ChangedRect(const QImage& before, const QImage& after)
     return top < 0 ? QRect() : QRect(QPoint(left, top), QPoint(right - 1, bottom));
 }
 
+// The ground alone (a panel with no sample shape) of a frame of `size`, as
+// the screen shows it at `pixels`; null when it cannot be made.
+QImage GroundPicture(QSize size, QSize pixels)
+{
+    CPreviewPanel panel;
+    if (panel.SetUpFrame(size.width(), size.height(), 0) != FZResult::Ok)
+        return QImage();
+    return MakeScreenBitmap(*panel.Scene()->frame, pixels);
+}
+
 } // namespace
 
 CPreviewRenderer::CPreviewRenderer()
@@ -152,6 +162,7 @@ void CPreviewRenderer::Loop()
     draft.panel.ReleaseScene();
     sent = CPreviewFrame();
     sentBefore = QImage();
+    ground = Ground();
 }
 
 void CPreviewRenderer::Render(const CPreviewRequest& request)
@@ -165,6 +176,8 @@ void CPreviewRenderer::Render(const CPreviewRequest& request)
     QImage frame = MakeScreenBitmap(*target.panel.Scene()->frame, request.pixels);
     if (Stopped() || frame.isNull())
         return;
+    if (request.draft)
+        KeepGroundSharp(frame, request.pixels);
     frame.setDevicePixelRatio(request.ratio);
     CPreviewFrame next{request.sequence, frame, sent.sequence, ChangedRect(sent.image, frame)};
     if (Stopped())
@@ -172,6 +185,25 @@ void CPreviewRenderer::Render(const CPreviewRequest& request)
     sentBefore = std::move(sent.image);
     sent = next;
     emit FrameReady(next);
+}
+
+void CPreviewRenderer::KeepGroundSharp(QImage& draftPicture, QSize pixels)
+{
+    if (ground.pixels != pixels) {
+        // Made once for each size the drafts are shown at.
+        ground = Ground{pixels, GroundPicture(pixels, pixels), GroundPicture(DraftSize(pixels), pixels)};
+        if (Stopped() || ground.full.isNull() || ground.draft.isNull()) {
+            ground = Ground();
+            return;
+        }
+    }
+    for (int y = 0; y < pixels.height(); ++y) {
+        auto* line = reinterpret_cast<QRgb*>(draftPicture.scanLine(y));
+        const auto* coarse = reinterpret_cast<const QRgb*>(ground.draft.constScanLine(y));
+        const auto* sharp = reinterpret_cast<const QRgb*>(ground.full.constScanLine(y));
+        for (int x = 0; x < pixels.width(); ++x)
+            line[x] = line[x] == coarse[x] ? sharp[x] : line[x];
+    }
 }
 
 FZResult CPreviewRenderer::Bring(Target& target, QSize size, const CPreviewRequest& request)

@@ -12,7 +12,9 @@
 // The thread keeps two preview panels, one at the full size and one for the
 // drafts, so that a drag and its refinement do not build each other's scene
 // again. Its pictures are the ones `tamerisk-render` draws at that size (the
-// panel's SetUpFrame, BuildSampleShape and ApplyMaterial).
+// panel's SetUpFrame, BuildSampleShape and ApplyMaterial). A draft is coarse
+// only where the edit shows: its ground is the full picture's, so the
+// checkerboard stays put while the user drags.
 #ifndef TAMERISK_DIALOGS_PREVIEW_RENDERER_H
 #define TAMERISK_DIALOGS_PREVIEW_RENDERER_H
 
@@ -92,8 +94,20 @@ private:
         bool complete = false;  // the frame is finished for that material
     };
 
+    // The ground as the pictures of one size show it: the frame of the
+    // ground alone at the full size, and at the draft's size enlarged.
+    struct Ground {
+        QSize pixels;
+        QImage full;
+        QImage draft;
+    };
+
     void Loop();
     void Render(const CPreviewRequest& request);
+    // Gives the draft the full picture's ground wherever the draft shows
+    // nothing but ground, so that only what the edit changes is coarse.
+    // Leaves it as it is when the ground cannot be had (stopped).
+    void KeepGroundSharp(QImage& draftPicture, QSize pixels);
     // Brings the target's frame in line with the request at `size`, doing
     // only the work the change needs; Ok only when the frame is finished
     // (Error when the render was stopped on the way).
@@ -104,6 +118,7 @@ private:
     // Touched by the render thread alone.
     Target full;
     Target draft;
+    Ground ground;  // of the last draft's size
     CPreviewFrame sent;  // the last frame sent
     // The one sent before it, which the window may still show: released
     // here, when the next frame goes out, so that the window's thread

@@ -1,5 +1,6 @@
 #include "material/attribute_file.h"
 
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -311,11 +312,14 @@ FZResult LoadAttributeStream(std::FILE* file, FZAttributeEx& record, int* versio
     return rc;
 }
 
-FZResult LoadAttributeFile(const char* path, FZAttributeEx& record, int* version)
+FZResult LoadAttributeFile(const char* path, FZAttributeEx& record, int* version, std::string* reason)
 {
     std::FILE* file = path != nullptr ? std::fopen(path, "rb") : nullptr;
-    if (file == nullptr)
+    if (file == nullptr) {
+        if (reason != nullptr && path != nullptr)
+            *reason = std::strerror(errno);
         return FZResult::OpenFailed;
+    }
     const FZResult rc = LoadAttributeStream(file, record, version);
     std::fclose(file);
     return rc;

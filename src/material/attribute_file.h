@@ -80,8 +80,10 @@ FZResult SaveAttributeFile(const char* path, const FZAttributeEx& record, std::s
 // Reads a whole file (header and record). On success record is replaced by
 // what the file holds, with every field it lacks at its default, and *version
 // (when given) is set to the file's version. On failure neither changes: -5
-// when the file cannot be opened, otherwise as ReadFileHeader and Read.
-FZResult LoadAttributeFile(const char* path, FZAttributeEx& record, int* version = nullptr);
+// when the file cannot be opened, with the system's reason in reason (when
+// given), otherwise as ReadFileHeader and Read.
+FZResult LoadAttributeFile(const char* path, FZAttributeEx& record, int* version = nullptr,
+                           std::string* reason = nullptr);
 
 // As LoadAttributeFile, from an open file positioned at the header.
 FZResult LoadAttributeStream(std::FILE* file, FZAttributeEx& record, int* version = nullptr);

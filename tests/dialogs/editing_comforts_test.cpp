@@ -386,10 +386,15 @@ TEST_F(Renderer, DraftsAreSmallAndShownAtTheFullSize)
     renderer.Post(request);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !sequences.empty(); }));
     EXPECT_EQ(last.size(), QSize(800, 600));
-    // Each pixel of the draft shows as a block of 2 x 2.
+    // Each pixel of the draft's sample shows as a block of 2 x 2; the ground
+    // around it is the full picture's, cell for cell.
     const QImage small = Rendered(request.material, 3, QSize(400, 300));
-    EXPECT_EQ(last.scaled(400, 300), small);
     EXPECT_EQ(last.pixel(351, 241), small.pixel(175, 120));
+    EXPECT_EQ(last.pixel(400, 300), small.pixel(200, 150));
+    const QImage full = Rendered(request.material, 3, QSize(800, 600));
+    for (const QRect corner : {QRect(0, 0, 120, 120), QRect(680, 480, 120, 120)})
+        EXPECT_EQ(last.copy(corner), full.copy(corner));
+    EXPECT_NE(last, full);
 }
 
 // While a slider is held the large preview may show drafts; once the drag is
