@@ -9,8 +9,11 @@
 
 #include <tamerisk/fz_truncate.h>
 
+#include "dialogs/color_choice.h"
 #include "dialogs/color_swatch.h"
 #include "dialogs/dialog_template.h"
+#include "dialogs/language.h"
+#include "dialogs/slider_value_tip.h"
 #include "dialogs/templates.h"
 #include "engine/display/canvas.h"
 
@@ -29,43 +32,59 @@ int Position(float v)
     return FZTruncate(static_cast<double>(v) * kSliderMax);
 }
 
-// One slider: which control, where it stands for a record, and what a
-// position in 0..1 (the position over 64) writes into the record.
+// One slider: which control, where it stands for a record, what a position
+// in 0..1 (the position over 64) writes into the record, and the field as
+// its tooltip names and shows it (the label's text; the value written, with
+// the decimals it needs).
 struct SliderField {
     int id;
     int (*position)(const FZAttributeEx&);
     void (*store)(FZAttributeEx&, float);
+    const char* field;
+    double (*written)(const FZAttributeEx&);
+    int decimals = 2;
 };
 
 constexpr SliderField kSliders[] = {
     {kIdRed, [](const FZAttributeEx& a) { return a.color.r * kSliderMax / 255; },
-     [](FZAttributeEx& a, float v) { a.color.r = ColorByte(v); }},
+     [](FZAttributeEx& a, float v) { a.color.r = ColorByte(v); },
+     QT_TRANSLATE_NOOP("Tamerisk", "赤"), [](const FZAttributeEx& a) -> double { return a.color.r; }, 0},
     {kIdGreen, [](const FZAttributeEx& a) { return a.color.g * kSliderMax / 255; },
-     [](FZAttributeEx& a, float v) { a.color.g = ColorByte(v); }},
+     [](FZAttributeEx& a, float v) { a.color.g = ColorByte(v); },
+     QT_TRANSLATE_NOOP("Tamerisk", "緑"), [](const FZAttributeEx& a) -> double { return a.color.g; }, 0},
     {kIdBlue, [](const FZAttributeEx& a) { return a.color.b * kSliderMax / 255; },
-     [](FZAttributeEx& a, float v) { a.color.b = ColorByte(v); }},
+     [](FZAttributeEx& a, float v) { a.color.b = ColorByte(v); },
+     QT_TRANSLATE_NOOP("Tamerisk", "青"), [](const FZAttributeEx& a) -> double { return a.color.b; }, 0},
     {kIdAmbient, [](const FZAttributeEx& a) { return Position(a.ambient); },
-     [](FZAttributeEx& a, float v) { a.ambient = v; }},
+     [](FZAttributeEx& a, float v) { a.ambient = v; },
+     QT_TRANSLATE_NOOP("Tamerisk", "環境光反射率"), [](const FZAttributeEx& a) -> double { return a.ambient; }, 2},
     {kIdDiffuse, [](const FZAttributeEx& a) { return Position(a.diffuse); },
-     [](FZAttributeEx& a, float v) { a.diffuse = v; }},
+     [](FZAttributeEx& a, float v) { a.diffuse = v; },
+     QT_TRANSLATE_NOOP("Tamerisk", "拡散反射率"), [](const FZAttributeEx& a) -> double { return a.diffuse; }, 2},
     {kIdHighlightStrength, [](const FZAttributeEx& a) { return Position(a.highlightStrength); },
-     [](FZAttributeEx& a, float v) { a.highlightStrength = v; }},
+     [](FZAttributeEx& a, float v) { a.highlightStrength = v; },
+     QT_TRANSLATE_NOOP("Tamerisk", "強度"), [](const FZAttributeEx& a) -> double { return a.highlightStrength; }, 2},
     {kIdSpread,
      [](const FZAttributeEx& a) {
          return FZTruncate((1.0 - static_cast<double>(a.highlightSharpness)) * kSliderMax);
      },
-     [](FZAttributeEx& a, float v) { a.highlightSharpness = static_cast<float>(1.0 - v); }},
+     [](FZAttributeEx& a, float v) { a.highlightSharpness = static_cast<float>(1.0 - v); },
+     QT_TRANSLATE_NOOP("Tamerisk", "広がり"), [](const FZAttributeEx& a) -> double { return 1.0 - static_cast<double>(a.highlightSharpness); }, 2},
     {kIdTransparency, [](const FZAttributeEx& a) { return Position(a.transparency); },
-     [](FZAttributeEx& a, float v) { a.transparency = v; }},
+     [](FZAttributeEx& a, float v) { a.transparency = v; },
+     QT_TRANSLATE_NOOP("Tamerisk", "透明度"), [](const FZAttributeEx& a) -> double { return a.transparency; }, 2},
     {kIdRefractiveIndex,
      [](const FZAttributeEx& a) {
          return FZTruncate(static_cast<double>(a.refractiveIndex) * kSliderMax / 2.0);
      },
-     [](FZAttributeEx& a, float v) { a.refractiveIndex = static_cast<float>(2.0 * v); }},
+     [](FZAttributeEx& a, float v) { a.refractiveIndex = static_cast<float>(2.0 * v); },
+     QT_TRANSLATE_NOOP("Tamerisk", "屈折率"), [](const FZAttributeEx& a) -> double { return a.refractiveIndex; }, 2},
     {kIdEmission, [](const FZAttributeEx& a) { return Position(a.emission); },
-     [](FZAttributeEx& a, float v) { a.emission = v; }},
+     [](FZAttributeEx& a, float v) { a.emission = v; },
+     QT_TRANSLATE_NOOP("Tamerisk", "発光率"), [](const FZAttributeEx& a) -> double { return a.emission; }, 2},
     {kIdReflection, [](const FZAttributeEx& a) { return Position(a.reflection); },
-     [](FZAttributeEx& a, float v) { a.reflection = v; }},
+     [](FZAttributeEx& a, float v) { a.reflection = v; },
+     QT_TRANSLATE_NOOP("Tamerisk", "映りこみ"), [](const FZAttributeEx& a) -> double { return a.reflection; }, 2},
 };
 static_assert(std::size(kSliders) == kAttributeSliderCount);
 
@@ -76,11 +95,12 @@ constexpr int kColorControls[] = {
     kIdRedBitmap, kIdGreenBitmap, kIdBlueBitmap, kIdColorSwatch, kIdRandom, kIdRandomType,
 };
 
-const char* const kSwatchLabel = "色選択";
+const char* const kSwatchLabel = QT_TRANSLATE_NOOP("Tamerisk", "色選択");
 constexpr int kSwatchFontHeight = 11;
 constexpr int kHighlightSwatchFontHeight = 9;
 
-// Paints a swatch of the colour, labelled "色選択", into the button.
+// Paints a swatch of the colour, labelled "色選択", into the button, whose
+// tooltip gives the colour's RGB values.
 void DrawSwatch(const FZColor& color, int fontHeight, QWidget* button)
 {
     CColorSwatch swatch;
@@ -88,8 +108,9 @@ void DrawSwatch(const FZColor& color, int fontHeight, QWidget* button)
     color.GetFloats(r, g, b);
     swatch.SetColor(r, g, b);
     swatch.SetFontHeight(fontHeight);
-    swatch.SetLabel(QString::fromUtf8(kSwatchLabel));
+    swatch.SetLabel(UiText(kSwatchLabel));
     swatch.Draw(button);
+    button->setToolTip(ColorTipText(color));
 }
 
 } // namespace
@@ -101,6 +122,12 @@ FZAttributeEx WithSliderPosition(const FZAttributeEx& record, std::size_t slider
     FZAttributeEx edited = record;
     kSliders[slider].store(edited, static_cast<float>(v));
     return edited;
+}
+
+QString SliderTip(const FZAttributeEx& record, std::size_t slider, int position)
+{
+    const SliderField& field = kSliders[slider];
+    return ValueTipText(field.field, field.written(WithSliderPosition(record, slider, position)), field.decimals);
 }
 
 CAttributeControls::CAttributeControls(const DialogControls& built)

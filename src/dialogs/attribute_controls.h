@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <vector>
 
+#include <QString>
+
 #include <tamerisk/attribute.h>
 
 class COwnerDrawButton;
@@ -26,6 +28,9 @@ inline constexpr std::size_t kAttributeSliderCount = 11;
 // moved to `position`: the record with the field it writes, from the
 // position over 64 held within 0 to 1.
 FZAttributeEx WithSliderPosition(const FZAttributeEx& record, std::size_t slider, int position);
+// The tooltip of slider `slider` at `position` over the record: the field
+// it writes and the value written there, "拡散反射率 0.80".
+QString SliderTip(const FZAttributeEx& record, std::size_t slider, int position);
 
 // The controls of one editor window, resolved once from what its template
 // built. The widgets belong to the window.
@@ -39,7 +44,8 @@ struct CAttributeControls {
     // Each parameter button is usable while its effect is on (",,," of
     // transparency while the material is transparent at all).
     void EnableParameterButtons(const FZAttributeEx& record) const;
-    // The surface and highlight swatches, labelled "色選択".
+    // The surface and highlight swatches, labelled "色選択", with their RGB
+    // values in their tooltips.
     void DrawColorSwatch(const FZAttributeEx& record) const;
     void DrawHighlightSwatch(const FZAttributeEx& record) const;
     // Whether the user holds a slider's thumb: a drag is in progress.

@@ -18,8 +18,7 @@ void SetUpColorPicker(QColorDialog& picker, const FZColor& start, std::function<
     picker.setOption(QColorDialog::DontUseNativeDialog);
     picker.setCurrentColor(QColor(start.r, start.g, start.b));
     QObject::connect(&picker, &QColorDialog::currentColorChanged, &picker,
-                     [show](const QColor& c) { show(FromQColor(c)); });
-    QObject::connect(&picker, &QDialog::rejected, &picker, [show, start] { show(start); });
+                     [show = std::move(show)](const QColor& c) { show(FromQColor(c)); });
 }
 
 FZColor ChosenColor(const QColorDialog& picker)

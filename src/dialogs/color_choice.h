@@ -1,7 +1,6 @@
 // The colour picker of the two swatches: Qt's own, with the custom colour
-// part shown from the start, opened over the editor. While the user picks,
-// the material on the previews follows every colour the picker shows;
-// Cancel gives the old colour back, and the choice as a whole is one edit.
+// part shown from the start. While the user picks, the editor shows every
+// colour the picker shows on its previews.
 #ifndef TAMERISK_DIALOGS_COLOR_CHOICE_H
 #define TAMERISK_DIALOGS_COLOR_CHOICE_H
 
@@ -12,7 +11,7 @@
 #include <tamerisk/attribute.h>
 
 // Sets the picker up at `start` and hands `show` each colour it shows while
-// it is open, and `start` again when it is cancelled.
+// it is open; what a cancel gives back is the caller's.
 void SetUpColorPicker(QColorDialog& picker, const FZColor& start, std::function<void(const FZColor&)> show);
 // The colour chosen in a picker that was confirmed.
 FZColor ChosenColor(const QColorDialog& picker);

@@ -17,6 +17,7 @@
 #include "dialogs/dlg_attribute_p.h"
 #include "dialogs/large_preview.h"
 #include "dialogs/material_history.h"
+#include "dialogs/slider_value_tip.h"
 #include "dialogs/templates.h"
 #include "engine/display/canvas.h"
 #include "host/settings.h"
@@ -131,6 +132,7 @@ void CDlgAttributePrivate::ConnectHandlers(const DialogControls& built)
     for (std::size_t i = 0; i < kAttributeSliderCount; ++i) {
         ConnectHScroll(controls->sliders[i], [this, i](QScrollBar*, int p) { OnHScroll(i, p); });
         history->Watch(controls->sliders[i]);
+        AttachValueTip(controls->sliders[i], [this, i](int p) { return SliderTip(attribute, i, p); });
         // The drag is over: the large preview refines its draft at once.
         QObject::connect(controls->sliders[i], &QAbstractSlider::sliderReleased, q, [this] {
             if (largePreview)

@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QScrollBar>
 
+#include "dialogs/color_choice.h"
 #include "dialogs/dialog_template.h"
 #include "dialogs/dlg_attribute_p.h"
 #include "dialogs/dlg_attribute_parameters.h"
@@ -28,7 +29,7 @@ constexpr int kShapeCount = 4;
 void CDlgAttributePrivate::OnButtonUpdate()
 {
     if (notifyWindow.isNull()) {
-        ShowMessage(QString::fromUtf8("送信相手がいない。"));
+        ShowMessage(UiText(QT_TRANSLATE_NOOP("Tamerisk", "送信相手がいない。")));
         return;
     }
     QEvent notification(static_cast<QEvent::Type>(notifyMessage));
@@ -112,31 +113,38 @@ void CDlgAttributePrivate::DrawHighlightColorPallete()
     controls->DrawHighlightSwatch(attribute);
 }
 
-bool CDlgAttributePrivate::PickColor(FZColor& color)
+void CDlgAttributePrivate::ChooseColor(FZColor FZAttributeEx::*field)
 {
-    // Qt's own picker always shows the custom colour part, as asked.
-    CModalWindow<QColorDialog> picker(q, QColor(color.r, color.g, color.b), nullptr);
-    picker->setOption(QColorDialog::DontUseNativeDialog);
-    if (picker.Exec() != QDialog::Accepted)
-        return false;
-    const QColor chosen = picker->selectedColor();
-    color.SetBytes(static_cast<std::uint8_t>(chosen.red()), static_cast<std::uint8_t>(chosen.green()),
-                   static_cast<std::uint8_t>(chosen.blue()));
-    return true;
+    const FZAttributeEx before = attribute;
+    CModalWindow<QColorDialog> picker(q, q);
+    // While the picker is open the previews show each colour it shows; that
+    // is no edit yet.
+    SetUpColorPicker(*picker, before.*field, [this, field](const FZColor& shown) {
+        attribute.*field = shown;
+        ReDraw();
+    });
+    const std::optional<int> answer = picker.Exec();
+    if (!answer)
+        return;
+    attribute = before;
+    if (*answer != QDialog::Accepted) {
+        ReDraw();  // Cancel: the old colour, as if nothing happened
+        return;
+    }
+    // The whole choice is one edit, from the colour before the picker opened.
+    FZAttributeEx edited = before;
+    edited.*field = ChosenColor(*picker);
+    Edit(edited, ControlSync::FromRecord);
 }
 
 void CDlgAttributePrivate::OnButtonColor()
 {
-    FZAttributeEx edited = attribute;
-    if (PickColor(edited.color))
-        Edit(edited, ControlSync::FromRecord);
+    ChooseColor(&FZAttributeEx::color);
 }
 
 void CDlgAttributePrivate::OnButtonHighlightColor()
 {
-    FZAttributeEx edited = attribute;
-    if (PickColor(edited.highlightColor))
-        Edit(edited, ControlSync::FromRecord);
+    ChooseColor(&FZAttributeEx::highlightColor);
 }
 
 void CDlgAttributePrivate::OnButtonColorRandom()
@@ -173,7 +181,7 @@ void CDlgAttributePrivate::RandomButtonSubMenu(const QPoint& globalPos)
 {
     CModalWindow<QMenu> menu(q, q);
     for (const FamilyMenuItem& item : FamilyMenuItems()) {
-        QAction* action = menu->addAction(QString::fromUtf8(item.text));
+        QAction* action = menu->addAction(UiText(item.text));
         action->setData(kFamilyCommandBase + item.family);
         action->setCheckable(true);
         action->setChecked(item.family == randomFamily);

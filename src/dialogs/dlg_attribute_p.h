@@ -24,6 +24,7 @@
 
 #include "dialogs/attribute_controls.h"
 #include "dialogs/dlg_attribute_parameters.h"
+#include "dialogs/language.h"
 #include "material/result_codes.h"
 
 class CEditHistory;
@@ -64,6 +65,9 @@ public:
     // The material changed: shade and render once, then show it.
     void ReDraw();
 
+    // First, so that the editor's language stays until everything of the
+    // editor has gone.
+    CLanguageUse language;
     CDlgAttribute* const q;
     QPointer<QWidget> notifyWindow;
     unsigned int notifyMessage = 0;
@@ -91,7 +95,9 @@ private:
     void OnHScroll(std::size_t slider, int position);
     void OnButtonColor();
     void OnButtonHighlightColor();
-    bool PickColor(FZColor& color);
+    // The colour picker for the record's colour `field`: live on the
+    // previews while open, one edit when confirmed.
+    void ChooseColor(FZColor FZAttributeEx::*field);
     void OnButtonColorRandom();
     void OnButtonColorRandomType();
     void OnContextMenu(const QPoint& globalPos);
@@ -115,12 +121,14 @@ private:
     // dlg_attribute_transfer.cpp
     void OnButtonLoad();
     void OnButtonSave();
-    FZResult LoadFile(const QString& path);
+    // Both remember a file they loaded or saved as the one "保存" proposes;
     // reason, when given, receives the system's reason for a failure.
+    FZResult LoadFile(const QString& path, QString* reason = nullptr);
     FZResult SaveFile(const QString& path, QString* reason = nullptr);
     // A message box is modal: the editor may be gone when these return, so
     // they come last in every handler.
-    void ShowResult(FZResult code);
+    void LoadAndReport(const QString& path);
+    void ShowFileResult(FZResult code, const QString& path, const QString& reason);
     void ShowMessage(const QString& text);
     void OnEditCopy();
     void OnEditPaste();

@@ -1,4 +1,4 @@
-// Each function constructs its dialog without a parent, hands it the copies,
+// Each function constructs its dialog over the editor (its parent), hands it the copies,
 // runs it modally and reads them back: the record after OK only, the sample
 // shape whichever way the dialog ended.
 #include "dialogs/dlg_attribute_parameters.h"
@@ -14,7 +14,7 @@ namespace {
 template <typename Dialog>
 std::optional<int> RunParameterDialog(QWidget* editor, FZAttributeEx& record, int colorBind, int& sampleShape)
 {
-    CModalWindow<Dialog> dialog(editor);
+    CModalWindow<Dialog> dialog(editor, editor);
     dialog->SetAttribute(record, colorBind);
     dialog->SetSampleShape(sampleShape);
     const std::optional<int> answer = dialog.Exec();

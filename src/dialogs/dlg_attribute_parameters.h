@@ -1,6 +1,6 @@
 // Where the material dialog opens its three parameter dialogs ("異方性反射",
-// "虹色光沢", "透明度"). Each function runs its dialog modally, without a
-// parent, on the record, colour-bind flag and sample shape handed in:
+// "虹色光沢", "透明度"). Each function runs its dialog modally over the
+// editor (its parent, on the editor's screen), on the record, colour-bind flag and sample shape handed in:
 //   * it returns kIdOk or kIdCancel;
 //   * `record` is changed only when it returns kIdOk;
 //   * `sampleShape` comes back as the dialog left it, whichever way it ended.

@@ -16,6 +16,7 @@
 
 #include "dialogs/dlg_attribute_p.h"
 #include "dialogs/large_preview.h"
+#include "dialogs/material_file_dialogs.h"
 #include "dialogs/material_transfer.h"
 #include "dialogs/modal_window.h"
 #include "dialogs/preset_folder.h"
@@ -23,51 +24,59 @@
 
 namespace {
 
-// The file dialog of "開く" and "保存": material files first, starting in
-// the current directory; "開く" offers the presets in its sidebar. An empty path when the user cancels, and when the
-// editor is destroyed while the dialog is open.
-QString AskFilePath(QWidget* editor, QFileDialog::AcceptMode mode)
+// The file dialog of "開く" or "保存" over the editor, "開く" with the presets
+// in its sidebar: an empty path when the user cancels, and when the editor
+// is destroyed while the dialog is open.
+QString AskFilePath(QWidget* editor, MaterialFileAction action)
 {
-    CModalWindow<QFileDialog> dialog(editor, nullptr, QString(), QDir::currentPath(),
-                                     QString::fromUtf8("質感ﾌｧｲﾙ (*.qva);;すべてのﾌｧｲﾙ (*.*)"));
-    dialog->setAcceptMode(mode);
-    dialog->setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile
-                                                        : QFileDialog::ExistingFile);
-    dialog->setDefaultSuffix(QStringLiteral("qva"));
-    if (mode == QFileDialog::AcceptOpen)
+    CModalWindow<QFileDialog> dialog(editor, editor);
+    SetUpMaterialFileDialog(*dialog, action);
+    if (action == MaterialFileAction::Open)
         dialog->setSidebarUrls(SidebarWithPresets(dialog->sidebarUrls()));
-    if (dialog.Exec() != QDialog::Accepted || dialog->selectedFiles().isEmpty())
+    if (!dialog.Exec())
         return QString();
-    return dialog->selectedFiles().front();
+    return ChosenMaterialFile(*dialog);
 }
 
 } // namespace
 
 void CDlgAttributePrivate::OnButtonLoad()
 {
-    const QString path = AskFilePath(q, QFileDialog::AcceptOpen);
+    const QString path = AskFilePath(q, MaterialFileAction::Open);
     if (!path.isEmpty())
-        ShowResult(LoadFile(path));
+        LoadAndReport(path);
 }
 
 void CDlgAttributePrivate::OnButtonSave()
 {
-    const QString path = AskFilePath(q, QFileDialog::AcceptSave);
+    const QString path = AskFilePath(q, MaterialFileAction::Save);
     if (path.isEmpty())
         return;
     // Below the message, which file and why: a full disk and a write-protected
     // file call for different remedies.
     QString reason;
-    if (const char* message = ResultMessage(SaveFile(path, &reason)))
-        ShowMessage(QString::fromUtf8(message) + u'\n' + path + QStringLiteral(": ") + reason);
+    const FZResult code = SaveFile(path, &reason);
+    ShowFileResult(code, path, reason);
 }
 
-FZResult CDlgAttributePrivate::LoadFile(const QString& path)
+void CDlgAttributePrivate::LoadAndReport(const QString& path)
+{
+    QString reason;
+    const FZResult code = LoadFile(path, &reason);
+    ShowFileResult(code, path, reason);
+}
+
+FZResult CDlgAttributePrivate::LoadFile(const QString& path, QString* reason)
 {
     FZAttributeEx loaded = attribute;
-    const FZResult code = LoadAttributeFile(QFile::encodeName(path).constData(), loaded);
-    if (code == FZResult::Ok)
-        Edit(loaded, ControlSync::FromRecord);
+    std::string why;
+    const FZResult code = LoadAttributeFile(QFile::encodeName(path).constData(), loaded, nullptr, &why);
+    if (reason != nullptr)
+        *reason = QString::fromLocal8Bit(why);
+    if (code != FZResult::Ok)
+        return code;
+    RememberMaterialFile(path);
+    Edit(loaded, ControlSync::FromRecord);
     return code;
 }
 
@@ -77,13 +86,18 @@ FZResult CDlgAttributePrivate::SaveFile(const QString& path, QString* reason)
     const FZResult code = SaveAttributeFile(QFile::encodeName(path).constData(), attribute, &why);
     if (reason != nullptr)
         *reason = QString::fromLocal8Bit(why);
+    if (code == FZResult::Ok)
+        RememberMaterialFile(path);
     return code;
 }
 
-void CDlgAttributePrivate::ShowResult(FZResult code)
+void CDlgAttributePrivate::ShowFileResult(FZResult code, const QString& path, const QString& reason)
 {
-    if (const char* message = ResultMessage(code))
-        ShowMessage(QString::fromUtf8(message));
+    if (ResultText(code).isEmpty())
+        return;
+    CModalWindow<QMessageBox> box(q, q);
+    SetUpFileErrorBox(*box, code, path, reason);
+    static_cast<void>(box.Exec());
 }
 
 void CDlgAttributePrivate::ShowMessage(const QString& text)
@@ -127,7 +141,7 @@ bool CDlgAttributePrivate::OnDrop(QEvent* event)
     drop->acceptProposedAction();
     // Loaded once the drop is over: an error box must not open while the
     // file manager still waits for the drop to finish.
-    QMetaObject::invokeMethod(q, [this, path] { ShowResult(LoadFile(path)); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(q, [this, path] { LoadAndReport(path); }, Qt::QueuedConnection);
     return true;
 }
 

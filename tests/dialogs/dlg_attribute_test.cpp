@@ -246,7 +246,11 @@ TEST_F(MaterialDialog, FilesSaveLoadAndReportFailures)
     std::optional<ModalAnswer<QMessageBox>> box;
     const ModalAnswer<QFileDialog> answer([&](QFileDialog* d) {
         AnswerFileDialog(d, bad.fileName());
-        box.emplace([&](QMessageBox* b) { shown = b->windowTitle() + ": " + b->text(), b->accept(); });
+        box.emplace([&](QMessageBox* b) {
+            shown = b->windowTitle() + ": " + b->text();
+            EXPECT_EQ(b->informativeText(), bad.fileName());  // which file, below the message
+            b->accept();
+        });
     });
     Click(kIdLoad);
     EXPECT_EQ(Record().reflection, 0.5f);  // kept
@@ -272,15 +276,22 @@ TEST_F(MaterialDialog, ColourPickerRandomColoursAndTheFamilyMenu)
 {
     for (bool accept : {true, false}) {
         const ModalAnswer<QColorDialog> picker([=](QColorDialog* p) {
-            EXPECT_EQ(p->parentWidget(), nullptr);
             p->setCurrentColor(QColor(255, 0, 128));
+            // The material follows the picker while it is open.
+            EXPECT_EQ((accept ? Record().color : Record().highlightColor).b, 128);
             accept ? p->accept() : p->reject();
         });
         Click(accept ? kIdColorSwatch : kIdHighlightSwatch);
     }
     EXPECT_EQ(Record().color.b, 128);
     EXPECT_EQ(Bar(kIdBlue)->value(), 32);
-    EXPECT_EQ(Record().highlightColor.g, 255);  // cancelled: unchanged
+    EXPECT_EQ(Record().highlightColor.g, 255);  // cancelled: the old colour is back
+    // The choice was one step: one undo gives the colour before the picker.
+    Activate();
+    QTest::keySequence(Bar(kIdAmbient), QKeySequence::Undo);
+    EXPECT_EQ(Record().color.b, 255);
+    QTest::keySequence(Bar(kIdAmbient), QKeySequence::Redo);
+    EXPECT_EQ(Record().color.b, 128);
 
     EXPECT_EQ(FamilyMenu(4), QString::fromUtf8("全色"));  // chooses "灰色"
     EXPECT_EQ(Record().color.b, 128);  // choosing draws no colour

@@ -278,13 +278,13 @@ TEST(ParameterDialogs, EscCancelsAndTheShapeComesBackAnyway)
 }
 
 // Clicks the material dialog's ",,," button `id` and runs `inside` on the
-// dialog it opens, which has no parent.
+// dialog it opens over the editor.
 template <typename Dialog>
 void OpenFrom(CDlgAttribute& editor, int id, const std::function<void(Dialog*)>& inside)
 {
     const ModalAnswer<Dialog> answer([&](Dialog* opened) {
         ASSERT_NE(opened, nullptr);
-        EXPECT_EQ(opened->parentWidget(), nullptr);
+        EXPECT_EQ(opened->parentWidget(), &editor);
         inside(opened);
     });
     DlgItem<QAbstractButton>(&editor, id)->click();

@@ -53,7 +53,7 @@
     </message>
     <message>
         <source>透明度</source>
-        <translation>Transparency</translation>
+        <translation>Clarity</translation>
     </message>
     <message>
         <source>屈折率</source>
@@ -85,7 +85,7 @@
     </message>
     <message>
         <source>ﾗﾝﾀﾞﾑ</source>
-        <translation>Random</translation>
+        <translation>Roll</translation>
     </message>
     <message>
         <source>透明色</source>
@@ -101,15 +101,15 @@
     </message>
     <message>
         <source>広がり</source>
-        <translation>Spread</translation>
+        <translation>Size</translation>
     </message>
     <message>
         <source>ｽﾑｰｽﾞ</source>
-        <translation>Smooth</translation>
+        <translation>Soft</translation>
     </message>
     <message>
         <source>異方性反射</source>
-        <translation>Anisotropic</translation>
+        <translation>Grooves</translation>
     </message>
     <message>
         <source>虹色光沢</source>
@@ -254,6 +254,22 @@
     <message>
         <source>ﾃﾞｰﾀがありません。</source>
         <translation>There is no data.</translation>
+    </message>
+    <message>
+        <source>色選択</source>
+        <translation>Choose</translation>
+    </message>
+    <message>
+        <source>送信相手がいない。</source>
+        <translation>There is nobody to send to.</translation>
+    </message>
+    <message>
+        <source>質感ﾌｧｲﾙ</source>
+        <translation>Material files</translation>
+    </message>
+    <message>
+        <source>すべてのﾌｧｲﾙ</source>
+        <translation>All files</translation>
     </message>
 </context>
 </TS>
