@@ -137,7 +137,7 @@
     </message>
     <message>
         <source>同心円</source>
-        <translation>Concentric</translation>
+        <translation>Rings</translation>
     </message>
     <message>
         <source>波形同心円</source>
@@ -149,7 +149,7 @@
     </message>
     <message>
         <source>振幅</source>
-        <translation>Height</translation>
+        <translation>Amp</translation>
     </message>
     <message>
         <source>渦巻き</source>
