@@ -83,14 +83,19 @@ void CDlgAttributePrivate::UpdateEnabling()
 
 void CDlgAttributePrivate::ReDraw()
 {
-    // A frame that could not be rendered is not shown; the last one stays.
-    if (preview->ApplyMaterial(attribute, colorBind) == FZResult::Ok)
-        preview->Present(controls->preview);
-    DrawColorPallete();
-    DrawHighlightColorPallete();
+    ShowMaterial(attribute);
     UpdateEnabling();
+}
+
+void CDlgAttributePrivate::ShowMaterial(const FZAttributeEx& shown)
+{
+    // A frame that could not be rendered is not shown; the last one stays.
+    if (preview->ApplyMaterial(shown, colorBind) == FZResult::Ok)
+        preview->Present(controls->preview);
+    controls->DrawColorSwatch(shown);
+    controls->DrawHighlightSwatch(shown);
     if (largePreview)
-        largePreview->ShowMaterial(attribute, colorBind, sampleShape, controls->SliderHeld());
+        largePreview->ShowMaterial(shown, colorBind, sampleShape, controls->SliderHeld());
 }
 
 void CDlgAttributePrivate::ShowSampleShape(int shape)
@@ -103,36 +108,25 @@ void CDlgAttributePrivate::ShowSampleShape(int shape)
         largePreview->ShowMaterial(attribute, colorBind, sampleShape);
 }
 
-void CDlgAttributePrivate::DrawColorPallete()
-{
-    controls->DrawColorSwatch(attribute);
-}
-
-void CDlgAttributePrivate::DrawHighlightColorPallete()
-{
-    controls->DrawHighlightSwatch(attribute);
-}
-
 void CDlgAttributePrivate::ChooseColor(FZColor FZAttributeEx::*field)
 {
-    const FZAttributeEx before = attribute;
     CModalWindow<QColorDialog> picker(q, q);
-    // While the picker is open the previews show each colour it shows; that
-    // is no edit yet.
-    SetUpColorPicker(*picker, before.*field, [this, field](const FZColor& shown) {
-        attribute.*field = shown;
-        ReDraw();
+    // While the picker is open the previews and swatches show each colour it
+    // shows; the record stays as it is until OK.
+    SetUpColorPicker(*picker, attribute.*field, [this, field](const FZColor& colour) {
+        FZAttributeEx shown = attribute;
+        shown.*field = colour;
+        ShowMaterial(shown);
     });
     const std::optional<int> answer = picker.Exec();
     if (!answer)
         return;
-    attribute = before;
     if (*answer != QDialog::Accepted) {
-        ReDraw();  // Cancel: the old colour, as if nothing happened
+        ReDraw();  // Cancel: the record's colour again
         return;
     }
-    // The whole choice is one edit, from the colour before the picker opened.
-    FZAttributeEx edited = before;
+    // The whole choice is one edit.
+    FZAttributeEx edited = attribute;
     edited.*field = ChosenColor(*picker);
     Edit(edited, ControlSync::FromRecord);
 }

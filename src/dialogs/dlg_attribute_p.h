@@ -64,6 +64,9 @@ public:
     void SetColorControlsOnOff();
     // The material changed: shade and render once, then show it.
     void ReDraw();
+    // The previews and swatches show `shown`, which need not be the record
+    // (the colour picker's colour while it is open).
+    void ShowMaterial(const FZAttributeEx& shown);
 
     // First, so that the editor's language stays until everything of the
     // editor has gone.
@@ -114,8 +117,6 @@ private:
     void OnButtonSampleShapeNext();
     void ShowSampleShape(int shape);
     void UpdateEnabling();
-    void DrawColorPallete();
-    void DrawHighlightColorPallete();
     void ConnectEditActions();
 
     // dlg_attribute_transfer.cpp

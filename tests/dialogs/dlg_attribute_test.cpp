@@ -277,8 +277,11 @@ TEST_F(MaterialDialog, ColourPickerRandomColoursAndTheFamilyMenu)
     for (bool accept : {true, false}) {
         const ModalAnswer<QColorDialog> picker([=](QColorDialog* p) {
             p->setCurrentColor(QColor(255, 0, 128));
-            // The material follows the picker while it is open.
-            EXPECT_EQ((accept ? Record().color : Record().highlightColor).b, 128);
+            // The swatch follows the picker while it is open; the record
+            // waits for OK.
+            EXPECT_EQ(Item(accept ? kIdColorSwatch : kIdHighlightSwatch)->toolTip(),
+                      QStringLiteral("RGB 255, 0, 128"));
+            EXPECT_NE((accept ? Record().color : Record().highlightColor).b, 128);
             accept ? p->accept() : p->reject();
         });
         Click(accept ? kIdColorSwatch : kIdHighlightSwatch);
