@@ -14,6 +14,37 @@
 
 namespace {
 
+// A float raster seen through its row pointers.
+struct FZLightGrid {
+    float* const* rows = nullptr;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+};
+
+// The light centre of the block of m around (br, bc), clipped to m: w, the
+// sum of its values, and (cx, cy), the w-weighted mean of their pixel
+// centres in the frame (the emitter's grid starts at frame pixel
+// (x0, y0)). False, with only w set, when w is 0.
+bool EmissionBlockCentre(const FZLightGrid& m, std::int32_t x0, std::int32_t y0, std::int32_t br, std::int32_t bc,
+                         float& w, float& cx, float& cy)
+{
+    w = 0.0f;
+    float sumX = 0.0f;
+    float sumY = 0.0f;
+    for (std::int32_t row = FZMax(br - 2, 0); row <= FZMin(br + 2, m.height - 1); ++row)
+        for (std::int32_t col = FZMax(bc - 2, 0); col <= FZMin(bc + 2, m.width - 1); ++col) {
+            const double v = m.rows[row][col];
+            w = static_cast<float>(w + v);
+            sumX = static_cast<float>(sumX + v * (x0 + col + 0.5));
+            sumY = static_cast<float>(sumY + v * (y0 + row + 0.5));
+        }
+    if (w == 0.0f)
+        return false;
+    cx = static_cast<float>(static_cast<double>(sumX) / w);
+    cy = static_cast<float>(static_cast<double>(sumY) / w);
+    return true;
+}
+
 // A block centre ready for splatting: its light times the falloff constant
 // (w x k, the first product of every term) and its position.
 struct Centre {
@@ -242,25 +273,6 @@ TAMERISK_ROW_KERNEL void SplatGroundRow(Lattice& l, std::int32_t row)
 
 } // namespace
 
-bool EmissionBlockCentre(const FZLightGrid& m, std::int32_t x0, std::int32_t y0, std::int32_t br, std::int32_t bc,
-                         float& w, float& cx, float& cy)
-{
-    w = 0.0f;
-    float sumX = 0.0f;
-    float sumY = 0.0f;
-    for (std::int32_t row = FZMax(br - 2, 0); row <= FZMin(br + 2, m.height - 1); ++row)
-        for (std::int32_t col = FZMax(bc - 2, 0); col <= FZMin(bc + 2, m.width - 1); ++col) {
-            const double v = m.rows[row][col];
-            w = static_cast<float>(w + v);
-            sumX = static_cast<float>(sumX + v * (x0 + col + 0.5));
-            sumY = static_cast<float>(sumY + v * (y0 + row + 0.5));
-        }
-    if (w == 0.0f)
-        return false;
-    cx = static_cast<float>(static_cast<double>(sumX) / w);
-    cy = static_cast<float>(static_cast<double>(sumY) / w);
-    return true;
-}
 
 bool SplatEmissionByGroundRows(const FZEmitterLight& m, const FZRect& emitterRect, const FZRect& groundRect,
                                std::int32_t radius, FZGroundLattice& g)

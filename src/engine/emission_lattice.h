@@ -9,20 +9,6 @@
 
 #include "engine/value_types.h"
 
-// A float raster seen through its row pointers.
-struct FZLightGrid {
-    float* const* rows = nullptr;
-    std::int32_t width = 0;
-    std::int32_t height = 0;
-};
-
-// The light centre of the block of m around (br, bc), clipped to m: w, the
-// sum of its values, and (cx, cy), the w-weighted mean of their pixel
-// centres in the frame (the emitter's grid starts at frame pixel
-// (x0, y0)). False, with only w set, when w is 0.
-bool EmissionBlockCentre(const FZLightGrid& m, std::int32_t x0, std::int32_t y0, std::int32_t br, std::int32_t bc,
-                         float& w, float& cx, float& cy);
-
 // An emitter's light grid (width x height floats, its first cell at frame
 // pixel (x0, y0)), made a band of rows at a time when the splat asks for
 // it, so that the whole grid is never held. FillRows writes rows first to

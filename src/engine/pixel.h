@@ -1,9 +1,10 @@
 // The rule of the colour arithmetic, stated once. A colour channel is a
 // float; a byte b reads as b / 255, divided in double and rounded once to
 // float; a float v stores as v x 255 in double, truncated toward zero and
-// held within 0 to 255, so that a negative or NaN channel from a wild
-// record shows black. Images keep their bytes blue, green, red; the
-// functions below take and give red, green, blue.
+// held within 0 to 255 (FZByteOfLane, engine/row_kernel.h), so that a
+// negative or NaN channel from a wild record shows black. Images keep their
+// bytes blue, green, red; the functions below take and give red, green,
+// blue.
 #ifndef TAMERISK_ENGINE_PIXEL_H
 #define TAMERISK_ENGINE_PIXEL_H
 
@@ -46,11 +47,6 @@ inline float FZByteToFloat(std::uint8_t b)
     return fz_pixel_detail::kByteTables.value[b];
 }
 
-inline std::uint8_t FZFloatToByte(float v)
-{
-    return static_cast<std::uint8_t>(FZTruncateClamped(static_cast<double>(v) * 255.0, 0, 255));
-}
-
 // The three bytes of a pixel, blue, green, red.
 inline void FZReadBytes(const std::uint8_t* p, float rgb[3])
 {
@@ -64,12 +60,6 @@ inline void FZStoreByteTriple(std::uint8_t* p, std::int32_t red, std::int32_t gr
     p[0] = static_cast<std::uint8_t>(blue);
     p[1] = static_cast<std::uint8_t>(green);
     p[2] = static_cast<std::uint8_t>(red);
-}
-
-inline void FZStoreBytes(std::uint8_t* p, const float rgb[3])
-{
-    for (int c = 0; c < 3; ++c)
-        p[2 - c] = FZFloatToByte(rgb[c]);
 }
 
 #endif

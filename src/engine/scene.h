@@ -228,7 +228,6 @@ public:
     // The same with rows over the pixels of the layout only.
     FZResult AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h,
                           std::shared_ptr<const FZRowLayout> rows);
-    FZResult AddFullFrameLayer() { return AddLayerRect(0, 0, width, height); }
     // Out of range does nothing.
     void RemoveLayer(std::int32_t index);
 };

@@ -196,7 +196,7 @@ TEST(RenderDriver, AFrameKeepsNoWorkMemory)
 {
     FZScene scene;
     SetUpPlainScene(scene, 400, 400);
-    ASSERT_EQ(scene.AddFullFrameLayer(), FZResult::Ok);
+    ASSERT_EQ(scene.AddLayerRect(0, 0, 400, 400), FZResult::Ok);
     FZLayer& layer = *scene.LayerAt(1);
     layer.FillDepth(0.0f);
     layer.material.reflection = 0.8f;

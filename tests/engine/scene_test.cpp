@@ -48,7 +48,7 @@ TEST(Scene, OddFrameSizes)
     FZScene scene;
     const float wild[3] = {std::nanf(""), -1e30f, std::numeric_limits<float>::infinity()};
     ASSERT_EQ(scene.SetUpFrame(1, 1, wild), FZResult::Ok);
-    EXPECT_EQ(scene.AddFullFrameLayer(), FZResult::Ok);
+    EXPECT_EQ(scene.AddLayerRect(0, 0, 1, 1), FZResult::Ok);
     EXPECT_EQ(scene.LayerAt(1)->CompositeSample(0, 0, 1.0f, 255, Rgb(1, 2, 3)), 2);
 
     ASSERT_EQ(scene.SetUpFrame(0, 0, kWhite), FZResult::Ok);
