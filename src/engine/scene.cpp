@@ -227,24 +227,6 @@ void FZLayer::FillDepth(float value)
     }
 }
 
-void FZLayer::ClearColors()
-{
-    if (flat) {
-        fill.cellWidth = fill.cellHeight = 0;
-        fill.colors[0] = FZColor();
-        return;
-    }
-    if (colors.empty())
-        return;
-    const FZRect s = Stored();
-    for (std::int32_t ly = s.y0; ly <= s.y1; ++ly) {
-        const FZSpan held = StoredRow(ly);
-        if (!held.Empty())
-            std::memset(static_cast<void*>(colors[ly] + held.first), 0,
-                        sizeof(FZColor) * static_cast<std::size_t>(held.last - held.first + 1));
-    }
-}
-
 void FZLayer::FillColorRect(const FZRect& rect, const FZColor& color)
 {
     if (flat && MakeRows() != FZResult::Ok)
@@ -394,13 +376,6 @@ FZResult FZScene::SetUpFrame(std::int32_t w, std::int32_t h, const float backgro
     ground->SetMaterial(groundMaterial);
     layers.push_back(std::move(ground));
     return FZResult::Ok;
-}
-
-void FZScene::AddLayer(const FZLayer& layer)
-{
-    auto copy = std::make_unique<FZLayer>();
-    copy->Assign(layer);
-    layers.push_back(std::move(copy));
 }
 
 FZResult FZScene::InsertLayer(const FZLayer& layer, std::int32_t index)

@@ -174,7 +174,6 @@ public:
     const std::uint8_t* ShadedAt(std::int32_t lx, std::int32_t ly) const { return shaded[ly][lx].bgr; }
 
     void FillDepth(float value);
-    void ClearColors();
     void FillColorRect(const FZRect& rect, const FZColor& color);
     void FillChecker(std::int32_t cellWidth, std::int32_t cellHeight, const FZColor& a, const FZColor& b);
     // Merges one sample into pixel (lx, ly), which must lie inside the layer.
@@ -219,10 +218,9 @@ public:
         return index < 0 || index >= LayerCount() ? nullptr : layers[static_cast<std::size_t>(index)].get();
     }
 
-    // Adds a deep copy of the layer at the end (InsertLayer: after index,
-    // -1 for the front). BadParameter for an index outside -1 .. count - 1,
-    // or what creating the layer gives.
-    void AddLayer(const FZLayer& layer);
+    // Inserts a deep copy of the layer after index (-1: at the front).
+    // BadParameter for an index outside -1 .. count - 1, or what creating the
+    // layer gives.
     FZResult InsertLayer(const FZLayer& layer, std::int32_t index);
     FZResult AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h);
     // The same with rows over the pixels of the layout only.
