@@ -1,6 +1,6 @@
 // The engine's small value types: FZColor and FZPackedVector (declared with
-// the material record, which embeds them), FZRect, FZFloatGrid with its
-// separable tent filter, and FZSmoothStep.
+// the material record, which embeds them), FZRect, the separable tent
+// filter, and FZSmoothStep.
 //
 // Arithmetic: double-precision intermediates, single-precision floats stored,
 // every float-to-integer conversion truncated toward zero (FZTruncate).
