@@ -12,8 +12,8 @@
 namespace {
 
 // The normals' angles of the pixels of the last grooved layer shaded, for
-// layers of at most 256 x 256 pixels (the previews the
-// dialogs show, which are shaded again at every change of the material).
+// layers of at most 256 x 256 pixels (the previews the dialogs show, which
+// are shaded again at every change of the material).
 class NormalAngleTable {
 public:
     static constexpr std::int64_t kMaxPixels = 256 * 256;

@@ -15,9 +15,8 @@ struct LightSample {
     FZPackedVector direction;
 };
 
-// Each light is evaluated once for the layer
-// (the lights of Tamerisk are directional: the same at every point) and
-// each light's highlight is set up once.
+// Each light is evaluated once for the layer (the lights of Tamerisk are
+// directional: the same at every point) and its highlight set up once.
 struct ShadingPass {
     ShadingPass(FZLayer& l, const FZPackedVector& v, const FZLightList* list)
         : layer(l), view(v), lights(list) {}
