@@ -20,7 +20,7 @@ inline double Unpacked(double packed)
 // The packing of FZPackedVector::SetFloats, unpacked again.
 inline double Repacked(double v)
 {
-    return Unpacked(FZPackedOfLane(v));
+    return Unpacked(std::trunc(FZHeldPackingOfLane(v)));
 }
 
 struct Lanes {

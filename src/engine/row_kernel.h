@@ -39,15 +39,21 @@ inline std::int32_t FZByteOfLane(double v)
     return static_cast<std::int32_t>(t);
 }
 
-// FZPackedVector's packing of a float in a lane: v x 30000 truncated, NaN
-// as 0, held within the int16 range.
-inline std::int32_t FZPackedOfLane(double v)
+// FZPackedVector's packing of a float in a lane: v x 30000, NaN as 0, held
+// within the int16 range, then truncated (holding first and truncating
+// then gives the same integer). A lane that goes on in doubles truncates
+// the held value with std::trunc.
+inline double FZHeldPackingOfLane(double v)
 {
     double t = v * 30000.0;
     t = t == t ? t : 0.0;
     t = t < -32768.0 ? -32768.0 : t;
-    t = t > 32767.0 ? 32767.0 : t;
-    return static_cast<std::int32_t>(t);
+    return t > 32767.0 ? 32767.0 : t;
+}
+
+inline std::int32_t FZPackedOfLane(double v)
+{
+    return static_cast<std::int32_t>(FZHeldPackingOfLane(v));
 }
 
 #endif
