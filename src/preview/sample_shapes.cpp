@@ -1,5 +1,5 @@
-// The finishing touches of the sample shapes (a dimple, a flattened top, a
-// clamped depth) and the catalogue of the four shapes.
+// The finishing touches of the sample shapes: a dimple, a flattened top, a
+// clamped depth.
 #include <cmath>
 #include <memory>
 
@@ -186,67 +186,4 @@ void ClampDepth(FZLayer& layer, float level)
         if (!held.Empty())
             ClampCovered(layer.coverage[y] + held.first, level, held.last - held.first + 1, layer.depth[y] + held.first);
     });
-}
-
-// ---------------------------------------------------------------- catalogue
-
-void DrawSampleShape(FZLayer& layer, int n, float cx, float cy, float r)
-{
-    switch (n) {
-    case 1: {
-        const float rim = Product(r, 0.25f);
-        FZRoundedDisc plate;
-        plate.Set(cx, cy, 0.0f, r, rim);
-        RasterizeShape(layer, plate);
-        AddDimple(layer, cx, cy, Difference(r, rim), rim);
-        break;
-    }
-    case 2:
-    case 3: {
-        FZDome dome;
-        dome.Set(cx, cy, r, r, 0.0f, n == 2 ? static_cast<float>(r / 2.0) : r);
-        RasterizeShape(layer, dome);
-        if (n == 3)
-            FlattenTop(layer, 0.7f);
-        break;
-    }
-    case 4: {
-        const float inner = Product(r, 0.5f);
-        FZTorus ring;
-        ring.Set(cx, cy, 0.0f, r, inner, static_cast<float>((static_cast<double>(r) - inner) / 2.0));
-        RasterizeShape(layer, ring);
-        break;
-    }
-    default:
-        break;
-    }
-}
-
-std::shared_ptr<const FZRowLayout> SampleShapeRows(float cx, float cy, float r, std::int32_t w, std::int32_t h)
-{
-    // Every shape lies within r of its centre, so a covered pixel's square
-    // meets the circle of radius r, and its neighbours' squares meet the
-    // circle of radius r + 2: each row holds the pixels whose squares do.
-    const double reach = std::fabs(static_cast<double>(r)) + 2.0;
-    // Parameters that are not numbers draw nothing, anywhere.
-    if (!std::isfinite(cx) || !std::isfinite(cy) || !std::isfinite(reach) || w < 1 || h < 1)
-        return nullptr;
-    const std::int32_t y0 = FZTruncateClamped(std::floor(cy - reach), 0, h - 1);
-    const std::int32_t y1 = FZTruncateClamped(std::floor(cy + reach), 0, h - 1);
-    std::vector<FZSpan> spans;
-    for (std::int32_t y = y0; y <= y1; ++y) {
-        // The distance from the centre to the row's band of y to y + 1.
-        const double dy = cy < y ? y - static_cast<double>(cy) : (cy > y + 1.0 ? cy - (y + 1.0) : 0.0);
-        FZSpan span;
-        if (dy <= reach) {
-            const double half = std::sqrt(reach * reach - dy * dy);
-            span.first = FZTruncateClamped(std::floor(cx - half), 0, w - 1);
-            span.last = FZTruncateClamped(std::floor(cx + half), 0, w - 1);
-            // A circle wholly beside the frame reaches none of its pixels.
-            if (cx + half < 0.0 || cx - half > w)
-                span = FZSpan();
-        }
-        spans.push_back(span);
-    }
-    return std::make_shared<const FZRowLayout>(y0, std::move(spans));
 }
