@@ -3,13 +3,16 @@
 // processor can run is chosen when the program starts. Every lane does the
 // plain form's float and double operations, so all forms give the same
 // bytes. Such loops have no branches (both alternatives are computed, then
-// one is taken), so that they can run as vector code.
+// one is taken), so that they can run as vector code. A build with
+// TAMERISK_PLAIN_KERNELS (cmake -DTAMERISK_KERNEL_CLONES=OFF, and every
+// ThreadSanitizer build) has the plain form alone.
 #ifndef TAMERISK_ENGINE_ROW_KERNEL_H
 #define TAMERISK_ENGINE_ROW_KERNEL_H
 
 #include <cstdint>
 
-#if defined(__GNUC__) && !defined(__clang__) && (defined(__x86_64__) || defined(__i386__))
+#if defined(__GNUC__) && !defined(__clang__) && (defined(__x86_64__) || defined(__i386__)) && \
+    !defined(TAMERISK_PLAIN_KERNELS)
 #define TAMERISK_ROW_KERNEL __attribute__((target_clones("avx512f", "avx2", "default")))
 #else
 #define TAMERISK_ROW_KERNEL
