@@ -17,6 +17,7 @@
 #include "dialogs/dlg_attribute_p.h"
 #include "dialogs/large_preview.h"
 #include "dialogs/material_history.h"
+#include "dialogs/modal_window.h"
 #include "dialogs/slider_value_tip.h"
 #include "dialogs/templates.h"
 #include "engine/display/canvas.h"
@@ -35,6 +36,7 @@ CDlgAttribute::CDlgAttribute(QWidget* notifyWindow, unsigned int notifyMessage)
 
 CDlgAttribute::~CDlgAttribute()
 {
+    PutAwayModalWindows(this);
     if (d->created)
         d->OnDestroy();
     // The editor's inside goes before the window's widgets do.

@@ -4,8 +4,12 @@
 // while it runs: a timer, an autosave or a closing document calls
 // Tamerisk_Close or Tamerisk_Open, or deletes its own CDlgAttribute. So every
 // modal window of the editor is a CModalWindow:
-//   * the window lives on the heap and goes when the editor goes, which ends
-//     its loop as if it had been cancelled;
+//   * the window lives on the heap; when the editor goes (its destructor
+//     calls PutAwayModalWindows first), the window leaves it and is
+//     cancelled, which ends its loop, and it goes with its CModalWindow.
+//     It is never deleted under its own running code: a file dialog asks
+//     about a missing file or a file to replace in a message box made on
+//     its own stack;
 //   * Exec() tells the handler whether the editor outlived the loop; when it
 //     did not, the handler returns at once and touches nothing of it, nor of
 //     the window.
@@ -20,8 +24,35 @@
 #include <optional>
 #include <utility>
 
+#include <QApplication>
+#include <QDialog>
 #include <QPointer>
+#include <QVariant>
 #include <QWidget>
+
+// The property that ties a modal window to its editor.
+inline constexpr char kModalWindowOf[] = "tamerisk-modal-window-of";
+
+// Called first by an editor's destructor: each of its modal windows leaves
+// it, so that the editor's widgets do not take the window along, and is
+// cancelled with its own questions (their loops end as a cancel ends them).
+inline void PutAwayModalWindows(QWidget* editor)
+{
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+        if (w->property(kModalWindowOf).value<QObject*>() != editor)
+            continue;
+        for (QDialog* question : w->findChildren<QDialog*>()) {
+            if (question->isVisible())
+                question->reject();
+        }
+        if (auto* dialog = qobject_cast<QDialog*>(w))
+            dialog->reject();
+        else
+            w->close();
+        if (w->parent() == editor)
+            w->setParent(nullptr);
+    }
+}
 
 template <typename Window>
 class CModalWindow {
@@ -32,10 +63,7 @@ public:
     explicit CModalWindow(QWidget* editor, Args&&... args)
         : editor(editor), window(new Window(std::forward<Args>(args)...))
     {
-        // A child of the editor goes with its children; any other window
-        // goes when the editor is destroyed.
-        QObject::connect(editor, &QObject::destroyed, window.data(),
-                         [w = window.data()] { delete w; });
+        window->setProperty(kModalWindowOf, QVariant::fromValue(static_cast<QObject*>(editor)));
     }
     ~CModalWindow() { delete window.data(); }
     CModalWindow(const CModalWindow&) = delete;

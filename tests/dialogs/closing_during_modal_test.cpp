@@ -146,6 +146,32 @@ TEST_P(ClosingDuringAModalWindow, TakesTheWindowAlongAndLeavesTheModuleUsable)
     Tamerisk_Close();
 }
 
+// A file dialog asks its own questions (here: a file to open that is not
+// there) in a message box of its own, from inside its code: closing the
+// editor then cancels both, and the handler returns.
+TEST(ClosingDuringAModalWindow, WhileTheFileDialogAsksItsOwnQuestion)
+{
+    const QTemporaryDir directory;
+    const QWidgetList before = QApplication::topLevelWidgets();
+    ASSERT_EQ(Tamerisk_Open(nullptr, 0), 1);
+    const QPointer<CDlgAttribute> editor = NewestEditor(before);
+    ASSERT_TRUE(editor);
+    const ModalAnswer<QFileDialog> files(
+        [&](QFileDialog* dialog) { AnswerFileDialog(dialog, directory.filePath("missing.qva")); });
+    QPointer<QMessageBox> question;
+    const ModalAnswer<QMessageBox> host([&](QMessageBox* box) {
+        question = box;
+        Tamerisk_Close();
+    });
+    DlgItem<QAbstractButton>(editor, kIdLoad)->click();
+
+    EXPECT_TRUE(host.Seen());
+    EXPECT_TRUE(editor.isNull());
+    EXPECT_TRUE(question.isNull());
+    ASSERT_EQ(Tamerisk_Open(nullptr, 0), 1);
+    Tamerisk_Close();
+}
+
 std::string CaseName(const ::testing::TestParamInfo<Case>& info)
 {
     const auto [window, answer, destroy] = info.param;
