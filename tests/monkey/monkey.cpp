@@ -1,0 +1,482 @@
+// A seeded monkey: a host that opens the editor and then, step after step,
+// clicks, types, turns the wheel, drags and resizes wherever a user could
+// reach (the editor, its parameter dialogs, colour pickers, menus and
+// message boxes, the large preview), and calls the host functions with odd
+// records at any moment. It passes when nothing crashed (./test.sh runs it
+// under AddressSanitizer).
+//
+//   monkey [--seed N] [--steps N] [--no-close-in-modal]
+//
+// Every run prints its seed; TAMERISK_MONKEY_SEED=N (or --seed N) with the
+// same step count makes the same choices (frames from the render thread can
+// still make a replay take another turn). The steps run from a zero-time timer, so a
+// modal window's nested loop keeps the monkey going inside it, and the host
+// closes or reopens the editor there too; --no-close-in-modal (or
+// TAMERISK_MONKEY_CLOSE_IN_MODAL=0) leaves that out.
+#include <array>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QClipboard>
+#include <QDialog>
+#include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPointer>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QWheelEvent>
+
+#include <tamerisk/tamerisk.h>
+
+#include "preview/record_maker.h"
+
+namespace {
+
+struct Options {
+    std::uint64_t seed = 0;
+    int steps = 3000;
+    bool closeInModal = true;
+};
+
+// The host's window, which receives the editor's notify event and, as real
+// hosts do, reads the material then and sometimes posts a close or a reopen.
+class HostWindow : public QWidget {
+public:
+    explicit HostWindow(std::mt19937_64& random) : random(random) {}
+    const QEvent::Type message = static_cast<QEvent::Type>(QEvent::registerEventType());
+    bool closeInModal = false;
+    int notifications = 0;
+
+    bool event(QEvent* e) override
+    {
+        if (e->type() != message)
+            return QWidget::event(e);
+        ++notifications;
+        FZAttributeEx record;
+        Tamerisk_GetAttribute(&record);
+        if (random() % 8 == 0) {
+            // As the interface asks: never from inside the handler itself.
+            const bool reopen = random() % 2 == 0;
+            QMetaObject::invokeMethod(this, [this, reopen] {
+                if (!closeInModal && QApplication::activeModalWidget() != nullptr)
+                    return;
+                reopen ? void(Tamerisk_Open(this, message)) : Tamerisk_Close();
+            }, Qt::QueuedConnection);
+        }
+        return true;
+    }
+
+private:
+    std::mt19937_64& random;
+};
+
+class Monkey : public QObject {
+public:
+    Monkey(const Options& options, const QString& scratch)
+        : options(options), scratch(scratch), random(options.seed), records(static_cast<std::uint32_t>(options.seed)),
+          host(random)
+    {
+        host.closeInModal = options.closeInModal;
+    }
+
+    void Start()
+    {
+        Tamerisk_Open(&host, host.message);
+        Tamerisk_ShowWindow(TAMERISK_SW_SHOWNORMAL);
+        QTimer::singleShot(0, this, [this] { Step(); });
+    }
+
+    void Report() const
+    {
+        std::printf("monkey: %d steps, %d host calls, %d modal windows answered, %d notifications\n", done, hostCalls,
+                    answered, host.notifications);
+        std::printf("monkey: steps per window:");
+        for (const auto& [name, steps] : reached)
+            std::printf(" %s %d", name.c_str(), steps);
+        std::printf("\n");
+    }
+
+private:
+    // The next step is queued before this one acts, so that it runs inside
+    // any nested loop the action starts.
+    void Step()
+    {
+        if (done == options.steps) {
+            Finish();
+            return;
+        }
+        ++done;
+        QTimer::singleShot(0, this, [this] { Step(); });
+        Act();
+    }
+
+    // Puts every modal window and menu away, innermost first, then closes.
+    void Finish()
+    {
+        if (QWidget* top = TopBlocking()) {
+            Dismiss(top);
+            QTimer::singleShot(0, this, [this] { Finish(); });
+            return;
+        }
+        Tamerisk_Close();
+        QApplication::quit();
+    }
+
+    void Act()
+    {
+        QWidget* top = TopBlocking();
+        if (auto* files = qobject_cast<QFileDialog*>(top)) {
+            AnswerFileDialog(files);
+            return;
+        }
+        // Deep nesting goes nowhere new: bring it back up.
+        if (top != nullptr && (ModalDepth() > 3 || Chance(8))) {
+            Dismiss(top);
+            return;
+        }
+        QWidget* window = top != nullptr ? top : VisibleWindow();
+        if (window == nullptr && Chance(2)) {
+            ++hostCalls;
+            Tamerisk_GetShow() == TAMERISK_NO_EDITOR ? void(Tamerisk_Open(&host, host.message))
+                                                     : Tamerisk_ShowWindow(TAMERISK_SW_SHOWNORMAL);
+            return;
+        }
+        const int roll = Uniform(0, 99);
+        if (window != nullptr)
+            ++reached[window->metaObject()->className()];
+        if (window == nullptr || roll < 20)
+            return HostCall(top != nullptr);
+        if (roll < 50)
+            return Click(window);
+        if (roll < 68)
+            return Key(window);
+        if (roll < 76)
+            return Wheel(window);
+        if (roll < 86)
+            return Drag(window);
+        if (roll < 91)
+            return DoubleClick(window);
+        if (roll < 96)
+            return Resize(window);
+        PutOnClipboard();
+    }
+
+    // --- what a user does -------------------------------------------------
+
+    void Click(QWidget* window)
+    {
+        static constexpr std::array kButtons{Qt::LeftButton, Qt::LeftButton, Qt::LeftButton, Qt::RightButton,
+                                             Qt::MiddleButton};
+        QWidget* target = Target(window);
+        QTest::mouseClick(target, Pick(kButtons), Modifiers(), RandomPoint(target));
+    }
+
+    // On the editor's preview it opens the large preview.
+    void DoubleClick(QWidget* window)
+    {
+        QWidget* preview = window->findChild<QWidget*>(QStringLiteral("4000"));
+        QWidget* target = preview != nullptr && preview->isVisible() && Chance(2) ? preview : Target(window);
+        QTest::mouseDClick(target, Qt::LeftButton, {}, RandomPoint(target));
+    }
+
+    void Key(QWidget* window)
+    {
+        static constexpr std::array kKeys{Qt::Key_Space, Qt::Key_Return, Qt::Key_Escape, Qt::Key_Tab,
+                                          Qt::Key_Backtab, Qt::Key_Up, Qt::Key_Down, Qt::Key_Left,
+                                          Qt::Key_Right, Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Home,
+                                          Qt::Key_End, Qt::Key_Backspace, Qt::Key_Z, Qt::Key_Y, Qt::Key_C,
+                                          Qt::Key_V, Qt::Key_0, Qt::Key_5, Qt::Key_9, Qt::Key_Minus,
+                                          Qt::Key_Period, Qt::Key_A, Qt::Key_F4};
+        QWidget* focus = QApplication::focusWidget();
+        QWidget* target = focus != nullptr && focus->window() == window ? focus : Target(window);
+        QTest::keyClick(target, Pick(kKeys), Modifiers());
+    }
+
+    void Wheel(QWidget* window)
+    {
+        QWidget* target = Target(window);
+        const QPointF at = RandomPoint(target);
+        const QPoint delta(0, 120 * Uniform(-3, 3) + (Chance(4) ? Uniform(-60, 60) : 0));
+        QWheelEvent wheel(at, target->mapToGlobal(at), QPoint(), delta, Qt::NoButton, Modifiers(),
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(target, &wheel);
+    }
+
+    // A press, a few moves (a slider's thumb follows them) and a release.
+    void Drag(QWidget* window)
+    {
+        QPointer<QWidget> target = Target(window);
+        QTest::mousePress(target, Qt::LeftButton, {}, RandomPoint(target));
+        for (int move = Uniform(1, 6); move > 0 && target != nullptr; --move)
+            QTest::mouseMove(target, RandomPoint(target));
+        if (target != nullptr)
+            QTest::mouseRelease(target, Qt::LeftButton, {}, RandomPoint(target));
+    }
+
+    void Resize(QWidget* window)
+    {
+        if (Chance(3))
+            window->move(Uniform(-300, 2500), Uniform(-300, 1500));
+        else
+            window->resize(Uniform(0, 1) == 0 ? Uniform(0, 60) : Uniform(0, 1600), Uniform(0, 1200));
+    }
+
+    // What "貼り付け" finds: junk, nothing, or a copied material bent a little.
+    void PutOnClipboard()
+    {
+        QClipboard* clipboard = QApplication::clipboard();
+        switch (Uniform(0, 3)) {
+        case 0: clipboard->setText(RandomText(Uniform(0, 200))); break;
+        case 1: clipboard->clear(); break;
+        default: {
+            QString text = clipboard->text();
+            if (!text.isEmpty())
+                text[Uniform(0, static_cast<int>(text.size()) - 1)] = QChar(Uniform(32, 126));
+            clipboard->setText(text);
+        }
+        }
+    }
+
+    // Open: a file saved before, junk, a folder or nothing there; save: a
+    // file in the scratch folder. Or cancel.
+    void AnswerFileDialog(QFileDialog* dialog)
+    {
+        ++answered;
+        if (Chance(3)) {
+            dialog->reject();
+            return;
+        }
+        QString path = scratch + QStringLiteral("/m%1.qva").arg(Uniform(0, 3));
+        if (Uniform(0, 3) == 0) {
+            QFile junk(path);
+            if (junk.open(QIODevice::WriteOnly))
+                junk.write(RandomText(Uniform(0, 300)).toUtf8());
+        }
+        if (Chance(8))
+            path = scratch;
+        dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
+        static_cast<QDialog*>(dialog)->accept();
+        // An open dialog refuses a name that is not there: it stays up and
+        // is cancelled next time.
+    }
+
+    // --- what the host does -----------------------------------------------
+
+    void HostCall(bool modalUp)
+    {
+        ++hostCalls;
+        switch (Uniform(0, 11)) {
+        case 0:
+            if (modalUp && !options.closeInModal)
+                return;
+            Tamerisk_Close();
+            return;
+        case 1:
+            if (modalUp && !options.closeInModal)
+                return;
+            Tamerisk_Open(Chance(4) ? nullptr : &host, host.message);
+            return;
+        case 2:
+        case 3: {
+            FZAttributeEx record = records.Next();
+            Tamerisk_SetAttribute(Chance(20) ? nullptr : &record);
+            return;
+        }
+        case 4: {
+            FZAttributeEx record;
+            Tamerisk_GetAttribute(Chance(20) ? nullptr : &record);
+            return;
+        }
+        case 5: {
+            static constexpr std::array kBinds{0, 1, 1, 2, -1, INT_MIN, INT_MAX};
+            Tamerisk_SetColorBind(Pick(kBinds));
+            return;
+        }
+        case 6:
+        case 7:
+            Tamerisk_ShowWindow(Chance(6) ? Uniform(-3, 14) : TAMERISK_SW_SHOWNORMAL);
+            return;
+        case 8: {
+            const std::string title = RandomBytes(Uniform(0, 80));
+            Tamerisk_SetTitle(Chance(10) ? nullptr : title.c_str());
+            return;
+        }
+        default:
+            static_cast<void>(Tamerisk_GetShow() + Tamerisk_GetColorBind() + Tamerisk_GetLastResult());
+        }
+    }
+
+    // --- where ---------------------------------------------------------------
+
+    // The innermost modal window or pop-up menu: only it takes input.
+    static QWidget* TopBlocking()
+    {
+        if (QWidget* popup = QApplication::activePopupWidget())
+            return popup;
+        return QApplication::activeModalWidget();
+    }
+
+    static int ModalDepth()
+    {
+        int depth = 0;
+        for (QWidget* w : QApplication::topLevelWidgets())
+            depth += w->isVisible() && w->isModal();
+        return depth;
+    }
+
+    void Dismiss(QWidget* top)
+    {
+        ++answered;
+        if (qobject_cast<QFileDialog*>(top) != nullptr)
+            static_cast<QDialog*>(top)->reject();
+        else if (auto* dialog = qobject_cast<QDialog*>(top))
+            Chance(3) ? dialog->accept() : dialog->reject();
+        else
+            top->close();
+    }
+
+    // One of the visible top-level windows (editor, large preview).
+    QWidget* VisibleWindow()
+    {
+        std::vector<QWidget*> shown;
+        for (QWidget* w : QApplication::topLevelWidgets()) {
+            if (w->isVisible() && w != &host && !w->isMinimized())
+                shown.push_back(w);
+        }
+        return shown.empty() ? nullptr : shown[static_cast<std::size_t>(Uniform(0, static_cast<int>(shown.size()) - 1))];
+    }
+
+    // The window or one of its visible, enabled widgets; a button half of
+    // the time, as buttons are what opens the other windows.
+    QWidget* Target(QWidget* window)
+    {
+        std::vector<QWidget*> reachable{window};
+        std::vector<QWidget*> buttons;
+        for (QWidget* w : window->findChildren<QWidget*>()) {
+            if (w->isVisible() && w->isEnabled() && w->window() == window && !w->size().isEmpty()) {
+                reachable.push_back(w);
+                if (qobject_cast<QAbstractButton*>(w) != nullptr)
+                    buttons.push_back(w);
+            }
+        }
+        const std::vector<QWidget*>& from = buttons.empty() || Chance(2) ? reachable : buttons;
+        return from[static_cast<std::size_t>(Uniform(0, static_cast<int>(from.size()) - 1))];
+    }
+
+    QPoint RandomPoint(const QWidget* widget)
+    {
+        return {Uniform(0, std::max(0, widget->width() - 1)), Uniform(0, std::max(0, widget->height() - 1))};
+    }
+
+    Qt::KeyboardModifiers Modifiers()
+    {
+        static constexpr std::array kModifiers{Qt::NoModifier, Qt::NoModifier, Qt::NoModifier, Qt::ControlModifier,
+                                               Qt::ShiftModifier, Qt::AltModifier};
+        return Pick(kModifiers);
+    }
+
+    // --- chance ---------------------------------------------------------------
+
+    int Uniform(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); }
+    bool Chance(int oneIn) { return Uniform(1, oneIn) == 1; }
+    template <typename T, std::size_t N>
+    T Pick(const std::array<T, N>& from)
+    {
+        return from[static_cast<std::size_t>(Uniform(0, static_cast<int>(N) - 1))];
+    }
+
+    QString RandomText(int length)
+    {
+        QString text;
+        for (int i = 0; i < length; ++i)
+            text += Chance(10) ? QChar(Uniform(0x3000, 0x30ff)) : QChar(Uniform(9, 126));
+        return text;
+    }
+
+    // Bytes that need not be UTF-8, without a zero.
+    std::string RandomBytes(int length)
+    {
+        std::string bytes;
+        for (int i = 0; i < length; ++i)
+            bytes += static_cast<char>(Uniform(1, 255));
+        return bytes;
+    }
+
+    const Options options;
+    const QString scratch;
+    std::mt19937_64 random;
+    RecordMaker records;
+    HostWindow host;
+    int done = 0;
+    int hostCalls = 0;
+    int answered = 0;
+    std::map<std::string, int> reached;  // steps by the class of the window
+};
+
+Options ReadOptions(int argc, char** argv)
+{
+    Options options;
+    if (const char* seed = std::getenv("TAMERISK_MONKEY_SEED"); seed != nullptr && *seed != '\0')
+        options.seed = std::strtoull(seed, nullptr, 10);
+    else
+        options.seed = (std::uint64_t{std::random_device{}()} << 32) | std::random_device{}();
+    if (const char* close = std::getenv("TAMERISK_MONKEY_CLOSE_IN_MODAL"); close != nullptr && *close != '\0')
+        options.closeInModal = std::string(close) != "0";
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        if (arg == "--seed" && i + 1 < argc)
+            options.seed = std::strtoull(argv[++i], nullptr, 10);
+        else if (arg == "--steps" && i + 1 < argc)
+            options.steps = std::max(0, std::atoi(argv[++i]));
+        else if (arg == "--no-close-in-modal")
+            options.closeInModal = false;
+    }
+    return options;
+}
+
+// The offscreen platform says so at every raise and resize; nothing else
+// is dropped.
+QtMessageHandler standardMessages = nullptr;
+
+void QuietPlatform(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (!message.startsWith(QLatin1String("This plugin does not support")))
+        standardMessages(type, context, message);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const Options options = ReadOptions(argc, argv);
+    std::printf("monkey: seed %llu, %d steps (rerun: TAMERISK_MONKEY_SEED=%llu or --seed %llu)\n",
+                static_cast<unsigned long long>(options.seed), options.steps,
+                static_cast<unsigned long long>(options.seed), static_cast<unsigned long long>(options.seed));
+    std::fflush(stdout);
+
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The settings file and every file the monkey saves stay in here.
+    const QTemporaryDir scratch;
+    qputenv("TAMERISK_SETTINGS_DIR", scratch.path().toLocal8Bit());
+    standardMessages = qInstallMessageHandler(QuietPlatform);
+    QApplication app(argc, argv);
+    Monkey monkey(options, scratch.path());
+    monkey.Start();
+    const int status = QApplication::exec();
+    monkey.Report();
+    return status;
+}
