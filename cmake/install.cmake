@@ -1,7 +1,7 @@
 # cmake --install: the library with its public headers, the tools, a CMake
 # package (find_package(Tamerisk) gives Tamerisk::tamerisk) and a pkg-config
 # file (tamerisk.pc). Nothing of the static libraries, the tests or src/ goes
-# into the prefix: a host sees the C interface only.
+# into the prefix: a host sees the C interface and the editor class only.
 include(CMakePackageConfigHelpers)
 
 set(TAMERISK_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Tamerisk)
@@ -11,6 +11,7 @@ install(TARGETS tamerisk EXPORT TameriskTargets
           COMPONENT runtime NAMELINK_COMPONENT development)
 install(FILES
   ${PROJECT_SOURCE_DIR}/include/tamerisk/attribute.h
+  ${PROJECT_SOURCE_DIR}/include/tamerisk/dlg_attribute.h
   ${PROJECT_SOURCE_DIR}/include/tamerisk/export.h
   ${PROJECT_SOURCE_DIR}/include/tamerisk/fz_truncate.h
   ${PROJECT_SOURCE_DIR}/include/tamerisk/tamerisk.h

@@ -80,6 +80,7 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    friend class CDlgAttributePrivate;
     std::unique_ptr<CDlgAttributePrivate> d;
 };
 

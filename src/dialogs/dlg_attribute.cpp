@@ -5,6 +5,7 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QContextMenuEvent>
 #include <QKeySequence>
@@ -264,10 +265,26 @@ void CDlgAttributePrivate::OnDestroy()
 
 void CDlgAttributePrivate::LoadParameter()
 {
-    LoadWindowPlacement(q);
+    // The step matches no window's frame exactly; it only has to leave the
+    // caption of the window below in sight.
+    constexpr int kCascadeStep = 32;
+    int others = 0;
+    bool held = false;
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        auto* editor = qobject_cast<CDlgAttribute*>(window);
+        const CDlgAttributePrivate* other = editor && editor != q ? Of(editor) : nullptr;
+        if (other && other->created) {
+            ++others;
+            held = held || other->holdsPlacement;
+        }
+    }
+    holdsPlacement = claimsPlacement || !held;
+    const int step = holdsPlacement ? 0 : others * kCascadeStep;
+    LoadWindowPlacement(q, QPoint(step, step));
 }
 
 void CDlgAttributePrivate::SaveParameter()
 {
-    SaveWindowPlacement(q);
+    if (holdsPlacement)
+        SaveWindowPlacement(q);
 }

@@ -39,6 +39,9 @@ public:
     CDlgAttributePrivate(CDlgAttribute* q, QWidget* notifyWindow, unsigned int notifyMessage);
     ~CDlgAttributePrivate();
 
+    // The inside of an editor; null while the editor is torn down.
+    static CDlgAttributePrivate* Of(CDlgAttribute* editor) { return editor->d.get(); }
+
     // The window's life (dlg_attribute.cpp).
     bool Create();
     // An event of the window that the editor answers itself; true when it is
@@ -81,6 +84,13 @@ public:
     std::unique_ptr<CAttributeControls> controls;
     int sampleShape = 1;
     bool created = false;
+    // The settings file remembers one window. The C functions' editor claims
+    // it, as it always has; any other editor takes it when no open editor
+    // holds it. An editor without it opens a step below and to the right of
+    // the remembered place for each editor open before it, so that none
+    // hides another, and leaves the file alone when it goes.
+    bool claimsPlacement = false;
+    bool holdsPlacement = false;
     std::unique_ptr<CEditHistory> history;
     std::unique_ptr<CLargePreview> largePreview;  // made at the first double click
 

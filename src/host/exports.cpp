@@ -28,6 +28,7 @@
 #include <tamerisk/tamerisk.h>
 
 #include <tamerisk/dlg_attribute.h>
+#include "dialogs/dlg_attribute_p.h"
 #include "host/editor_instance.h"
 #include "host/last_result.h"
 
@@ -222,6 +223,9 @@ int Tamerisk_Open(QWidget* notifyWindow, unsigned int notifyMessage)
     // called; no exception may reach the host through a C function.
     if (!WithoutBadAlloc([&] { editor = std::make_unique<CDlgAttribute>(notifyWindow, notifyMessage); }))
         return 0;
+    // The settings file's window is this editor's, whatever editors the host
+    // owns besides.
+    CDlgAttributePrivate::Of(editor.get())->claimsPlacement = true;
     // A window that could not be created leaves the window-less editor open
     // until Tamerisk_Close, so the host's usual clean-up still applies.
     bool created = false;

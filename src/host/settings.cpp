@@ -281,12 +281,14 @@ QPoint NormalFrameCorner(const QWidget& window)
     return NormalTopLeft(window);
 }
 
-void LoadWindowPlacement(QWidget* dialog)
+void LoadWindowPlacement(QWidget* dialog, QPoint offset)
 {
     if (!dialog)
         return;
     const WindowSettings saved = ReadWindowSettings(SettingsFilePath());
-    MoveFrameTo(dialog, {saved.left, saved.top});
+    // Moved without overflow, whatever the file says.
+    MoveFrameTo(dialog, QPoint(static_cast<int>(ClampToInt(std::int64_t{saved.left} + offset.x())),
+                               static_cast<int>(ClampToInt(std::int64_t{saved.top} + offset.y()))));
     dialog->update();
     if (saved.display != 0) {
         dialog->show();

@@ -33,9 +33,10 @@ struct WindowSettings {
     int display = 0;  // 1 when the dialog was displayed, 0 when it was closed
 };
 
-// Places the dialog's frame from the settings file, held on a screen
-// (PlaceWindow), then shows it, or leaves it minimised and hidden as closing it does.
-void LoadWindowPlacement(QWidget* dialog);
+// Places the dialog's frame from the settings file, moved by `offset`, held
+// on a screen (PlaceWindow), then shows it, or leaves it minimised and hidden
+// as closing it does.
+void LoadWindowPlacement(QWidget* dialog, QPoint offset = QPoint());
 // Writes the dialog's normal (restored) top-left corner and whether it is
 // displayed (not minimised). A failed write is reported as a warning.
 void SaveWindowPlacement(const QWidget* dialog);

@@ -16,14 +16,14 @@ endfunction()
 
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
 foreach(file include/tamerisk/tamerisk.h include/tamerisk/attribute.h include/tamerisk/version.h
-             bin/tamerisk-render bin/tamerisk-qva bin/tamerisk-host
+             include/tamerisk/dlg_attribute.h bin/tamerisk-render bin/tamerisk-qva bin/tamerisk-host
              share/tamerisk/materials/gold.qva share/mime/packages/tamerisk-material.xml
              share/thumbnailers/tamerisk.thumbnailer share/applications/tamerisk-host.desktop)
   if(NOT EXISTS ${prefix}/${file})
     message(FATAL_ERROR "not installed: ${file}")
   endif()
 endforeach()
-file(GLOB_RECURSE private_headers ${prefix}/include/*dlg_attribute*)
+file(GLOB_RECURSE private_headers ${prefix}/include/*_p.h)
 if(private_headers)
   message(FATAL_ERROR "private headers installed: ${private_headers}")
 endif()
@@ -39,6 +39,8 @@ foreach(project host:${SOURCE_DIR}/tests/install minimal_host:${SOURCE_DIR}/exam
 endforeach()
 run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen TAMERISK_SETTINGS_DIR=${WORK_DIR}
     ${WORK_DIR}/host/host)
+run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen TAMERISK_SETTINGS_DIR=${WORK_DIR}
+    ${WORK_DIR}/host/two_editors)
 
 # The installed demo host finds the installed library by itself.
 run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen TAMERISK_SETTINGS_DIR=${WORK_DIR}
