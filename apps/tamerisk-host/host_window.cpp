@@ -1,5 +1,7 @@
 #include "host_window.h"
 
+#include <algorithm>
+
 #include <utility>
 #include <vector>
 
@@ -14,6 +16,8 @@
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTimer>
+
+#include "material_slot.h"
 
 
 namespace {
@@ -123,8 +127,14 @@ HostWindow::HostWindow(const TameriskFunctions& api, const FZAttributeEx& materi
         "its preview opens a large preview."), this);
     hints->setWordWrap(true);
     layout->addWidget(hints, 7, 0, 1, 3);
+    layout->addWidget(new QLabel(QStringLiteral("Two more materials, each with an editor the host owns:"), this),
+                      8, 0, 1, 3);
+    for (int i = 0; i < 2; ++i) {
+        materialSlots[i] = new MaterialSlot(QStringLiteral("material %1").arg(QChar(u'A' + i)), material, this);
+        layout->addWidget(materialSlots[i], 9 + i, 0, 1, 3);
+    }
     layout->setRowStretch(5, 1);
-    resize(640, 620);
+    resize(640, 700);
 
     connect(open, &QPushButton::clicked, this, [this] { OpenEditor(); });
     connect(close, &QPushButton::clicked, this, [this] {
@@ -162,10 +172,12 @@ void HostWindow::closeEvent(QCloseEvent* event)
     QCoreApplication::quit();
 }
 
-QWidget* HostWindow::EditorWindow()
+QWidget* HostWindow::EditorWindow() const
 {
     for (QWidget* w : QApplication::topLevelWidgets()) {
-        if (w->inherits("CDlgAttribute"))
+        const bool owned = std::any_of(std::begin(materialSlots), std::end(materialSlots),
+                                       [w](const MaterialSlot* slot) { return slot->Editor() == w; });
+        if (w->inherits("CDlgAttribute") && !owned)
             return w;
     }
     return nullptr;

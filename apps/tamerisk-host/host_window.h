@@ -1,6 +1,8 @@
 // The demo host's window: what a 3D application does with the editor. It
-// keeps its own copy of the material, opens the editor with it, and takes the
-// edited material back when the editor notifies ("更新" or the space bar).
+// keeps its own copy of the material, opens the editor of the C functions
+// with it, and takes the edited material back when the editor notifies
+// ("更新" or the space bar). Beside it, two more materials each have an editor
+// that the host owns itself (MaterialSlot), all open at once if the user likes.
 #ifndef TAMERISK_HOST_APP_HOST_WINDOW_H
 #define TAMERISK_HOST_APP_HOST_WINDOW_H
 
@@ -9,6 +11,7 @@
 
 #include <tamerisk/tamerisk.h>
 
+class MaterialSlot;
 class QCheckBox;
 class QLabel;
 class QTableWidget;
@@ -22,8 +25,8 @@ public:
     // Opens the editor with the host's material, or brings back the one that
     // is open.
     void OpenEditor();
-    // The editor's top-level window, or null when none is open.
-    static QWidget* EditorWindow();
+    // The C functions' editor's window, or null when none is open.
+    QWidget* EditorWindow() const;
 
 protected:
     bool event(QEvent* event) override;
@@ -48,6 +51,7 @@ private:
     QLabel* highlightSwatch = nullptr;
     QCheckBox* colorBind = nullptr;
     QLabel* state = nullptr;
+    MaterialSlot* materialSlots[2] = {};
 };
 
 #endif

@@ -1,8 +1,9 @@
-// tamerisk-host: a small host application for the material editor. It loads
-// libtamerisk.so at run time, opens the editor with a material, and shows
-// what the editor sends back when the user presses "更新".
+// tamerisk-host: a small host application for the material editor. It opens
+// the editor of the C functions with a material and shows what the editor
+// sends back when the user presses "更新"; two more materials have editors of
+// their own that the host owns.
 //
-//   tamerisk-host [--open FILE.qva | FILE.qva] [--library PATH] [--screenshot OUT.png]
+//   tamerisk-host [--open FILE.qva | FILE.qva] [--screenshot OUT.png]
 //
 // --screenshot opens the editor, saves a picture of its window and exits;
 // with QT_QPA_PLATFORM=offscreen it needs no display.
@@ -11,7 +12,6 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QDir>
 #include <QFileInfo>
 #include <QPixmap>
 
@@ -19,19 +19,26 @@
 
 #include "host_window.h"
 #include "qva_reader.h"
-#include "tamerisk_api.h"
 
 namespace {
 
-// The library beside the host: where cmake --install puts it, else where
-// the build puts it.
-QString DefaultLibraryPath()
+// The C functions through the table the host window uses, which a host that
+// loads the library at run time fills with TameriskResolveFunctions.
+TameriskFunctions LinkedFunctions()
 {
-    const QDir bin(QCoreApplication::applicationDirPath());
-    const QString installed = QDir::cleanPath(bin.filePath(QStringLiteral(TAMERISK_INSTALLED_LIBRARY)));
-    if (QFileInfo::exists(installed))
-        return installed;
-    return QDir::cleanPath(bin.filePath(QStringLiteral(TAMERISK_BUILT_LIBRARY)));
+    TameriskFunctions f;
+    f.Open = Tamerisk_Open;
+    f.Close = Tamerisk_Close;
+    f.SetAttribute = Tamerisk_SetAttribute;
+    f.GetAttribute = Tamerisk_GetAttribute;
+    f.SetColorBind = Tamerisk_SetColorBind;
+    f.GetColorBind = Tamerisk_GetColorBind;
+    f.ShowWindow = Tamerisk_ShowWindow;
+    f.GetShow = Tamerisk_GetShow;
+    f.SetTitle = Tamerisk_SetTitle;
+    f.GetLastResult = Tamerisk_GetLastResult;
+    f.GetVersion = Tamerisk_GetVersion;
+    return f;
 }
 
 constexpr int kRunError = 1;
@@ -47,7 +54,7 @@ int SaveScreenshot(HostWindow& host, const QString& path)
 {
     host.OpenEditor();
     QApplication::processEvents();
-    QWidget* editor = HostWindow::EditorWindow();
+    QWidget* editor = host.EditorWindow();
     if (!editor)
         return Fail(QStringLiteral("the editor did not open"));
     if (!editor->grab().save(path))
@@ -87,14 +94,11 @@ int main(int argc, char** argv)
     const QCommandLineOption open(QStringLiteral("open"),
                                   QStringLiteral("Start with the material of an attribute file."),
                                   QStringLiteral("FILE.qva"));
-    const QCommandLineOption library(QStringLiteral("library"),
-                                     QStringLiteral("The Tamerisk library to load."),
-                                     QStringLiteral("PATH"), DefaultLibraryPath());
     const QCommandLineOption screenshot(
         QStringLiteral("screenshot"),
         QStringLiteral("Open the editor, save a picture of its window and exit."),
         QStringLiteral("OUT.png"));
-    parser.addOptions({open, library, screenshot});
+    parser.addOptions({open, screenshot});
     // As the desktop opens a material file with it.
     parser.addPositionalArgument(QStringLiteral("FILE.qva"), QStringLiteral("The same as --open FILE.qva."),
                                  QStringLiteral("[FILE.qva]"));
@@ -108,10 +112,8 @@ int main(int argc, char** argv)
     if (parser.isSet(QStringLiteral("version")))
         parser.showVersion();
 
-    TameriskFunctions api;
+    const TameriskFunctions api = LinkedFunctions();
     QString error;
-    if (!LoadTamerisk(parser.value(library), api, error))
-        return Fail(error);
 
     const QStringList files = parser.positionalArguments();
     if (files.size() > 1 || (!files.isEmpty() && parser.isSet(open))) {

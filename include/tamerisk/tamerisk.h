@@ -116,9 +116,10 @@ TAMERISK_API void Tamerisk_SetAttribute(FZAttributeEx* attribute);
 // Copies the editor's material into *attribute; with no editor open the
 // record is left as it is.
 TAMERISK_API void Tamerisk_GetAttribute(FZAttributeEx* attribute);
-// Colour bind: while non-zero the host decides the surface colour, the
-// editor's colour controls are disabled and the preview shows the material
-// in white. It is not part of the material and not remembered.
+// Colour bind: while non-zero the host decides the surface colour and the
+// editor's colour controls are disabled; while it is 1 the preview also shows
+// the material in white (other non-zero values keep its colour). It is not
+// part of the material and not remembered.
 TAMERISK_API void Tamerisk_SetColorBind(int bind);
 TAMERISK_API int Tamerisk_GetColorBind(void);
 // Shows, hides, minimises, maximises or restores the editor's window; see
