@@ -23,6 +23,7 @@
 #include <map>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <QAbstractButton>
@@ -154,24 +155,20 @@ private:
                                                      : Tamerisk_ShowWindow(TAMERISK_SW_SHOWNORMAL);
             return;
         }
-        const int roll = Uniform(0, 99);
-        if (window != nullptr)
-            ++reached[window->metaObject()->className()];
-        if (window == nullptr || roll < 20)
-            return HostCall(top != nullptr);
-        if (roll < 50)
-            return Click(window);
-        if (roll < 68)
-            return Key(window);
-        if (roll < 76)
-            return Wheel(window);
-        if (roll < 86)
-            return Drag(window);
-        if (roll < 91)
-            return DoubleClick(window);
-        if (roll < 96)
-            return Resize(window);
-        PutOnClipboard();
+        if (window == nullptr)
+            return HostCall(false);
+        ++reached[window->metaObject()->className()];
+        // Each action with its weight out of 100.
+        using Action = void (Monkey::*)(QWidget*);
+        static constexpr std::pair<int, Action> kActions[] = {
+            {20, &Monkey::HostCallOver}, {30, &Monkey::Click}, {18, &Monkey::Key}, {8, &Monkey::Wheel},
+            {10, &Monkey::Drag},         {5, &Monkey::DoubleClick}, {5, &Monkey::Resize},
+            {4, &Monkey::PutOnClipboard}};
+        int roll = Uniform(0, 99);
+        for (const auto& [weight, action] : kActions) {
+            if ((roll -= weight) < 0)
+                return (this->*action)(window);
+        }
     }
 
     // --- what a user does -------------------------------------------------
@@ -235,7 +232,7 @@ private:
     }
 
     // What "貼り付け" finds: junk, nothing, or a copied material bent a little.
-    void PutOnClipboard()
+    void PutOnClipboard(QWidget*)
     {
         QClipboard* clipboard = QApplication::clipboard();
         switch (Uniform(0, 3)) {
@@ -275,47 +272,28 @@ private:
 
     // --- what the host does -----------------------------------------------
 
+    void HostCallOver(QWidget*) { HostCall(TopBlocking() != nullptr); }
+
     void HostCall(bool modalUp)
     {
         ++hostCalls;
-        switch (Uniform(0, 11)) {
-        case 0:
-            if (modalUp && !options.closeInModal)
-                return;
-            Tamerisk_Close();
+        static constexpr std::array kBinds{0, 1, 1, 2, -1, INT_MIN, INT_MAX};
+        const int call = Uniform(0, 11);
+        if (call <= 1 && modalUp && !options.closeInModal)
             return;
-        case 1:
-            if (modalUp && !options.closeInModal)
-                return;
-            Tamerisk_Open(Chance(4) ? nullptr : &host, host.message);
-            return;
+        FZAttributeEx record = records.Next();
+        const std::string title = RandomBytes(Uniform(0, 80));
+        switch (call) {
+        case 0: Tamerisk_Close(); break;
+        case 1: Tamerisk_Open(Chance(4) ? nullptr : &host, host.message); break;
         case 2:
-        case 3: {
-            FZAttributeEx record = records.Next();
-            Tamerisk_SetAttribute(Chance(20) ? nullptr : &record);
-            return;
-        }
-        case 4: {
-            FZAttributeEx record;
-            Tamerisk_GetAttribute(Chance(20) ? nullptr : &record);
-            return;
-        }
-        case 5: {
-            static constexpr std::array kBinds{0, 1, 1, 2, -1, INT_MIN, INT_MAX};
-            Tamerisk_SetColorBind(Pick(kBinds));
-            return;
-        }
+        case 3: Tamerisk_SetAttribute(Chance(20) ? nullptr : &record); break;
+        case 4: Tamerisk_GetAttribute(Chance(20) ? nullptr : &record); break;
+        case 5: Tamerisk_SetColorBind(Pick(kBinds)); break;
         case 6:
-        case 7:
-            Tamerisk_ShowWindow(Chance(6) ? Uniform(-3, 14) : TAMERISK_SW_SHOWNORMAL);
-            return;
-        case 8: {
-            const std::string title = RandomBytes(Uniform(0, 80));
-            Tamerisk_SetTitle(Chance(10) ? nullptr : title.c_str());
-            return;
-        }
-        default:
-            static_cast<void>(Tamerisk_GetShow() + Tamerisk_GetColorBind() + Tamerisk_GetLastResult());
+        case 7: Tamerisk_ShowWindow(Chance(6) ? Uniform(-3, 14) : TAMERISK_SW_SHOWNORMAL); break;
+        case 8: Tamerisk_SetTitle(Chance(10) ? nullptr : title.c_str()); break;
+        default: static_cast<void>(Tamerisk_GetShow() + Tamerisk_GetColorBind() + Tamerisk_GetLastResult());
         }
     }
 
