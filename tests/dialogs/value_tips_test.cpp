@@ -6,10 +6,8 @@
 
 #include "dialogs/dlg_rainbow_highlight.h"
 #include "dialogs/dlg_transparency.h"
-#include "dialogs/language.h"
 #include "dialogs/templates.h"
 #include "support/parameter_dialogs.h"
-#include "support/ui_texts.h"
 
 namespace {
 
@@ -38,14 +36,6 @@ TEST(ValueTips, ParameterSlidersNameTheValueTheyWrite)
     EXPECT_EQ(QToolTip::text(), QString::fromUtf8("縞模様の間隔 1325.00"));
     bar->setSliderDown(false);
     QToolTip::hideText();
-}
-
-TEST(ValueTips, SpeakTheEditorsLanguage)
-{
-    const LanguageSetting english("en");
-    const CLanguageUse use;
-    const auto rainbow = OpenParameterDialog<CDlgRainbowHighlight>(FZAttributeEx());
-    EXPECT_EQ(Tip(rainbow.get(), rainbow_id::kSpacing), QStringLiteral("Stripe spacing 884.00"));
 }
 
 } // namespace
