@@ -60,13 +60,15 @@ void FillPlainHighlightRow(const ShadingPass& pass, std::int32_t y)
         const std::int32_t n = FZMin(kFZDiffusePiece, held.last + 1 - start);
         float sum[kFZDiffusePiece] = {};
         if (!std::all_of(coverage + start, coverage + start + n, [](std::uint8_t c) { return c == 0; })) {
-            for (const HighlightSetup& h : pass.highlights) {
-                double cosines[kFZDiffusePiece];
-                HighlightCosinesOfPiece(h.half, normals + start, n, cosines);
-                for (std::int32_t k = 0; k < n; ++k)
-                    sum[k] = static_cast<float>(sum[k] + static_cast<double>(
-                                                            TermOf(h, static_cast<float>(cosines[k]))));
-            }
+            double cosines[kFZDiffusePiece];
+            SumOverLights(
+                pass.highlights, n, sum,
+                [&cosines, piece = normals + start, n](const HighlightSetup& h) {
+                    HighlightCosinesOfPiece(h.half, piece, n, cosines);
+                },
+                [&cosines](const HighlightSetup& h, std::int32_t k) {
+                    return TermOf(h, static_cast<float>(cosines[k]));
+                });
         }
         for (std::int32_t k = 0; k < n; ++k)
             highlight[start + k] = coverage[start + k] == 0 ? -1.0f : sum[k];
@@ -145,12 +147,9 @@ private:
     float Sum(const FZPackedVector& normal, const FZPackedVector& t1, const FZPackedVector& t2) const
     {
         const bool single = pass_.highlights.size() == 1;
-        float sum = 0.0f;
-        for (const HighlightSetup& h : pass_.highlights) {
-            const float term = !single && FacetsOutOfReach(h, normal) ? 0.0f : FacetTerm(h, t1, t2);
-            sum = static_cast<float>(sum + static_cast<double>(term));
-        }
-        return sum;
+        return SumOverLights(pass_.highlights, [&](const HighlightSetup& h) {
+            return !single && FacetsOutOfReach(h, normal) ? 0.0f : FacetTerm(h, t1, t2);
+        });
     }
 
     const ShadingPass& pass_;

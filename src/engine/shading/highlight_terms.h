@@ -6,6 +6,8 @@
 #define TAMERISK_ENGINE_SHADING_HIGHLIGHT_TERMS_H
 
 #include <cmath>
+#include <cstdint>
+#include <vector>
 
 #include "engine/fz_math.h"
 #include "engine/scene.h"
@@ -60,6 +62,30 @@ inline float FacetTerm(const HighlightSetup& h, const FZPackedVector& t1, const 
     const float b1 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t1)));
     const float b2 = static_cast<float>(FZMax(0.0, FZPackedVector::Dot(h.half, t2)));
     return TermOf(h, b2 > b1 ? b2 : b1);
+}
+
+// Every light's term summed at each of n pixels (at most W), in the
+// lights' order, each sum rounded to float: ready(h) readies a light's
+// terms, term(h, k) gives the one at pixel k.
+template <int W, typename Ready, typename Term>
+inline void SumOverLights(const std::vector<HighlightSetup>& lights, std::int32_t n, float (&sum)[W], Ready&& ready,
+                          Term&& term)
+{
+    for (const HighlightSetup& h : lights) {
+        ready(h);
+        for (std::int32_t k = 0; k < n; ++k)
+            sum[k] = static_cast<float>(sum[k] + static_cast<double>(term(h, k)));
+    }
+}
+
+// The sum at one pixel, termOf(h) giving each light's term there.
+template <typename TermOf>
+inline float SumOverLights(const std::vector<HighlightSetup>& lights, TermOf&& termOf)
+{
+    float sum[1] = {0.0f};
+    SumOverLights(lights, 1, sum, [](const HighlightSetup&) {},
+                  [&termOf](const HighlightSetup& h, std::int32_t) { return termOf(h); });
+    return sum[0];
 }
 
 // The supersampled highlight of one light over pixel (x, y): n x n points,

@@ -123,6 +123,23 @@ bool HighlightVaries(const FZLayer& layer, std::int32_t x, std::int32_t y)
     return false;
 }
 
+// The supersampled highlight of every light at pixel (x, y). Kept out of
+// the row's loop, which most pixels pass through without it.
+[[gnu::noinline]] float SmoothedHighlight(const ShadingPass& pass, std::int32_t x, std::int32_t y)
+{
+    const FZLayer& layer = pass.layer;
+    // A box two frame sides wide (and one pixel more on each side) covers
+    // the whole frame wherever a sample lies, so any wider box draws the
+    // same picture; held there, an absurd width costs what a frame-wide box
+    // does. NaN stays NaN.
+    const float frameWide = static_cast<float>(2.0 * (FZMax(layer.width, layer.height) + 1.0));
+    const float width = layer.material.smoothWidth > frameWide ? frameWide : layer.material.smoothWidth;
+    return SumOverLights(pass.highlights, [&](const HighlightSetup& h) {
+        FZNormalAngle angle;
+        return SmoothHighlightAt(layer, h, x, y, 3, width, angle);
+    });
+}
+
 // The highlight of pixel (x, y): the map value, or a supersampled one where
 // the highlight changes sharply and smoothing is on.
 float PixelHighlight(const ShadingPass& pass, std::int32_t x, std::int32_t y)
@@ -131,19 +148,7 @@ float PixelHighlight(const ShadingPass& pass, std::int32_t x, std::int32_t y)
     const bool smooth = layer.material.smoothHighlight != 0;
     if (!smooth || !HighlightVaries(layer, x, y))
         return layer.highlight[y][x];
-    // A box two frame sides wide (and one pixel more on each side) covers
-    // the whole frame wherever a sample lies, so any wider box draws the
-    // same picture; held there, an absurd width costs what a frame-wide box
-    // does. NaN stays NaN.
-    const float frameWide = static_cast<float>(2.0 * (FZMax(layer.width, layer.height) + 1.0));
-    const float width = layer.material.smoothWidth > frameWide ? frameWide : layer.material.smoothWidth;
-    float sum = 0.0f;
-    for (const HighlightSetup& h : pass.highlights) {
-        FZNormalAngle angle;
-        const float term = SmoothHighlightAt(layer, h, x, y, 3, width, angle);
-        sum = static_cast<float>(sum + static_cast<double>(term));
-    }
-    return sum;
+    return SmoothedHighlight(pass, x, y);
 }
 
 // The highlight colour, tinted by the rainbow gloss of the first light.
