@@ -56,20 +56,13 @@ void FZCamera::Update()
 
 FZResult FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base)
 {
-    return Create(lx, ly, w, h, base, FZRect(0, 0, w - 1, h - 1));
-}
-
-FZResult FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base,
-                         const FZRect& window)
-{
     if (const FZResult made = CreateFlat(lx, ly, w, h, base); made != FZResult::Ok)
         return made;
-    FZRect rows = window;
-    if (!rows.ClipTo(0, 0, w - 1, h - 1))
-        rows = FZRect(0, 0, -1, -1);
+    // A layer without pixels holds no rows at all.
+    const bool empty = w == 0 || h == 0;
     std::shared_ptr<const FZRowLayout> layout;
     try {
-        layout = FZRowLayout::Rectangle(rows.x0, rows.y0, rows.x1 - rows.x0 + 1, rows.y1 - rows.y0 + 1);
+        layout = FZRowLayout::Rectangle(0, 0, empty ? 0 : w, empty ? 0 : h);
     } catch (const std::bad_alloc&) {
         Release();
         return FZResult::OutOfMemory;
@@ -375,16 +368,6 @@ FZResult FZScene::SetUpFrame(std::int32_t w, std::int32_t h, const float backgro
     groundMaterial.color.SetFloats(backgroundColor);
     ground->SetMaterial(groundMaterial);
     layers.push_back(std::move(ground));
-    return FZResult::Ok;
-}
-
-FZResult FZScene::InsertLayer(const FZLayer& layer, std::int32_t index)
-{
-    if (index < -1 || index >= LayerCount())
-        return FZResult::BadParameter;
-    auto copy = std::make_unique<FZLayer>();
-    copy->Assign(layer);
-    layers.insert(layers.begin() + (index + 1), std::move(copy));
     return FZResult::Ok;
 }
 

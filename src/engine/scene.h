@@ -126,12 +126,9 @@ public:
     // left released (empty, size 0), so no half-built layer is ever
     // rendered; rows that cannot be had give OutOfMemory the same way.
     FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base);
-    // The same with rows over the window only (layer coordinates, clipped to
-    // the layer), or over the pixels of the layout (BadParameter, the layer
-    // released, when they do not lie in the layer): the pixels outside stay
-    // uncovered for good.
-    FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base,
-                    const FZRect& window);
+    // The same with rows over the pixels of the layout only (BadParameter,
+    // the layer released, when they do not lie in the layer): the pixels
+    // outside stay uncovered for good.
     FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base,
                     std::shared_ptr<const FZRowLayout> rows);
     // A flat layer of w x h at depth 0 with black colours, colour source 1,
@@ -218,10 +215,6 @@ public:
         return index < 0 || index >= LayerCount() ? nullptr : layers[static_cast<std::size_t>(index)].get();
     }
 
-    // Inserts a deep copy of the layer after index (-1: at the front).
-    // BadParameter for an index outside -1 .. count - 1, or what creating the
-    // layer gives.
-    FZResult InsertLayer(const FZLayer& layer, std::int32_t index);
     FZResult AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h);
     // The same with rows over the pixels of the layout only.
     FZResult AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h,

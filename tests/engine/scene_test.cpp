@@ -29,18 +29,11 @@ TEST(Scene, LayerIndicesOutsideTheListChangeNothing)
 {
     FZScene scene;
     ASSERT_EQ(scene.SetUpFrame(16, 12, kWhite), FZResult::Ok);
-    FZLayer small;
-    ASSERT_EQ(small.Create(3, 4, 5, 6, 2.5f), FZResult::Ok);
-    EXPECT_EQ(scene.InsertLayer(small, 2), FZResult::BadParameter);
-    EXPECT_EQ(scene.InsertLayer(small, -2), FZResult::BadParameter);
     scene.RemoveLayer(1);
     scene.RemoveLayer(-1);
     ASSERT_EQ(scene.LayerCount(), 1);
     EXPECT_EQ(scene.LayerAt(1), nullptr);
     EXPECT_EQ(scene.LayerAt(-1), nullptr);
-    EXPECT_EQ(scene.InsertLayer(small, -1), FZResult::Ok);  // -1: at the front
-    EXPECT_EQ(scene.LayerAt(0)->width, 5);
-    EXPECT_NE(scene.LayerAt(0), &small);
 }
 
 TEST(Scene, OddFrameSizes)
