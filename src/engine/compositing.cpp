@@ -254,7 +254,6 @@ void ComposeRow(const LayerPass& pass, const FZImage& behind, FZImage& frame, st
         if (c == 0)
             continue;
         if (c == 255 && shaded != nullptr) {
-            // The whole run of fully covered pixels, byte by byte.
             std::int32_t end = x + 1;
             while (end <= last && coverage[end - pass.layer.x] == 255)
                 ++end;
@@ -410,7 +409,6 @@ void ComposeFlatLayer(const LayerPass& pass, const FZRect& rect, FZImage& frame)
         const std::int32_t ly = y - layer.y;
         std::uint8_t* out = frame.PixelAddress(area.x0, y);
         const std::int32_t end = area.x1 - layer.x;
-        // Cell by cell along the row.
         for (std::int32_t lx = area.x0 - layer.x; lx <= end;) {
             const std::uint8_t* cell = bytes[layer.fill.CellOf(lx, ly)];
             const std::int32_t cellEnd = FZMin<std::int64_t>(end, (std::int64_t{lx} / cellWidth + 1) * cellWidth - 1);

@@ -56,7 +56,6 @@ public:
     {
         const FZLayer& layer = *scene.LayerAt(index);
         const double emission = layer.material.emission;
-        // What a pixel the layer does not cover gives.
         const float uncovered = static_cast<float>(FZByteRatio(0) * emission * 200.0);
         for (std::int32_t k = 0; k < n; ++k) {
             const std::int32_t y = rect.y0 + first + k;

@@ -64,8 +64,3 @@ void FZRandom::SetFixedSeed(std::optional<std::uint32_t> seed)
 {
     FixedSeedSlot() = seed;
 }
-
-std::optional<std::uint32_t> FZRandom::FixedSeed()
-{
-    return FixedSeedSlot();
-}

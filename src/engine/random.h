@@ -16,20 +16,15 @@ class FZRandom {
 public:
     FZRandom();
 
-    // One 32-bit output of the shared state.
     static std::uint32_t Next();
-    // x * 2^-32 for the next output x: in [0, 1).
     static double Uniform();
-    // a + (b - a) * Uniform().
     static double Between(double a, double b);
 
-    // Seeds the shared state with the published mt19937ar seeding.
     static void Seed(std::uint32_t seed);
 
     // While a fixed seed is set, constructing an FZRandom seeds with it
     // instead of the time. std::nullopt goes back to the time.
     static void SetFixedSeed(std::optional<std::uint32_t> seed);
-    static std::optional<std::uint32_t> FixedSeed();
 };
 
 #endif

@@ -33,7 +33,6 @@ struct FZRenderWatch {
 void SetRenderWatch(const FZRenderWatch* watch);
 // The calling thread's watch (inside a chunk of a watched pass: the pass's).
 const FZRenderWatch* RenderWatch();
-// Whether the watch asks to stop.
 bool RenderStopRequested();
 
 // For the row passes: runs chunk(context, first, last) over [begin, end) in

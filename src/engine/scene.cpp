@@ -168,26 +168,6 @@ void FZLayer::Release()
     fill = FZFlatFill();
 }
 
-void FZLayer::Assign(const FZLayer& other)
-{
-    if (&other == this)
-        return;
-    Release();
-    coverage = other.coverage;
-    depth = other.depth;
-    colors = other.colors;
-    baseDepth = other.baseDepth;
-    x = other.x;
-    y = other.y;
-    width = other.width;
-    height = other.height;
-    material = other.material;
-    colorSource = other.colorSource;
-    visible = other.visible;
-    flat = other.flat;
-    fill = other.fill;
-}
-
 void FZLayer::FillDepth(float value)
 {
     // A flat layer stays flat at a depth that is a number; other depths

@@ -140,10 +140,6 @@ public:
     // Frees every row set (highlight and normal rows included) and the
     // shaded image; base depth, position and size back to 0.
     void Release();
-    // Deep copy of the rows, material, colour source and visible flag (not
-    // the normals, shaded image, highlight map, bounds or depth range).
-    // Assigning a layer to itself does nothing.
-    void Assign(const FZLayer& other);
 
     void SetMaterial(const FZAttributeEx& m) { material = m; }
     void GetMaterial(FZAttributeEx& m) const { m = material; }

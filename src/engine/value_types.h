@@ -27,14 +27,6 @@ struct FZRect {
     FZRect(std::int32_t ax0, std::int32_t ay0, std::int32_t ax1, std::int32_t ay1)
         : x0(ax0), y0(ay0), x1(ax1), y1(ay1) {}
 
-    void Set(std::int32_t ax0, std::int32_t ay0, std::int32_t ax1, std::int32_t ay1)
-    {
-        x0 = ax0; y0 = ay0; x1 = ax1; y1 = ay1;
-    }
-    void Get(std::int32_t& ax0, std::int32_t& ay0, std::int32_t& ax1, std::int32_t& ay1) const
-    {
-        ax0 = x0; ay0 = y0; ax1 = x1; ay1 = y1;
-    }
     // x1 - x0 + 1 and y1 - y0 + 1 (computed in 64 bits, so the empty marker
     // gives -65536 without overflow).
     void GetSize(std::int32_t& w, std::int32_t& h) const

@@ -1,10 +1,11 @@
 // The display step: FZImage rows (bottom-up, blue-green-red) shown upright in
-// a canvas, rectangles placed by their image coordinates.
+// a canvas.
 #include <gtest/gtest.h>
 
 #include "engine/display/canvas.h"
 #include "engine/display/image_display.h"
 #include "engine/image.h"
+#include "engine/scene.h"
 
 namespace {
 
@@ -18,7 +19,7 @@ void MakeMarked(FZImage& image)
     p[0] = 30, p[1] = 20, p[2] = 10;
 }
 
-TEST(Display, BitmapsAreUprightAndRectanglesLandInPlace)
+TEST(Display, BitmapsAndFramesAreShownUpright)
 {
     FZImage image;
     MakeMarked(image);
@@ -34,14 +35,15 @@ TEST(Display, BitmapsAreUprightAndRectanglesLandInPlace)
     FZCanvas canvas;
     canvas.resize(5, 3);
     QWidget plain;
-    Draw(image, &plain, 0, 0, 4, 2);     // not a canvas
-    Draw(image, &canvas, 3, 0, 1, 2);    // an empty rectangle
-    Draw(FZImage(), &canvas, 0, 0, 4, 2);
+    FZScene scene;
+    PresentFrame(scene, &canvas);  // no frame yet
+    scene.frame = std::make_unique<FZImage>();
+    PresentFrame(scene, &canvas);  // a frame without pixels
+    MakeMarked(*scene.frame);
+    PresentFrame(scene, &plain);  // not a canvas
     EXPECT_TRUE(canvas.Surface().isNull());
-    Draw(image, &canvas, 0, 2, 4, 2);  // the top row, y1 = height - 1, lands on line 0
-    EXPECT_EQ(canvas.Surface().pixel(4, 0), qRgb(0, 0, 255));
-    EXPECT_NE(canvas.Surface().pixel(0, 2), qRgb(255, 0, 0));  // not drawn yet
-    Draw(image, &canvas, INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX);  // clipped
+    PresentFrame(scene, &canvas);
+    EXPECT_EQ(canvas.Surface().pixel(4, 0), qRgb(0, 0, 255));  // the top row on line 0
     EXPECT_EQ(canvas.Surface().pixel(0, 2), qRgb(255, 0, 0));
 }
 

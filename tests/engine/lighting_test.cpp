@@ -24,11 +24,10 @@ TEST(Lighting, EmptyAndUnpreparedLayersHaveNothingToShade)
     EXPECT_EQ(ShadeLayer(empty, HeadOnView(), &lights), FZResult::Ok);  // nothing to shade
     EXPECT_TRUE(empty.shaded.empty());
 
-    FZLayer prepared;
-    MakeShadingLayer(prepared, 3, 2);
-    FZLayer copy;
-    copy.Assign(prepared);  // no normals until prepared again
-    EXPECT_EQ(ShadeLayer(copy, HeadOnView(), &lights), FZResult::Ok);  // nothing to shade
+    FZLayer unprepared;
+    MakeShadingLayer(unprepared, 3, 2);
+    unprepared.normals.Clear();
+    EXPECT_EQ(ShadeLayer(unprepared, HeadOnView(), &lights), FZResult::Ok);  // nothing to shade
 }
 
 namespace {

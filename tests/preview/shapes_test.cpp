@@ -192,21 +192,21 @@ TEST(ShapeFinishing, DimpleLowersEachPixelByTheMeanOfItsSixteenPoints)
                 layer.coverage[y][x] = (x * 7 + y) % 11 == 0 ? 0 : 255;
                 layer.depth[y][x] = (x + y) % 13 == 0 ? -0.0f : 10.0f + 0.01f * x;
             }
-        FZLayer before;
-        before.Assign(layer);
+        const FZRaster<float> depthBefore = layer.depth;
+        const FZRaster<std::uint8_t> coverageBefore = layer.coverage;
         AddDimple(layer, d.cx, d.cy, d.radius, d.depth);
         FZSmoothStep bowl;
         bowl.Setup(0.0f, -d.depth, d.radius, 0.0f);
         for (int y = 0; y < 90; ++y)
             for (int x = 0; x < 300; ++x) {
-                const float zp = before.depth[y][x];
+                const float zp = depthBefore[y][x];
                 float expected = zp;
                 const auto reaches = [&](int p, float c) {
                     return p >= static_cast<int>(static_cast<double>(c) - d.radius)
                            && p <= static_cast<int>(static_cast<double>(c) + d.radius);
                 };
                 const bool inBox = reaches(x, d.cx) && reaches(y, d.cy);
-                if (before.coverage[y][x] != 0 && inBox) {
+                if (coverageBefore[y][x] != 0 && inBox) {
                     double sum = 0.0;
                     for (int j = 0; j < 4; ++j)
                         for (int i = 0; i < 4; ++i) {

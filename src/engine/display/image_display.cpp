@@ -1,6 +1,5 @@
 #include "engine/display/image_display.h"
 
-#include <algorithm>
 #include <vector>
 
 #include <QRect>
@@ -59,32 +58,12 @@ QImage MakeScreenBitmap(const FZImage& image, QSize size)
     return screen;
 }
 
-void Draw(const FZImage& image, QWidget* target, std::int32_t x0, std::int32_t y0,
-          std::int32_t x1, std::int32_t y1)
-{
-    auto* canvas = qobject_cast<FZCanvas*>(target);
-    if (canvas == nullptr || image.data.empty())
-        return;
-    const QImage bitmap = MakeBitmap(image);
-    if (bitmap.isNull())
-        return;
-    // The rectangle in device lines (counted from the top), clipped to the
-    // image in 64 bits: the corners may be any integers.
-    const std::int64_t left = std::max<std::int64_t>(x0, 0);
-    const std::int64_t right = std::min<std::int64_t>(x1, image.width - 1);
-    const std::int64_t top = std::max<std::int64_t>(std::int64_t{image.height} - 1 - y1, 0);
-    const std::int64_t bottom = std::min<std::int64_t>(std::int64_t{image.height} - 1 - y0,
-                                                       image.height - 1);
-    if (left > right || top > bottom)
-        return;
-    const QRect wanted(QPoint(static_cast<int>(left), static_cast<int>(top)),
-                       QPoint(static_cast<int>(right), static_cast<int>(bottom)));
-    canvas->Blit(bitmap, wanted, wanted.topLeft());
-}
-
 void PresentFrame(const FZScene& scene, QWidget* target)
 {
-    if (scene.frame == nullptr)
+    auto* canvas = qobject_cast<FZCanvas*>(target);
+    if (canvas == nullptr || scene.frame == nullptr)
         return;
-    Draw(*scene.frame, target, 0, 0, scene.frame->width - 1, scene.frame->height - 1);
+    const QImage bitmap = MakeBitmap(*scene.frame);
+    if (!bitmap.isNull())
+        canvas->Blit(bitmap, bitmap.rect(), QPoint(0, 0));
 }

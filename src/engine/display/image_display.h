@@ -3,8 +3,6 @@
 #ifndef TAMERISK_ENGINE_DISPLAY_IMAGE_DISPLAY_H
 #define TAMERISK_ENGINE_DISPLAY_IMAGE_DISPLAY_H
 
-#include <cstdint>
-
 #include <QImage>
 #include <QSize>
 
@@ -24,16 +22,9 @@ QImage MakeBitmap(const FZImage& image);
 // either is empty, or the memory cannot be had.
 QImage MakeScreenBitmap(const FZImage& image, QSize size);
 
-// Copies the inclusive rectangle (x0, y0)-(x1, y1) of the image, in image
-// coordinates (row 0 at the bottom), to the same place of the target, whose
-// rows count from the top: the rectangle's top row y1 lands on line
-// height - 1 - y1. Nothing happens without pixel data or when the target is
-// not an FZCanvas; parts outside the image are clipped.
-void Draw(const FZImage& image, QWidget* target, std::int32_t x0, std::int32_t y0,
-          std::int32_t x1, std::int32_t y1);
-
-// Draws the scene's whole frame image into the target; nothing when the scene
-// has no frame yet.
+// Draws the scene's whole frame image into the target, upright at its
+// top-left corner; nothing when the scene has no frame with pixels yet or
+// the target is not an FZCanvas.
 void PresentFrame(const FZScene& scene, QWidget* target);
 
 #endif

@@ -18,13 +18,6 @@ FZRect WholeLayer(const FZLayer& layer)
     return FZRect(0, 0, layer.width - 1, layer.height - 1);
 }
 
-// The part of rect (in layer coordinates) that the rows hold; false when
-// nothing is left.
-bool ClipToStored(const FZLayer& layer, FZRect& rect)
-{
-    return rect.Intersect(layer.Stored());
-}
-
 bool HasHeightField(const FZLayer& layer)
 {
     return !layer.coverage.empty() && !layer.depth.empty();
@@ -539,11 +532,6 @@ void EstimateRowNormals(FZLayer& layer, std::int32_t y, std::int32_t x0, std::in
 
 }  // namespace
 
-FZResult PrepareSurface(FZLayer& layer)
-{
-    return PrepareSurface(layer, WholeLayer(layer));
-}
-
 // A flat layer is covered everywhere at one depth, which the preparation
 // brings to 0 as it brings the lowest covered depth of any layer.
 void PrepareFlatSurface(FZLayer& layer)
@@ -558,7 +546,7 @@ void PrepareFlatSurface(FZLayer& layer)
     layer.depthMax = layer.depthMin;
 }
 
-FZResult PrepareSurface(FZLayer& layer, const FZRect& rect)
+FZResult PrepareSurface(FZLayer& layer)
 {
     if (layer.IsFlat()) {
         PrepareFlatSurface(layer);
@@ -576,7 +564,6 @@ FZResult PrepareSurface(FZLayer& layer, const FZRect& rect)
         layer.boundsY1 = layer.height - 1;
         layer.depthMin = 0.0f;
         layer.depthMax = 0.0f;
-        // Nothing is covered, so no normal is written.
         return EstimateNormals(layer, FZRect());
     }
     layer.boundsX0 = bounds.x0;
@@ -593,15 +580,12 @@ FZResult PrepareSurface(FZLayer& layer, const FZRect& rect)
     layer.depthMin = span.minimum;
     layer.depthMax = span.maximum;
     // Only covered pixels get a normal.
-    FZRect normalRect = rect;
-    if (!normalRect.Intersect(bounds))
-        normalRect = FZRect();
-    return EstimateNormals(layer, normalRect);
+    return EstimateNormals(layer, bounds);
 }
 
 bool CoverageBounds(const FZLayer& layer, FZRect& bounds)
 {
-    bounds.Set(1000000, 1000000, -1000000, -1000000);
+    bounds = FZRect(1000000, 1000000, -1000000, -1000000);
     if (layer.IsFlat() && layer.width > 0 && layer.height > 0)
         bounds = WholeLayer(layer);
     if (layer.coverage.empty())
@@ -618,7 +602,7 @@ FZResult DepthRange(const FZLayer& layer, const FZRect& rect, float& minimum, fl
     DepthSpan span;
     if (layer.IsFlat())
         span = DepthSpan{layer.fill.depth, layer.fill.depth};
-    if (HasHeightField(layer) && ClipToStored(layer, r))
+    if (HasHeightField(layer) && r.Intersect(layer.Stored()))
         span = CombinedSpan(MeasureRows(layer, r, true));
     minimum = span.minimum;
     maximum = span.maximum;
@@ -635,7 +619,7 @@ FZResult EstimateNormals(FZLayer& layer, const FZRect& rect)
         }
     }
     FZRect r = rect;
-    if (!HasHeightField(layer) || !ClipToStored(layer, r))
+    if (!HasHeightField(layer) || !r.Intersect(layer.Stored()))
         return FZResult::Ok;
     // Normals are written, depths and coverage only read: rows are independent.
     ParallelRows(r.y0, r.y1 + 1, [&](std::int32_t y) { EstimateRowNormals(layer, y, r.x0, r.x1); });

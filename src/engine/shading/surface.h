@@ -5,11 +5,9 @@
 
 #include "engine/scene.h"
 
-// Bounds and depth over the whole layer, normals over the whole layer.
+// Bounds, depth range and normals over the whole layer; OutOfMemory when the
+// normal rows cannot be allocated.
 FZResult PrepareSurface(FZLayer& layer);
-// Bounds and depth over the whole layer, normals inside rect only.
-// OutOfMemory when the normal rows cannot be allocated.
-FZResult PrepareSurface(FZLayer& layer, const FZRect& rect);
 // Bounding rectangle of the covered pixels; false when none is covered.
 bool CoverageBounds(const FZLayer& layer, FZRect& bounds);
 // Range of the covered depths inside rect; BadParameter when rect misses the layer.
