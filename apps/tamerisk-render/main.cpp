@@ -206,9 +206,11 @@ bool MakeDirectory(const QByteArray& path, QString& error)
 // A batch's pictures wait in a FileBatch and go into place together when
 // this many wait or the first of them waited this long: a batch of
 // thumbnails waits for the disk about once, and the pictures of a long
-// batch still appear as they come.
+// batch still appear as they come. Pictures larger than a thumbnail take
+// far longer to draw than to flush, so each goes into place when drawn.
 constexpr std::size_t kMostWaiting = 48;
 constexpr auto kLongestWait = std::chrono::milliseconds(250);
+constexpr std::int64_t kThumbnailPixels = 256 * 256;
 
 // Puts the waiting pictures in place; the number that failed, each named.
 int Commit(FileBatch& batch, Progress& progress)
@@ -228,6 +230,7 @@ int RunBatch(const Options& options, Progress& progress)
     }
     FZPreviewPicture picture;
     FileBatch batch;
+    const bool thumbnails = std::int64_t{options.width} * options.height <= kThumbnailPixels;
     auto firstWaiting = std::chrono::steady_clock::now();
     int failed = 0;
     // Two materials of the same name would make the same image.
@@ -255,7 +258,8 @@ int RunBatch(const Options& options, Progress& progress)
             progress.Say(error);
             ++failed;
         }
-        if (batch.Pending() >= kMostWaiting || std::chrono::steady_clock::now() - firstWaiting >= kLongestWait)
+        if (!thumbnails || batch.Pending() >= kMostWaiting ||
+            std::chrono::steady_clock::now() - firstWaiting >= kLongestWait)
             failed += Commit(batch, progress);
     }
     failed += Commit(batch, progress);
