@@ -85,6 +85,15 @@ bool TempFileAppears(int watch)
     return false;
 }
 
+// Ctrl+C for a tool still running. A tool that has already ended has no
+// process id (0), and kill(0, ...) would interrupt this whole process group,
+// the test runner with it.
+void PressCtrlC(const QProcess& process)
+{
+    if (const qint64 pid = process.processId(); pid > 0)
+        ::kill(static_cast<pid_t>(pid), SIGINT);
+}
+
 // Runs a tool and presses Ctrl+C as soon as it creates its new file in dir,
 // that is while the file is written, flushed and renamed into place.
 ToolRun InterruptWhileWriting(const char* tool, const QStringList& arguments, const QString& dir)
@@ -95,7 +104,7 @@ ToolRun InterruptWhileWriting(const char* tool, const QStringList& arguments, co
     process.start(QStringLiteral(TAMERISK_BIN_DIR "/") + QLatin1String(tool), arguments);
     process.closeWriteChannel();
     if (TempFileAppears(watch))
-        ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+        PressCtrlC(process);
     ::close(watch);
     if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
         return {};
@@ -271,7 +280,7 @@ TEST(RenderTool, CtrlCEndsALongRenderWithoutWritingIt)
                {"--size", "2048", "--output-dir", dir.path(), plain, lamp});
     // The lamp, whose light takes many seconds at this size, comes second.
     ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(dir.filePath(QStringLiteral("plain.png"))); }, 120000));
-    ::kill(static_cast<pid_t>(tool.processId()), SIGINT);
+    PressCtrlC(tool);
     ASSERT_TRUE(tool.waitForFinished(20000));
     EXPECT_EQ(tool.exitCode(), 130);
     EXPECT_TRUE(tool.readAllStandardError().contains("interrupted"));
