@@ -177,8 +177,16 @@ private:
     {
         static constexpr std::array kButtons{Qt::LeftButton, Qt::LeftButton, Qt::LeftButton, Qt::RightButton,
                                              Qt::MiddleButton};
-        QWidget* target = Target(window);
-        QTest::mouseClick(target, Pick(kButtons), Modifiers(), RandomPoint(target));
+        // Press and release apart: the press may open a modal window in
+        // which the host closes the editor, and the release then has no
+        // widget to go to.
+        QPointer<QWidget> target = Target(window);
+        const Qt::MouseButton button = Pick(kButtons);
+        const Qt::KeyboardModifiers modifiers = Modifiers();
+        const QPoint at = RandomPoint(target);
+        QTest::mousePress(target, button, modifiers, at);
+        if (target != nullptr)
+            QTest::mouseRelease(target, button, modifiers, at);
     }
 
     // On the editor's preview it opens the large preview.
@@ -198,8 +206,12 @@ private:
                                           Qt::Key_V, Qt::Key_0, Qt::Key_5, Qt::Key_9, Qt::Key_Minus,
                                           Qt::Key_Period, Qt::Key_A, Qt::Key_F4};
         QWidget* focus = QApplication::focusWidget();
-        QWidget* target = focus != nullptr && focus->window() == window ? focus : Target(window);
-        QTest::keyClick(target, Pick(kKeys), Modifiers());
+        QPointer<QWidget> target = focus != nullptr && focus->window() == window ? focus : Target(window);
+        const Qt::Key key = Pick(kKeys);
+        const Qt::KeyboardModifiers modifiers = Modifiers();
+        QTest::keyPress(target, key, modifiers);
+        if (target != nullptr)
+            QTest::keyRelease(target, key, modifiers);
     }
 
     void Wheel(QWidget* window)
