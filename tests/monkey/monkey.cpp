@@ -32,6 +32,7 @@
 #include <QDialog>
 #include <QFile>
 #include <QFileDialog>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPointer>
@@ -209,9 +210,21 @@ private:
         QPointer<QWidget> target = focus != nullptr && focus->window() == window ? focus : Target(window);
         const Qt::Key key = Pick(kKeys);
         const Qt::KeyboardModifiers modifiers = Modifiers();
-        QTest::keyPress(target, key, modifiers);
-        if (target != nullptr)
-            QTest::keyRelease(target, key, modifiers);
+        SendKey(target, QEvent::KeyPress, key, modifiers);
+        SendKey(target, QEvent::KeyRelease, key, modifiers);
+    }
+
+    // One event, and only to a widget still there. QTest's key functions
+    // follow a key with its modifiers' own presses or releases, all to the
+    // same pointer, which a key that closed its window has left dangling.
+    static void SendKey(const QPointer<QWidget>& target, QEvent::Type type, Qt::Key key,
+                        Qt::KeyboardModifiers modifiers)
+    {
+        if (target == nullptr)
+            return;
+        const char ascii = QTest::keyToAscii(key);
+        QKeyEvent event(type, key, modifiers, ascii != 0 ? QString(QChar::fromLatin1(ascii)) : QString());
+        QApplication::sendEvent(target, &event);
     }
 
     void Wheel(QWidget* window)
