@@ -1,71 +1,15 @@
 // The sample shapes beyond what the golden frames pin (every pixel of the
-// four shapes on an empty layer): how coverage counts the sample points,
-// drawing over an earlier surface, the finishing steps' edge cases and
-// parameters no dialog would give.
+// four shapes at two sizes): parameters no dialog would give, and the rows a
+// shape keeps at other sizes.
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cmath>
 #include <cstring>
 #include <limits>
-#include <utility>
 
 #include "engine/render.h"
 #include "engine/shading/surface.h"
 #include "preview/shapes.h"
-
-// Numbers beyond the four shapes draw nothing on the preview's layer.
-TEST(SampleShapes, OtherNumbersDrawNothingAndEmptyLayersStayAsTheyAre)
-{
-    FZLayer layer;
-    ASSERT_EQ(layer.Create(0, 0, 120, 120, 10.0f), FZResult::Ok);
-    for (int n : {0, 5, -1})
-        DrawSampleShape(layer, n, 60.0f, 60.0f, 52.0f);
-    FZRect bounds;
-    EXPECT_FALSE(CoverageBounds(layer, bounds));
-    layer.depth[3][3] = 7.0f;
-    FlattenTop(layer, 0.5f);
-    ClampDepth(layer, -1.0f);
-    EXPECT_FLOAT_EQ(layer.depth[3][3], 7.0f);
-}
-
-TEST(ShapeRaster, CoverageCountsTheSamplesInside)
-{
-    // Sample points of pixel (0, 0) lie at 1/6, 1/2 and 5/6 on each axis.
-    const struct {
-        float cx, cy, a, b;
-        std::uint8_t coverage;
-    } cases[] = {
-        {0.5f, 0.5f, 0.2f, 0.2f, 28},           // one point inside
-        {0.5f, 5.0f / 6, 0.4f, 0.1f, 85},       // three
-        {2.0f / 3, 2.0f / 3, 0.3f, 0.3f, 113},  // four
-        {0.5f, 0.5f, 0.6f, 0.6f, 255},          // all nine
-    };
-    for (const auto& c : cases) {
-        FZLayer layer;
-        ASSERT_EQ(layer.Create(0, 0, 2, 2, 0.0f), FZResult::Ok);
-        FZDome dome;
-        dome.Set(c.cx, c.cy, c.a, c.b, 2.0f, 0.0f);
-        RasterizeShape(layer, dome);
-        EXPECT_EQ(layer.coverage[0][0], c.coverage) << int{c.coverage};
-        EXPECT_FLOAT_EQ(layer.depth[0][0], 2.0f);
-        EXPECT_EQ(layer.coverage[1][1], 0);
-    }
-}
-
-TEST(ShapeRaster, HigherSurfaceWinsOverEarlierDrawing)
-{
-    FZLayer layer;
-    ASSERT_EQ(layer.Create(0, 0, 3, 3, 0.0f), FZResult::Ok);
-    // Each disc is drawn over the last; the depth is the highest so far.
-    for (const auto& [height, kept] : {std::pair{4.0f, 4.0f}, {2.0f, 4.0f}, {6.0f, 6.0f}}) {
-        FZRoundedDisc disc;
-        disc.Set(1.5f, 1.5f, 0.0f, 10.0f, height);
-        RasterizeShape(layer, disc);
-        EXPECT_FLOAT_EQ(layer.depth[1][1], kept) << "after the disc of height " << height;
-    }
-    EXPECT_EQ(layer.coverage[1][1], 255);
-}
 
 TEST(ShapeRaster, WildParametersStayInsideTheLayer)
 {
@@ -101,128 +45,6 @@ TEST(ShapeRaster, WildParametersStayInsideTheLayer)
     DrawSampleShape(bare, 1, 0.0f, 0.0f, 10.0f);
     FlattenTop(bare, 0.5f);
     EXPECT_TRUE(bare.coverage.empty());
-}
-
-namespace {
-
-// What drawing gives pixel (px, py) of an empty layer, point by point
-// through HeightAt: the coverage of the points inside and their mean height.
-template <typename Shape>
-::testing::AssertionResult DrawnAsItsPoints(const FZLayer& layer, const Shape& shape, int px, int py)
-{
-    float xs[3];
-    float ys[3];
-    FZSampleOffsets(px, xs);
-    FZSampleOffsets(py, ys);
-    float count = 0.0f;
-    float sum = 0.0f;
-    for (const float y : ys)
-        for (const float x : xs) {
-            float z = 0.0f;
-            if (shape.HeightAt(x, y, z)) {
-                count += 1.0f;
-                sum += z;
-            }
-        }
-    const auto coverage = static_cast<std::uint8_t>(FZTruncateClamped(count * (1.0f / 9.0f) * 255.0f, 0, 255));
-    const float depth = count > 0.0f ? sum * (1.0f / count) : 0.0f;
-    if (layer.coverage[py][px] == coverage && std::memcmp(&layer.depth[py][px], &depth, sizeof depth) == 0)
-        return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "pixel (" << px << ", " << py << ") has " << int{layer.coverage[py][px]}
-                                         << " at " << layer.depth[py][px] << ", its points give " << int{coverage}
-                                         << " at " << depth;
-}
-
-template <typename Shape>
-void ExpectDrawnAsItsPoints(const Shape& shape)
-{
-    FZLayer layer;
-    ASSERT_EQ(layer.Create(0, 0, 300, 90, 0.0f), FZResult::Ok);
-    RasterizeShape(layer, shape);
-    for (int py = 0; py < layer.height; ++py)
-        for (int px = 0; px < layer.width; ++px)
-            ASSERT_TRUE(DrawnAsItsPoints(layer, shape, px, py));
-}
-
-}  // namespace
-
-TEST(ShapeRaster, EveryPixelIsTheMeanOfItsPoints)
-{
-    // Rows are drawn a piece at a time, and points the outline is known to
-    // hold or miss are not tested; neither may change a pixel. Centres off
-    // the grid, outlines cut by the layer's edges, rims and rings thin and
-    // wide.
-    const struct {
-        float cx, cy, r;
-    } places[] = {{150.0f, 45.0f, 40.0f}, {37.3f, 61.7f, 55.5f}, {290.2f, 3.1f, 130.0f}, {151.0f, 44.5f, 0.7f},
-                  {-20.0f, 45.0f, 60.0f}, {150.5f, 45.5f, 400.0f}};
-    for (const auto& p : places) {
-        SCOPED_TRACE(::testing::Message() << "centre (" << p.cx << ", " << p.cy << "), size " << p.r);
-        for (const float rim : {0.0f, 0.25f, 1.0f, 1.5f}) {
-            FZRoundedDisc plate;
-            plate.Set(p.cx, p.cy, 1.0f, p.r, p.r * rim);
-            ExpectDrawnAsItsPoints(plate);
-        }
-        FZDome dome;
-        dome.Set(p.cx, p.cy, p.r, p.r * 0.6f, 2.0f, p.r / 2);
-        ExpectDrawnAsItsPoints(dome);
-        for (const float inner : {0.0f, 0.5f, 0.95f}) {
-            FZTorus ring;
-            ring.Set(p.cx, p.cy, 0.5f, p.r, p.r * inner, p.r / 4);
-            ExpectDrawnAsItsPoints(ring);
-        }
-    }
-}
-
-TEST(ShapeFinishing, DimpleLowersEachPixelByTheMeanOfItsSixteenPoints)
-{
-    // Rows are worked a piece at a time and pixels beyond the radius are not
-    // sampled; each covered pixel must still be the mean of its sixteen
-    // points, each either lowered by the bowl or at the depth, and a depth
-    // of -0 beyond the radius becomes +0 as that sum makes it.
-    const struct {
-        float cx, cy, radius, depth;
-    } dimples[] = {{150.0f, 45.0f, 33.3f, 7.0f}, {12.7f, 80.2f, 60.0f, 2.5f}, {299.5f, 0.5f, 0.6f, 1.0f},
-                   {150.25f, 45.75f, 500.0f, 40.0f}};
-    for (const auto& d : dimples) {
-        FZLayer layer;
-        ASSERT_EQ(layer.Create(0, 0, 300, 90, 0.0f), FZResult::Ok);
-        for (int y = 0; y < 90; ++y)
-            for (int x = 0; x < 300; ++x) {
-                layer.coverage[y][x] = (x * 7 + y) % 11 == 0 ? 0 : 255;
-                layer.depth[y][x] = (x + y) % 13 == 0 ? -0.0f : 10.0f + 0.01f * x;
-            }
-        const FZRaster<float> depthBefore = layer.depth;
-        const FZRaster<std::uint8_t> coverageBefore = layer.coverage;
-        AddDimple(layer, d.cx, d.cy, d.radius, d.depth);
-        FZSmoothStep bowl;
-        bowl.Setup(0.0f, -d.depth, d.radius, 0.0f);
-        for (int y = 0; y < 90; ++y)
-            for (int x = 0; x < 300; ++x) {
-                const float zp = depthBefore[y][x];
-                float expected = zp;
-                const auto reaches = [&](int p, float c) {
-                    return p >= static_cast<int>(static_cast<double>(c) - d.radius)
-                           && p <= static_cast<int>(static_cast<double>(c) + d.radius);
-                };
-                const bool inBox = reaches(x, d.cx) && reaches(y, d.cy);
-                if (coverageBefore[y][x] != 0 && inBox) {
-                    double sum = 0.0;
-                    for (int j = 0; j < 4; ++j)
-                        for (int i = 0; i < 4; ++i) {
-                            const double sx = x + (i + 0.5) * 0.25 - d.cx;
-                            const double sy = y + (j + 0.5) * 0.25 - d.cy;
-                            const float s2 = static_cast<float>(sx * sx + sy * sy);
-                            const double distance = std::sqrt(static_cast<double>(s2));
-                            const double radiusSquared = static_cast<double>(d.radius) * d.radius;
-                            sum += s2 < radiusSquared ? static_cast<float>(zp + bowl.Evaluate(distance)) : zp;
-                        }
-                    expected = static_cast<float>(sum * (1.0 / 16.0));
-                }
-                ASSERT_EQ(std::memcmp(&layer.depth[y][x], &expected, sizeof expected), 0)
-                    << "pixel (" << x << ", " << y << ") is " << layer.depth[y][x] << ", not " << expected;
-            }
-    }
 }
 
 // The sample keeps rows only over the pixels its shape can reach; drawn and
