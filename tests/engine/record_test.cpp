@@ -1,10 +1,8 @@
-// The material record: defaults, and the assignment rules hosts rely on when
-// they hand a record across the library boundary.
+// The material record's assignment rules, which hosts rely on when they hand
+// a record across the library boundary.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstring>
-#include <limits>
 
 #include <tamerisk/attribute.h>
 
@@ -20,29 +18,17 @@ FZAttributeEx Scribbled()
     return r;
 }
 
-bool SameBytes(const void* a, const void* b, std::size_t n = sizeof(FZAttributeEx))
-{
-    return std::memcmp(a, b, n) == 0;
-}
-
 } // namespace
 
-TEST(Record, CopyingTakesEveryByteIncludingPaddingAndHostileValues)
+// The padding is what a careless member-wise copy would drop.
+TEST(Record, CopyingTakesEveryByteIncludingPadding)
 {
-    // The padding is what a careless member-wise copy would drop; hostile
-    // values are copied as they stand.
-    FZAttributeEx hostile;
-    hostile.diffuse = std::numeric_limits<float>::quiet_NaN();
-    hostile.refractiveIndex = -std::numeric_limits<float>::infinity();
-    hostile.thickness = 3.0e38f;
-    hostile.anisotropy.waveCount = std::numeric_limits<std::int32_t>::min();
-    for (const FZAttributeEx& source : {Scribbled(), hostile}) {
-        FZAttributeEx assigned;
-        assigned = source;
-        EXPECT_TRUE(SameBytes(&assigned, &source));
-        const FZAttributeEx constructed(source);
-        EXPECT_TRUE(SameBytes(&constructed, &source));
-    }
+    const FZAttributeEx source = Scribbled();
+    FZAttributeEx assigned;
+    assigned = source;
+    EXPECT_EQ(std::memcmp(&assigned, &source, sizeof source), 0);
+    const FZAttributeEx constructed(source);
+    EXPECT_EQ(std::memcmp(&constructed, &source, sizeof source), 0);
 }
 
 TEST(Record, AssigningTheBasePartCopiesOnlyItsThirtySixBytes)
@@ -52,6 +38,6 @@ TEST(Record, AssigningTheBasePartCopiesOnlyItsThirtySixBytes)
     const FZAttributeEx defaults;
     static_cast<FZAttribute&>(target) = source;
     const auto* t = reinterpret_cast<const unsigned char*>(&target);
-    EXPECT_TRUE(SameBytes(t, &source, 36));
-    EXPECT_TRUE(SameBytes(t + 36, reinterpret_cast<const unsigned char*>(&defaults) + 36, 100));
+    EXPECT_EQ(std::memcmp(t, &source, 36), 0);
+    EXPECT_EQ(std::memcmp(t + 36, reinterpret_cast<const unsigned char*>(&defaults) + 36, 100), 0);
 }
