@@ -3,8 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <string>
 
 #include "scratch_dir.h"
 #include "attribute_bytes.h"
@@ -20,18 +19,13 @@ FZResult Load(const ByteVector& bytes, FZAttributeEx& record, int* version = nul
     return LoadAttributeBytes(bytes.data(), bytes.size(), record, version);
 }
 
-ByteVector ReadAll(const fs::path& p)
-{
-    std::ifstream in(p, std::ios::binary);
-    return ByteVector(std::istreambuf_iterator<char>(in), {});
-}
-
 class AttributeFileTest : public ::testing::Test {
 protected:
     ByteVector Saved(const FZAttributeEx& r)
     {
         EXPECT_EQ(SaveAttributeFile(target.c_str(), r), FZResult::Ok);
-        return ReadAll(target);
+        const std::string bytes = ReadAll(target);
+        return ByteVector(bytes.begin(), bytes.end());
     }
 
     ScratchDirectory scratch{"tamerisk-qva"};

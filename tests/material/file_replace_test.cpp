@@ -39,24 +39,11 @@ std::string Attribute(const fs::path& p, const char* name)
     return n < 0 ? std::string("(none)") : std::string(value, static_cast<std::size_t>(n));
 }
 
-// An access list that also lets user 1234 read: version 2, then entries of
-// tag, permissions and id (owner, user 1234, group, mask, others).
-std::string AccessListBytes()
-{
-    std::string acl;
-    auto add = [&acl](std::uint32_t v, int bytes) {
-        for (int i = 0; i < bytes; ++i)
-            acl += static_cast<char>((v >> (8 * i)) & 0xFF);
-    };
-    add(2, 4);
-    const std::uint32_t entries[][3] = {{1, 6, ~0u}, {2, 4, 1234}, {4, 4, ~0u}, {0x10, 4, ~0u}, {0x20, 0, ~0u}};
-    for (const auto& e : entries) {
-        add(e[0], 2);
-        add(e[1], 2);
-        add(e[2], 4);
-    }
-    return acl;
-}
+// An access list that also lets user 1234 read: version 2, then the tag,
+// permissions and id of the owner, user 1234, the group, the mask and others.
+const std::string kAccessList("\2\0\0\0" "\1\0\6\0\xff\xff\xff\xff" "\2\0\4\0\xd2\x04\0\0"
+                              "\4\0\4\0\xff\xff\xff\xff" "\x10\0\4\0\xff\xff\xff\xff"
+                              "\x20\0\0\0\xff\xff\xff\xff", 44);
 
 std::size_t Entries(const fs::path& dir)
 {
@@ -76,9 +63,8 @@ protected:
 TEST_F(FileReplaceTest, TheNewFileKeepsOwnerModeAttributesAndHardLinks)
 {
     ASSERT_TRUE(Replace(target, "old"));
-    const std::string acl = AccessListBytes();
     if (::setxattr(target.c_str(), "user.tamerisk", "kept", 4, 0) != 0
-        || ::setxattr(target.c_str(), "system.posix_acl_access", acl.data(), acl.size(), 0) != 0)
+        || ::setxattr(target.c_str(), "system.posix_acl_access", kAccessList.data(), kAccessList.size(), 0) != 0)
         GTEST_SKIP() << "no extended attributes here: " << std::strerror(errno);
     ::chmod(target.c_str(), 0640);
     const bool root = ::geteuid() == 0;

@@ -51,9 +51,7 @@ std::vector<Frame> Frames()
 
 std::string Key(const Frame& f)
 {
-    std::ostringstream key;
-    key << f.name << ' ' << f.shape << ' ' << f.w << 'x' << f.h;
-    return key.str();
+    return f.name + ' ' + std::to_string(f.shape) + ' ' + std::to_string(f.w) + 'x' + std::to_string(f.h);
 }
 
 std::uint64_t Fnv1a(const std::uint8_t* bytes, std::size_t n)
