@@ -39,8 +39,6 @@ foreach(project host:${SOURCE_DIR}/tests/install minimal_host:${SOURCE_DIR}/exam
 endforeach()
 run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen TAMERISK_SETTINGS_DIR=${WORK_DIR}
     ${WORK_DIR}/host/host)
-run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen TAMERISK_SETTINGS_DIR=${WORK_DIR}
-    ${WORK_DIR}/host/two_editors)
 
 # The installed demo host finds the installed library by itself.
 run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen TAMERISK_SETTINGS_DIR=${WORK_DIR}
