@@ -48,22 +48,13 @@ enum class Destroy { Close, OpenAgain, Delete };
 
 using Case = std::tuple<ModalWindow, Answer, Destroy>;
 
-CDlgAttribute* NewestEditor(const QWidgetList& before)
-{
-    for (QWidget* w : QApplication::topLevelWidgets()) {
-        if (auto* editor = qobject_cast<CDlgAttribute*>(w); editor && !before.contains(w))
-            return editor;
-    }
-    return nullptr;
-}
-
 // The C functions' editor, or one the test owns as a host does; neither
 // has a notify window, so that "更新" has its message box.
 CDlgAttribute* OpenEditor(Destroy destroy)
 {
     const QWidgetList before = QApplication::topLevelWidgets();
     if (destroy != Destroy::Delete)
-        return Tamerisk_Open(nullptr, 0) == 1 ? NewestEditor(before) : nullptr;
+        return Tamerisk_Open(nullptr, 0) == 1 ? EditorBesides(before) : nullptr;
     auto* editor = new CDlgAttribute(static_cast<QWidget*>(nullptr));
     editor->Create();
     return editor;
@@ -154,7 +145,7 @@ TEST(ClosingDuringAModalWindow, WhileTheFileDialogAsksItsOwnQuestion)
     const QTemporaryDir directory;
     const QWidgetList before = QApplication::topLevelWidgets();
     ASSERT_EQ(Tamerisk_Open(nullptr, 0), 1);
-    const QPointer<CDlgAttribute> editor = NewestEditor(before);
+    const QPointer<CDlgAttribute> editor = EditorBesides(before);
     ASSERT_TRUE(editor);
     const ModalAnswer<QFileDialog> files(
         [&](QFileDialog* dialog) { AnswerFileDialog(dialog, directory.filePath("missing.qva")); });

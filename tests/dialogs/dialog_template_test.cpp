@@ -1,15 +1,12 @@
 // The dialog platform layer: units, building from tables, the slider
-// bitmaps, the scroll stepping rule and radio buttons.
+// bitmaps and radio buttons.
 #include <QDialog>
 #include <QLabel>
 #include <QRadioButton>
-#include <QScrollBar>
-#include <QSpinBox>
 #include <gtest/gtest.h>
 
 #include "dialogs/dialog_template.h"
 #include "dialogs/templates.h"
-#include "engine/display/canvas.h"
 
 namespace {
 
@@ -27,11 +24,6 @@ TEST(DialogUnits, MulDivAndTheDialogFont)
     EXPECT_EQ(font.pixelSize(), 12);
     EXPECT_TRUE(font.families().contains("IPAPGothic"));  // the free face drawn alike
     const DialogBaseUnits units = DialogBaseUnits::FromFont(font);
-    const QFontMetrics metrics(font);
-    const int letters = metrics.horizontalAdvance(
-        QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"));
-    EXPECT_EQ(units.cx, (letters / 26 + 1) / 2);
-    EXPECT_EQ(units.cy, metrics.height());
     EXPECT_EQ(units.ToPixels(4, 8, 8, 16), QRect(units.cx, units.cy, 2 * units.cx, 2 * units.cy));
     EXPECT_EQ(JapaneseFont("ＭＳ ゴシック", 0).pixelSize(), 1);
 }
@@ -59,28 +51,6 @@ TEST(BuildDialog, BitmapsForBothDensitiesAndClearableRadioButtons)
     EXPECT_FALSE(wavy->isChecked());
     SetButtonChecked(spiral, false);
     EXPECT_FALSE(spiral->isChecked());
-}
-
-TEST(ScrollRule, StepsOfOneAndTwoAndTheThumbHandedOverUnheld)
-{
-    using A = QAbstractSlider;
-    const struct {
-        int action, position, thumb, expected;
-    } cases[] = {{A::SliderSingleStepSub, 10, 99, 9}, {A::SliderSingleStepAdd, 10, 99, 11},
-                 {A::SliderPageStepSub, 10, 99, 8},   {A::SliderPageStepAdd, 10, 99, 12},
-                 {A::SliderMove, 10, 37, 37},         {A::SliderToMinimum, 10, 0, 10}};
-    for (const auto& c : cases)
-        EXPECT_EQ(ScrollPositionAfter(c.action, c.position, c.thumb), c.expected) << c.action;
-
-    QScrollBar bar(Qt::Horizontal);
-    bar.setRange(0, 20);
-    bar.setValue(20);
-    std::vector<int> seen;
-    ConnectHScroll(&bar, [&](QScrollBar* b, int p) { seen.insert(seen.end(), {p, b->value()}); });
-    bar.triggerAction(QAbstractSlider::SliderSingleStepAdd);
-    bar.triggerAction(QAbstractSlider::SliderPageStepSub);
-    bar.setSliderPosition(5);  // a drag
-    EXPECT_EQ(seen, (std::vector<int>{21, 20, 18, 18, 5, 5}));
 }
 
 } // namespace

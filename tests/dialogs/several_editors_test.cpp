@@ -1,7 +1,6 @@
 // Several editors in one host: the ones it owns and the one of the C
 // functions work side by side, each on its own material, and share only the
 // window placement the settings file remembers.
-#include <algorithm>
 #include <memory>
 
 #include <QAbstractButton>
@@ -19,23 +18,6 @@
 namespace {
 
 constexpr auto kNotify = static_cast<QEvent::Type>(QEvent::User + 44);
-
-FZAttributeEx Record(const CDlgAttribute& editor)
-{
-    FZAttributeEx a;
-    editor.GetAttribute(a);
-    return a;
-}
-
-// The editor that is none of the known ones: the C functions' editor.
-CDlgAttribute* OtherEditor(std::initializer_list<const QWidget*> known)
-{
-    for (QWidget* w : QApplication::topLevelWidgets()) {
-        if (auto* editor = qobject_cast<CDlgAttribute*>(w); editor && std::find(known.begin(), known.end(), w) == known.end())
-            return editor;
-    }
-    return nullptr;
-}
 
 TEST(SeveralEditors, EachKeepsItsOwnMaterialHistoryColourBindAndNotifyWindow)
 {
@@ -57,11 +39,11 @@ TEST(SeveralEditors, EachKeepsItsOwnMaterialHistoryColourBindAndNotifyWindow)
 
     DlgItem<QScrollBar>(a.get(), kIdDiffuse)->setSliderPosition(16);
     DlgItem<QScrollBar>(b.get(), kIdAmbient)->setSliderPosition(64);
-    EXPECT_EQ(Record(*a).diffuse, 0.25f);
-    EXPECT_EQ(Record(*b).diffuse, blue.diffuse);
+    EXPECT_EQ(RecordOf(*a).diffuse, 0.25f);
+    EXPECT_EQ(RecordOf(*b).diffuse, blue.diffuse);
     a->actions().front()->trigger();  // undo in the first editor only
-    EXPECT_EQ(Record(*a).diffuse, red.diffuse);
-    EXPECT_EQ(Record(*b).ambient, 1.0f);
+    EXPECT_EQ(RecordOf(*a).diffuse, red.diffuse);
+    EXPECT_EQ(RecordOf(*b).ambient, 1.0f);
 
     a->SetColorBind(1);
     a->UpdatePanelView();
@@ -77,7 +59,7 @@ TEST(SeveralEditors, EachKeepsItsOwnMaterialHistoryColourBindAndNotifyWindow)
     // Destroying one leaves the others working.
     a.reset();
     DlgItem<QScrollBar>(b.get(), kIdRed)->setSliderPosition(64);
-    EXPECT_EQ(Record(*b).color.r, 255);
+    EXPECT_EQ(RecordOf(*b).color.r, 255);
     EXPECT_NE(frame(*b), blueFrame);
     FZAttributeEx back;
     Tamerisk_GetAttribute(&back);
@@ -95,8 +77,9 @@ TEST(SeveralEditors, OneRemembersThePlacementAndTheOthersOpenBesideIt)
     EXPECT_EQ(first->pos(), QPoint(100, 80));
     EXPECT_EQ(second->pos(), QPoint(132, 112));  // one step aside, not hidden under the first
     ASSERT_EQ(Tamerisk_Open(nullptr, 0), 1);  // the C functions' editor goes where it always went
-    ASSERT_NE(OtherEditor({first.get(), second.get()}), nullptr);
-    EXPECT_EQ(OtherEditor({first.get(), second.get()})->pos(), QPoint(100, 80));
+    const CDlgAttribute* other = EditorBesides({first.get(), second.get()});
+    ASSERT_NE(other, nullptr);
+    EXPECT_EQ(other->pos(), QPoint(100, 80));
 
     second->move(500, 400);
     second.reset();

@@ -7,6 +7,7 @@
 #include "dialogs/dlg_rainbow_highlight.h"
 #include "dialogs/dlg_transparency.h"
 #include "dialogs/templates.h"
+#include "support/dlg_attribute_access.h"
 #include "support/parameter_dialogs.h"
 
 namespace {
@@ -16,8 +17,24 @@ QString Tip(const QWidget* dialog, int id)
     return DlgItem<QScrollBar>(dialog, id)->toolTip();
 }
 
-TEST(ValueTips, ParameterSlidersNameTheValueTheyWrite)
+TEST(ValueTips, SlidersAndSwatchesShowTheValueTheyWrite)
 {
+    CDlgAttribute editor(nullptr);
+    ASSERT_TRUE(editor.Create());
+    FZAttributeEx a;
+    a.diffuse = 0.8f;
+    a.color.SetBytes(128, 0, 255);
+    a.refractiveIndex = 1.5f;
+    editor.SetAttribute(a);
+    editor.UpdatePanelView();
+    // Position 51 writes 51 / 64; the red slider at 32 writes the byte 127.
+    EXPECT_EQ(Tip(&editor, kIdDiffuse), QString::fromUtf8("拡散反射率 0.80"));
+    EXPECT_EQ(Tip(&editor, kIdRed), QString::fromUtf8("赤 127"));
+    EXPECT_EQ(Tip(&editor, kIdRefractiveIndex), QString::fromUtf8("屈折率 1.50"));
+    DlgItem<QScrollBar>(&editor, kIdSpread)->setSliderPosition(64);  // dragged to the right end
+    EXPECT_EQ(Tip(&editor, kIdSpread), QString::fromUtf8("広がり 1.00"));
+    EXPECT_EQ(GetDlgItem(&editor, kIdColorSwatch)->toolTip(), QStringLiteral("RGB 128, 0, 255"));
+
     FZAttributeEx record;
     record.incidenceDependence = 0.5f;
     const auto transparency = OpenParameterDialog<CDlgTransparency>(record);

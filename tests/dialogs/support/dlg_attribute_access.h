@@ -21,6 +21,24 @@ struct NotifyCounter : QWidget {
     int notifications = 0;
 };
 
+inline FZAttributeEx RecordOf(const CDlgAttribute& editor)
+{
+    FZAttributeEx record;
+    editor.GetAttribute(record);
+    return record;
+}
+
+// The editor among the top-level windows that is none of `known`: the one
+// the C functions opened.
+inline CDlgAttribute* EditorBesides(const QWidgetList& known)
+{
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+        if (auto* editor = qobject_cast<CDlgAttribute*>(w); editor && !known.contains(w))
+            return editor;
+    }
+    return nullptr;
+}
+
 // Runs `answer` on the next modal window or pop-up menu of type T that opens
 // while it lives (polling every few milliseconds), so that a test can drive
 // a handler that blocks in exec(). Seen() tells whether one came.
