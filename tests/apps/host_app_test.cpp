@@ -1,9 +1,7 @@
-// The demo host's own reader of attribute files agrees with the library's,
-// and the program runs offscreen to write a picture.
+// The demo host's own reader of attribute files agrees with the library's.
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <QImage>
 #include <QTemporaryDir>
 
 #include "attribute_bytes.h"
@@ -40,14 +38,4 @@ TEST(HostAppReader, AgreesWithTheLibraryOnEveryVersion)
     const ByteVector v10 = HandBuiltFile(DistinctiveMaterial(2), 10);
     EXPECT_TRUE(ReadQvaFile(Written(dir, Bytes(v10).chopped(1)), material).contains("ends inside the material"));
     EXPECT_EQ(material.diffuse, FZAttributeEx().diffuse);
-}
-
-TEST(HostApp, WritesAPictureOfTheEditorOffscreen)
-{
-    const QTemporaryDir dir;
-    const QString picture = dir.filePath("editor.png");
-    const QString material = Written(dir, Bytes(HandBuiltFile(DistinctiveMaterial(1), 10)));
-    const ToolRun run = RunTool("tamerisk-host", {"--open", material, "--screenshot", picture}, {}, dir.path());
-    ASSERT_EQ(run.exitCode, 0) << run.err.constData();
-    EXPECT_GT(QImage(picture).width(), 100);
 }

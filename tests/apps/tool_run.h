@@ -19,6 +19,25 @@ struct ToolRun {
     QString FirstErrorLine() const { return QString::fromUtf8(err.left(err.indexOf('\n'))); }
 };
 
+// The tools run offscreen; $QVA and $RENDER name them for shell lines.
+inline QProcessEnvironment ToolEnvironment()
+{
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("QT_QPA_PLATFORM", "offscreen");
+    env.insert("QVA", TAMERISK_BIN_DIR "/tamerisk-qva");
+    env.insert("RENDER", TAMERISK_BIN_DIR "/tamerisk-render");
+    return env;
+}
+
+// Waits for a started process as long as a tool may take.
+inline ToolRun Finish(QProcess& process)
+{
+    process.closeWriteChannel();
+    if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
 // tool is a program in the build's bin directory. settingsDirectory keeps
 // its settings away from the user's; past fileSizeLimit bytes (when not
 // negative) every write fails, as on a full disk.
@@ -26,8 +45,7 @@ inline ToolRun RunTool(const char* tool, const QStringList& args, const QByteArr
                        const QString& settingsDirectory = {}, long fileSizeLimit = -1)
 {
     QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("QT_QPA_PLATFORM", "offscreen");
+    QProcessEnvironment env = ToolEnvironment();
     if (!settingsDirectory.isEmpty())
         env.insert("TAMERISK_SETTINGS_DIR", settingsDirectory);
     process.setProcessEnvironment(env);
@@ -39,30 +57,18 @@ inline ToolRun RunTool(const char* tool, const QStringList& args, const QByteArr
     }
     process.start(QStringLiteral(TAMERISK_BIN_DIR "/") + QLatin1String(tool), args);
     process.write(input);
-    process.closeWriteChannel();
-    ToolRun run;
-    if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
-        return run;
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    return Finish(process);
 }
 
-// A shell line run in directory, $QVA and $RENDER being the tools: file
-// names that are not UTF-8, which QProcess cannot pass, and redirections
-// need the shell.
+// A shell line run in directory: file names that are not UTF-8, which
+// QProcess cannot pass, and redirections need the shell.
 inline ToolRun RunShell(const QString& line, const QString& directory)
 {
     QProcess shell;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("QT_QPA_PLATFORM", "offscreen");
-    env.insert("QVA", TAMERISK_BIN_DIR "/tamerisk-qva");
-    env.insert("RENDER", TAMERISK_BIN_DIR "/tamerisk-render");
-    shell.setProcessEnvironment(env);
+    shell.setProcessEnvironment(ToolEnvironment());
     shell.setWorkingDirectory(directory);
     shell.start("/bin/sh", {"-c", line});
-    shell.closeWriteChannel();
-    if (!shell.waitForFinished(120000) || shell.exitStatus() != QProcess::NormalExit)
-        return {};
-    return {shell.exitCode(), shell.readAllStandardOutput(), shell.readAllStandardError()};
+    return Finish(shell);
 }
 
 // A temporary directory removed with everything in it, names that are not
