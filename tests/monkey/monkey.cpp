@@ -1,25 +1,19 @@
 // A seeded monkey: a host that opens the editor and then, step after step,
 // clicks, types, turns the wheel, drags and resizes wherever a user could
-// reach (the editor, its parameter dialogs, colour pickers, menus and
-// message boxes, the large preview), and calls the host functions with odd
-// records at any moment. It passes when nothing crashed (./test.sh runs it
-// under AddressSanitizer).
+// reach, and calls the host functions with odd records at any moment. It
+// passes when nothing crashed (./test.sh runs it under AddressSanitizer).
 //
 //   monkey [--seed N] [--steps N] [--no-close-in-modal]
 //
-// Every run prints its seed; TAMERISK_MONKEY_SEED=N (or --seed N) with the
-// same step count makes the same choices (frames from the render thread can
-// still make a replay take another turn). The steps run from a zero-time timer, so a
-// modal window's nested loop keeps the monkey going inside it, and the host
-// closes or reopens the editor there too; --no-close-in-modal (or
-// TAMERISK_MONKEY_CLOSE_IN_MODAL=0) leaves that out.
+// TAMERISK_MONKEY_SEED=N (or --seed N) with the same step count replays a
+// run's choices. The steps run from a zero-time timer, so they go on inside
+// a modal window's nested loop, where the host also closes or reopens the
+// editor unless --no-close-in-modal is given.
 #include <array>
 #include <climits>
-#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
 #include <map>
 #include <random>
 #include <string>
@@ -162,9 +156,8 @@ private:
         // Each action with its weight out of 100.
         using Action = void (Monkey::*)(QWidget*);
         static constexpr std::pair<int, Action> kActions[] = {
-            {20, &Monkey::HostCallOver}, {30, &Monkey::Click}, {18, &Monkey::Key}, {8, &Monkey::Wheel},
-            {10, &Monkey::Drag},         {5, &Monkey::DoubleClick}, {5, &Monkey::Resize},
-            {4, &Monkey::PutOnClipboard}};
+            {20, &Monkey::HostCallOver}, {40, &Monkey::Press},  {18, &Monkey::Key},    {8, &Monkey::Wheel},
+            {5, &Monkey::DoubleClick},   {5, &Monkey::Resize}, {4, &Monkey::PutOnClipboard}};
         int roll = Uniform(0, 99);
         for (const auto& [weight, action] : kActions) {
             if ((roll -= weight) < 0)
@@ -174,18 +167,20 @@ private:
 
     // --- what a user does -------------------------------------------------
 
-    void Click(QWidget* window)
+    // A click, or a drag (a slider's thumb follows it). Each event only to
+    // a widget still there: the press may open a modal window in which the
+    // host closes the editor.
+    void Press(QWidget* window)
     {
         static constexpr std::array kButtons{Qt::LeftButton, Qt::LeftButton, Qt::LeftButton, Qt::RightButton,
                                              Qt::MiddleButton};
-        // Press and release apart: the press may open a modal window in
-        // which the host closes the editor, and the release then has no
-        // widget to go to.
         QPointer<QWidget> target = Target(window);
         const Qt::MouseButton button = Pick(kButtons);
         const Qt::KeyboardModifiers modifiers = Modifiers();
-        const QPoint at = RandomPoint(target);
+        QPoint at = RandomPoint(target);
         QTest::mousePress(target, button, modifiers, at);
+        for (int moves = Chance(4) ? Uniform(1, 6) : 0; moves > 0 && target != nullptr; --moves)
+            QTest::mouseMove(target, at = RandomPoint(target));
         if (target != nullptr)
             QTest::mouseRelease(target, button, modifiers, at);
     }
@@ -235,17 +230,6 @@ private:
         QWheelEvent wheel(at, target->mapToGlobal(at), QPoint(), delta, Qt::NoButton, Modifiers(),
                           Qt::NoScrollPhase, false);
         QApplication::sendEvent(target, &wheel);
-    }
-
-    // A press, a few moves (a slider's thumb follows them) and a release.
-    void Drag(QWidget* window)
-    {
-        QPointer<QWidget> target = Target(window);
-        QTest::mousePress(target, Qt::LeftButton, {}, RandomPoint(target));
-        for (int move = Uniform(1, 6); move > 0 && target != nullptr; --move)
-            QTest::mouseMove(target, RandomPoint(target));
-        if (target != nullptr)
-            QTest::mouseRelease(target, Qt::LeftButton, {}, RandomPoint(target));
     }
 
     void Resize(QWidget* window)
@@ -359,7 +343,7 @@ private:
             if (w->isVisible() && w != &host && !w->isMinimized())
                 shown.push_back(w);
         }
-        return shown.empty() ? nullptr : shown[static_cast<std::size_t>(Uniform(0, static_cast<int>(shown.size()) - 1))];
+        return shown.empty() ? nullptr : Pick(shown);
     }
 
     // The window or one of its visible, enabled widgets; a button half of
@@ -375,8 +359,7 @@ private:
                     buttons.push_back(w);
             }
         }
-        const std::vector<QWidget*>& from = buttons.empty() || Chance(2) ? reachable : buttons;
-        return from[static_cast<std::size_t>(Uniform(0, static_cast<int>(from.size()) - 1))];
+        return Pick(buttons.empty() || Chance(2) ? reachable : buttons);
     }
 
     QPoint RandomPoint(const QWidget* widget)
@@ -395,10 +378,10 @@ private:
 
     int Uniform(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); }
     bool Chance(int oneIn) { return Uniform(1, oneIn) == 1; }
-    template <typename T, std::size_t N>
-    T Pick(const std::array<T, N>& from)
+    template <typename List>
+    typename List::value_type Pick(const List& from)
     {
-        return from[static_cast<std::size_t>(Uniform(0, static_cast<int>(N) - 1))];
+        return from[static_cast<std::size_t>(Uniform(0, static_cast<int>(std::size(from)) - 1))];
     }
 
     QString RandomText(int length)
@@ -436,8 +419,6 @@ Options ReadOptions(int argc, char** argv)
         options.seed = std::strtoull(seed, nullptr, 10);
     else
         options.seed = (std::uint64_t{std::random_device{}()} << 32) | std::random_device{}();
-    if (const char* close = std::getenv("TAMERISK_MONKEY_CLOSE_IN_MODAL"); close != nullptr && *close != '\0')
-        options.closeInModal = std::string(close) != "0";
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         if (arg == "--seed" && i + 1 < argc)
@@ -465,9 +446,9 @@ void QuietPlatform(QtMsgType type, const QMessageLogContext& context, const QStr
 int main(int argc, char** argv)
 {
     const Options options = ReadOptions(argc, argv);
-    std::printf("monkey: seed %llu, %d steps (rerun: TAMERISK_MONKEY_SEED=%llu or --seed %llu)\n",
-                static_cast<unsigned long long>(options.seed), options.steps,
-                static_cast<unsigned long long>(options.seed), static_cast<unsigned long long>(options.seed));
+    const auto seed = static_cast<unsigned long long>(options.seed);
+    std::printf("monkey: seed %llu, %d steps (rerun: TAMERISK_MONKEY_SEED=%llu or --seed %llu)\n", seed,
+                options.steps, seed, seed);
     std::fflush(stdout);
 
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))

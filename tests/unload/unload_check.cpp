@@ -221,33 +221,21 @@ bool AnotherThread()
     return Unload(host.library) && kept;
 }
 
-// The editor's top-level window (the host's own is the other one).
-QWidget* EditorWindow(const QWidget& host)
-{
-    for (QWidget* w : QApplication::topLevelWidgets()) {
-        if (w != &host && w->findChild<QWidget*>(QStringLiteral("4000")) != nullptr
-            && w->objectName() != QLatin1String("tamerisk-large-preview"))
-            return w;
-    }
-    return nullptr;
-}
-
 // A double click on the editor's preview opens the large preview.
-QWidget* OpenLargePreview(const QWidget& host)
+QWidget* OpenLargePreview()
 {
-    QWidget* editor = EditorWindow(host);
-    if (editor == nullptr)
-        return nullptr;
-    const QWidget* preview = editor->findChild<QWidget*>(QStringLiteral("4000"));
-    const QPointF at = preview->mapTo(editor, preview->rect().center());
-    QMouseEvent click(QEvent::MouseButtonDblClick, at, editor->mapToGlobal(at), Qt::LeftButton,
-                      Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(editor, &click);
+    QWidget* preview = nullptr;
     for (QWidget* w : QApplication::topLevelWidgets()) {
-        if (w->objectName() == QLatin1String("tamerisk-large-preview") && w->isVisible())
-            return w;
+        if (w->inherits("CDlgAttribute"))
+            preview = w->findChild<QWidget*>(QStringLiteral("4000"));
     }
-    return nullptr;
+    if (preview == nullptr)
+        return nullptr;
+    const QPointF at = preview->rect().center();
+    QMouseEvent click(QEvent::MouseButtonDblClick, at, preview->mapToGlobal(at), Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    QApplication::sendEvent(preview, &click);
+    return preview->window()->findChild<QWidget*>(QStringLiteral("tamerisk-large-preview"));
 }
 
 // Close and unload while the large preview's thread is deep in a slow
@@ -257,8 +245,8 @@ bool CloseWhileTheLargePreviewRenders()
     RunningHost host;
     if (!host.ready)
         return false;
-    QWidget* large = OpenLargePreview(host.window);
-    if (!Check(large != nullptr, "a double click opens the large preview"))
+    QWidget* large = OpenLargePreview();
+    if (!Check(large != nullptr && large->isVisible(), "a double click opens the large preview"))
         return false;
     large->resize(1600, 1200);
     FZAttributeEx glowing;
