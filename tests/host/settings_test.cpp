@@ -23,15 +23,13 @@ void KeepWarning(QtMsgType type, const QMessageLogContext&, const QString& messa
 
 } // namespace
 
-TEST(SettingsFile, LiesInTheDirectoryOfTheExecutable)
+// Beside the executable, or in the user's configuration when that
+// directory cannot be written.
+TEST(SettingsFile, LiesInTheDirectoryOfTheExecutableOrTheUsersConfiguration)
 {
     EXPECT_EQ(SettingsFilePathFor("/opt/studio/bin/studio"), "/opt/studio/bin/Tamerisk.ini");
     EXPECT_EQ(SettingsFilePathFor("C:\\Studio\\studio.exe"), "C:\\Studio/Tamerisk.ini");
     EXPECT_EQ(SettingsFilePathFor("/studio"), QDir::currentPath() + "/Tamerisk.ini");
-}
-
-TEST(SettingsFile, GoesToTheUsersConfigurationWhenTheExecutablesDirectoryIsNotWritable)
-{
     const QTemporaryDir home;
     const bool hadConfig = qEnvironmentVariableIsSet("XDG_CONFIG_HOME");
     const QByteArray savedConfig = qgetenv("XDG_CONFIG_HOME");
