@@ -1,5 +1,6 @@
 #include "engine/shading/anisotropy.h"
 
+#include <algorithm>
 #include <array>
 #include <cfloat>
 #include <cmath>
@@ -127,19 +128,14 @@ void Unit(float a, float b, float g[2])
     }
 }
 
-// The direction across the groove at the point; (0, 0) where the pattern
-// has none.
-void GrooveDirection(const FZAnisotropy& p, const Offset& o, const FZPackedVector& normal, float g[2])
+// The direction across the groove at the point for the patterns other than
+// concentric circles (whose direction is the offset itself, taken over
+// lanes); (0, 0) where the pattern has none. (nx, ny): the normal's floats.
+void GrooveDirection(const FZAnisotropy& p, const Offset& o, float nx, float ny, float g[2])
 {
     g[0] = 0.0f;
     g[1] = 0.0f;
-    const auto x = [&normal] { return static_cast<float>(normal.Component(0)); };
-    const auto y = [&normal] { return static_cast<float>(normal.Component(1)); };
     switch (p.type) {
-    case 1:
-        g[0] = o.dx;
-        g[1] = o.dy;
-        break;
     case 2:
         WavyCircleDirection(p, o, g);
         break;
@@ -164,24 +160,22 @@ void GrooveDirection(const FZAnisotropy& p, const Offset& o, const FZPackedVecto
         g[o.dx >= o.dy ? 0 : 1] = 1.0f;
         break;
     case 20:
-        Unit(-y(), x(), g);
+        Unit(-ny, nx, g);
         break;
     case 21:
-        Unit(x(), y(), g);
+        Unit(nx, ny, g);
         break;
     default:
         break;
     }
 }
 
-// The coordinate across the grooves that the depth variation follows.
+// The coordinate across the grooves that the depth variation follows, for
+// the patterns other than circles and spirals (whose coordinate is the
+// distance from the centre, taken over lanes).
 float AcrossGroove(const FZAnisotropy& p, const Offset& o)
 {
     switch (p.type) {
-    case 1:
-    case 2:
-    case 3:
-        return o.r;
     case 4: {
         if (o.r == 0.0f)
             return 0.0f;
@@ -201,55 +195,132 @@ float AcrossGroove(const FZAnisotropy& p, const Offset& o)
     }
 }
 
-// The angle between +z and the normal (nx, ny, nz).
-void RotationAngle(float nx, float ny, float nz, double& sine, double& cosine)
+// Where the table lookup cannot take t as it is: below 0 (the table repeats
+// every 120 grooves) or beyond the int32 range, where truncation saturates.
+double WrappedNoiseCoordinate(double t)
 {
-    const double length = std::sqrt(static_cast<double>(nx) * nx + static_cast<double>(ny) * ny
-                                    + static_cast<double>(nz) * nz);
-    double gamma = 0.0;
-    if (!(length < 1e-10)) {
-        // The dot product with +z, zero products included.
-        double c = (0.0 * nx + 0.0 * ny + 1.0 * nz) / (1.0 * length);
-        c = c > 1.0 ? 1.0 : (c < -1.0 ? -1.0 : c);
-        gamma = std::acos(c);
+    float v = RaiseBySteps(static_cast<float>(t), 0.0f, static_cast<float>(kGrooveNoiseSize), false);
+    if (!(v < 2147483648.0f))
+        v = static_cast<float>(std::fmod(static_cast<double>(v), kGrooveNoiseSize));
+    return v;
+}
+
+// Replaces each across-groove coordinate w (a float) by the noise there for
+// grooves `width` pixels wide, interpolated linearly between neighbouring
+// entries of the table.
+template <int W>
+[[gnu::always_inline]] inline void GrooveNoise(float width, std::int32_t n, double (&w)[W])
+{
+    const double wide = PositiveOrSmallest(width);
+    for (std::int32_t k = 0; k < n; ++k) {
+        const double t = FZAsFloat(w[k] / wide);
+        w[k] = std::fabs(t) <= FLT_MAX ? t : 0.0;
     }
-    sine = std::sin(gamma);
-    cosine = std::cos(gamma);
+    for (std::int32_t k = 0; k < n; ++k)
+        if (!(w[k] >= 0.0 && w[k] < 2147483648.0))
+            w[k] = WrappedNoiseCoordinate(w[k]);
+    const double* table = GrooveNoiseTable();
+    for (std::int32_t k = 0; k < n; ++k) {
+        // i % 120 in doubles: i / 120 is never within rounding of an integer
+        // it does not reach.
+        const double i = std::trunc(w[k]);
+        const double u = FZAsFloat(i - kGrooveNoiseSize * std::trunc(i / kGrooveNoiseSize) + (w[k] - i) - 0.5);
+        // u is in [-0.5, 119.5): between the last entry and the first below 0.
+        const bool wraps = u < 0.0;
+        const double i0 = wraps ? kGrooveNoiseSize - 1.0 : FZMin(std::trunc(u), kGrooveNoiseSize - 1.0);
+        const double i1 = wraps || i0 == kGrooveNoiseSize - 1.0 ? 0.0 : i0 + 1.0;
+        const double a = FZAsFloat(wraps ? 1.0 + u : u - i0);
+        const double t0 = table[static_cast<std::int32_t>(i0)];
+        w[k] = FZAsFloat(t0 + (table[static_cast<std::int32_t>(i1)] - t0) * a);
+    }
+}
+
+// Straight grooves also vary along their length, every 40 pixels: the
+// noise n at offset (dx, dy) from the centre.
+double AlongStraightGroove(const FZAnisotropy& p, double n, double dx, double dy)
+{
+    const double alpha = Radians(-static_cast<double>(p.angle));
+    float s = static_cast<float>((dx * std::cos(alpha) - dy * std::sin(alpha)) / 40.0 + n);
+    s = RaiseBySteps(s, 0.0f, 1.0f, false);
+    s = static_cast<float>(static_cast<double>(s) - std::trunc(static_cast<double>(s)));
+    return static_cast<float>(s < 0.5f ? n * (1.0 - s) : n * s);
+}
+
+// The lanes' offsets from the pattern centre and distances from it (floats).
+template <int W>
+struct OffsetLanes {
+    double dx[W], dy[W], r[W];
+
+    Offset At(const FZFacetLanes<W>& l, std::int32_t k) const
+    {
+        const auto f = [](double v) { return static_cast<float>(v); };
+        return {f(l.px[k]), f(l.py[k]), f(dx[k]), f(dy[k]), f(r[k])};
+    }
+};
+
+// The groove depth of each lane for its noise, with the record's depth
+// variation.
+template <int W>
+[[gnu::always_inline]] inline void VariedGrooveDepth(const FZAnisotropy& p, const OffsetLanes<W>& o, std::int32_t n,
+                                                     double (&noise)[W], double* depth)
+{
+    double scale = 1.0;
+    if (p.type == 4) {
+        for (std::int32_t k = 0; k < n; ++k)
+            noise[k] = AlongStraightGroove(p, noise[k], o.dx[k], o.dy[k]);
+        scale = 2.0;
+    }
+    const double width = PositiveOrSmallest(p.grooveWidth);
+    const double variation = static_cast<double>(p.grooveDepth) * 0.25 * p.depthVariation;
+    for (std::int32_t k = 0; k < n; ++k)
+        depth[k] = FZAsFloat(p.grooveDepth + FZAsFloat(variation * noise[k] * width * scale));
+}
+
+// What the facets of each lane's point are made from: the direction across
+// the groove and the groove depth (at least 1e-6). The lanes' points and
+// normals are given; the record has some depth (FZGrooved).
+template <int W>
+[[gnu::always_inline]] inline void GroovePoints(const FZAnisotropy& p, const float centre[3], FZFacetLanes<W>& l,
+                                                std::int32_t n)
+{
+    OffsetLanes<W> o;
+    for (std::int32_t k = 0; k < n; ++k) {
+        o.dx[k] = FZAsFloat(l.px[k] - centre[0]);
+        o.dy[k] = FZAsFloat(l.py[k] - centre[1]);
+        o.r[k] = FZAsFloat(std::sqrt(o.dx[k] * o.dx[k] + o.dy[k] * o.dy[k]));
+        // Across concentric circles is the offset itself.
+        l.gx[k] = o.dx[k];
+        l.gy[k] = o.dy[k];
+        l.depth[k] = p.grooveDepth;
+    }
+    for (std::int32_t k = 0; k < n && p.type != 1; ++k) {
+        float g[2];
+        GrooveDirection(p, o.At(l, k), static_cast<float>(l.nx[k]), static_cast<float>(l.ny[k]), g);
+        l.gx[k] = g[0];
+        l.gy[k] = g[1];
+    }
+    if (p.depthVariation > 0.0f) {
+        // Circles and spirals vary with the distance from the centre.
+        double noise[W];
+        for (std::int32_t k = 0; k < n; ++k)
+            noise[k] = o.r[k];
+        for (std::int32_t k = 0; k < n && (p.type < 1 || p.type > 3); ++k)
+            noise[k] = AcrossGroove(p, o.At(l, k));
+        GrooveNoise<W>(p.grooveWidth, n, noise);
+        VariedGrooveDepth<W>(p, o, n, noise, l.depth);
+    }
+    // Grooves never get shallower than 1e-6: a varied depth below 0, and NaN
+    // from a wild record, as well.
+    for (std::int32_t k = 0; k < n; ++k)
+        l.depth[k] = l.depth[k] >= 1e-6 ? l.depth[k] : static_cast<double>(1e-6f);
 }
 
 } // namespace
 
-FZGroovePoint GroovePointAt(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
-                            const float centre[3])
-{
-    GrooveNoiseTable();
-    FZGroovePoint groove;
-    // A NaN depth counts as no groove at all.
-    if (!(params.grooveDepth > 1e-6))
-        return groove;
-    Offset o;
-    o.px = point[0];
-    o.py = point[1];
-    o.dx = static_cast<float>(static_cast<double>(point[0]) - centre[0]);
-    o.dy = static_cast<float>(static_cast<double>(point[1]) - centre[1]);
-    o.r = static_cast<float>(std::sqrt(static_cast<double>(o.dx) * o.dx + static_cast<double>(o.dy) * o.dy));
-
-    GrooveDirection(params, o, normal, groove.g);
-    float depth = params.grooveDepth;
-    if (params.depthVariation > 0.0f)
-        depth = VariedGrooveDepth(params, GrooveNoise(AcrossGroove(params, o), params.grooveWidth), o.dx, o.dy);
-    // Grooves never get shallower than 1e-6; NaN from a wild record as well.
-    if (!(depth >= 1e-6))
-        depth = 1e-6f;
-    groove.depth = depth;
-    groove.grooved = true;
-    return groove;
-}
-
 double MaxFacetTilt(const FZAnisotropy& p)
 {
     // Without depth both facets are the normal.
-    if (!(p.grooveDepth > 1e-6))
+    if (!FZGrooved(p))
         return 0.0;
     const auto tame = [](float v) { return std::fabs(v) <= 1e6f; };  // false for NaN
     if (!tame(p.grooveDepth) || !tame(p.grooveWidth) || !tame(p.amplitude) || !tame(p.spiralTwist)
@@ -271,82 +342,48 @@ void FillGrooveNoise(float table[kGrooveNoiseSize])
         table[i] = static_cast<float>(i % 2 == 0 ? generator.Between(0.0, 1.0) : generator.Between(-1.0, 0.0));
 }
 
-const float* GrooveNoiseTable()
+const double* GrooveNoiseTable()
 {
-    static const std::array<float, kGrooveNoiseSize> table = [] {
-        std::array<float, kGrooveNoiseSize> filled{};
-        FillGrooveNoise(filled.data());
+    static const std::array<double, kGrooveNoiseSize> table = [] {
+        float drawn[kGrooveNoiseSize];
+        FillGrooveNoise(drawn);
+        std::array<double, kGrooveNoiseSize> filled{};
+        std::copy(drawn, drawn + kGrooveNoiseSize, filled.begin());
         return filled;
     }();
     return table.data();
-}
-
-float GrooveNoise(float w, float width)
-{
-    float t = static_cast<float>(static_cast<double>(w) / PositiveOrSmallest(width));
-    if (!std::isfinite(t))
-        t = 0.0f;
-    t = RaiseBySteps(t, 0.0f, static_cast<float>(kGrooveNoiseSize), false);
-    // Beyond the int32 range truncation saturates; the table repeats anyway.
-    if (!(t < 2147483648.0f))
-        t = static_cast<float>(std::fmod(static_cast<double>(t), kGrooveNoiseSize));
-    const std::int32_t i = FZTruncate(t);
-    t = static_cast<float>((i % kGrooveNoiseSize) + (static_cast<double>(t) - i) - 0.5);
-
-    // t is now in [-0.5, 119.5): between the last entry and the first below 0.
-    std::int32_t i0 = kGrooveNoiseSize - 1;
-    std::int32_t i1 = 0;
-    float a = static_cast<float>(1.0 + t);
-    if (t >= 0.0f) {
-        i0 = FZTruncateClamped(t, 0, kGrooveNoiseSize - 1);
-        i1 = i0 + 1 == kGrooveNoiseSize ? 0 : i0 + 1;
-        a = static_cast<float>(static_cast<double>(t) - i0);
-    }
-    const float* table = GrooveNoiseTable();
-    return static_cast<float>(table[i0] + (static_cast<double>(table[i1]) - table[i0]) * a);
-}
-
-float VariedGrooveDepth(const FZAnisotropy& p, float noise, float dx, float dy)
-{
-    double n = noise;
-    double scale = 1.0;
-    if (p.type == 4) {
-        // Straight grooves also vary along their length, every 40 pixels.
-        const double alpha = Radians(-static_cast<double>(p.angle));
-        float s = static_cast<float>((dx * std::cos(alpha) - dy * std::sin(alpha)) / 40.0 + n);
-        s = RaiseBySteps(s, 0.0f, 1.0f, false);
-        s = static_cast<float>(static_cast<double>(s) - std::trunc(static_cast<double>(s)));
-        n = static_cast<float>(s < 0.5f ? n * (1.0 - s) : n * s);
-        scale = 2.0;
-    }
-    const float width = PositiveOrSmallest(p.grooveWidth);
-    const float delta = static_cast<float>(static_cast<double>(p.grooveDepth) * 0.25 * p.depthVariation * n
-                                           * width * scale);
-    const float depth = static_cast<float>(static_cast<double>(p.grooveDepth) + delta);
-    return depth < 0.0f ? 0.0f : depth;
 }
 
 void FZNormalAngle::Take(const FZPackedVector& n, const float floats[3])
 {
     if (valid && n.x == normal.x && n.y == normal.y && n.z == normal.z)
         return;
-    RotationAngle(floats[0], floats[1], floats[2], sine, cosine);
+    const double nx = floats[0], ny = floats[1], nz = floats[2];
+    const double length = std::sqrt(nx * nx + ny * ny + nz * nz);
+    double gamma = 0.0;
+    if (!(length < 1e-10)) {
+        // The dot product with +z, zero products included.
+        const double c = (0.0 * nx + 0.0 * ny + 1.0 * nz) / (1.0 * length);
+        gamma = std::acos(c > 1.0 ? 1.0 : (c < -1.0 ? -1.0 : c));
+    }
+    sine = std::sin(gamma);
+    cosine = std::cos(gamma);
     normal = n;
     valid = true;
 }
 
-TAMERISK_ROW_KERNEL void FZGrooveFacetsOfPiece(FZFacetLanes<kFZFacetPiece>& lanes, std::int32_t n)
+TAMERISK_ROW_KERNEL void FZGrooveFacetsOfPiece(const FZAnisotropy& params, const float centre[3],
+                                               FZFacetLanes<kFZFacetPiece>& lanes, std::int32_t n)
 {
+    GroovePoints(params, centre, lanes, n);
     FZGrooveFacets(lanes, n);
 }
 
 void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
                        const float centre[3], FZPackedVector& t1, FZPackedVector& t2, FZNormalAngle* memo)
 {
-    const FZGroovePoint groove = GroovePointAt(params, point, normal, centre);
-    if (!groove.grooved) {
-        t1 = normal;
-        t2 = normal;
+    if (!FZGrooved(params)) {
+        t1 = t2 = normal;
         return;
     }
     FZNormalAngle own;
@@ -357,8 +394,9 @@ void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const F
     if (!FZFacesUp(n))
         angle.Take(normal, n);
     FZFacetLanes<1> lane;
-    FZSetFacetLane(lane, 0, n, groove.g, groove.depth, angle);
+    FZSetFacetLane(lane, 0, point, n, angle);
+    GroovePoints(params, centre, lane, 1);
     FZGrooveFacets(lane, 1);
-    t1 = FZFacetOfLane(lane.t1);
-    t2 = FZFacetOfLane(lane.t2);
+    t1 = FZFacetOfLane(lane.t1, 0);
+    t2 = FZFacetOfLane(lane.t2, 0);
 }

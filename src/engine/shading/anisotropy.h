@@ -17,17 +17,11 @@ void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const F
                        const float centre[3], FZPackedVector& t1, FZPackedVector& t2,
                        FZNormalAngle* memo = nullptr);
 
-// What the facets at a point are made from: the direction across the
-// groove and the groove depth (at least 1e-6); not grooved where the
-// record's depth is too small for any groove (the facets are the normal).
-struct FZGroovePoint {
-    bool grooved = false;
-    float g[2] = {0.0f, 0.0f};
-    float depth = 0.0f;
-};
-
-FZGroovePoint GroovePointAt(const FZAnisotropy& params, const float point[3], const FZPackedVector& normal,
-                            const float centre[3]);
+// Whether the record's depth makes grooves (a NaN depth makes none).
+inline bool FZGrooved(const FZAnisotropy& params)
+{
+    return params.grooveDepth > 1e-6;
+}
 
 // The largest angle (radians) between the normal and a facet that
 // AnisotropicFacets can give for these parameters, the rounding of its
@@ -35,21 +29,14 @@ FZGroovePoint GroovePointAt(const FZAnisotropy& params, const float point[3], co
 // value so large or not finite that the groove direction may overflow).
 double MaxFacetTilt(const FZAnisotropy& params);
 
-// The 120 noise values; filled from the module generator at first use.
-// Call before any parallel shading so the first use happens on one thread.
-const float* GrooveNoiseTable();
+// The 120 noise values (floats); filled from the module generator at first
+// use. Call before any parallel shading so the first use happens on one
+// thread.
+const double* GrooveNoiseTable();
 
 // Constructs a generator object (which reseeds the module generator) and
 // draws 120 values into table: even entries in [0, 1), odd ones in [-1, 0),
 // so that neighbouring grooves tend to alternate deeper and shallower.
 void FillGrooveNoise(float table[kGrooveNoiseSize]);
-
-// The noise at across-groove coordinate w for grooves `width` pixels wide,
-// interpolated linearly between neighbouring entries of the table.
-float GrooveNoise(float w, float width);
-
-// The groove depth at offset (dx, dy) from the pattern centre for the
-// noise value n, with the record's depth variation; never negative.
-float VariedGrooveDepth(const FZAnisotropy& params, float noise, float dx, float dy);
 
 #endif

@@ -42,45 +42,41 @@ inline bool FZFacesUp(const float n[3])
 
 template <int W>
 struct FZFacetLanes {
+    // The point in layer pixels (floats).
+    double px[W], py[W];
     // The normal's floats, 1 where it faces +z within 1e-7 (no turning
     // there), and its angle to +z.
-    double nx[W];
-    double ny[W];
-    double nz[W];
-    double flat[W];
-    double sine[W];
-    double cosine[W];
-    // The direction across the groove and the groove depth (at least 1e-6).
-    double gx[W];
-    double gy[W];
-    double depth[W];
+    double nx[W], ny[W], nz[W], flat[W], sine[W], cosine[W];
+    // The direction across the groove and the groove depth (at least 1e-6),
+    // worked out from the point.
+    double gx[W], gy[W], depth[W];
     // Out: the packed facets.
-    std::int32_t t1[3][W];
-    std::int32_t t2[3][W];
+    std::int32_t t1[3][W], t2[3][W];
 };
 
-// Fills lane k for a grooved point with the normal's floats.
+// Fills lane k with a point and its normal's floats.
 template <int W>
-inline void FZSetFacetLane(FZFacetLanes<W>& l, std::int32_t k, const float n[3], const float g[2], float depth,
+inline void FZSetFacetLane(FZFacetLanes<W>& l, std::int32_t k, const float point[2], const float n[3],
                            const FZNormalAngle& angle)
 {
+    l.px[k] = point[0];
+    l.py[k] = point[1];
     l.nx[k] = n[0];
     l.ny[k] = n[1];
     l.nz[k] = n[2];
     l.flat[k] = FZFacesUp(n) ? 1.0 : 0.0;
     l.sine[k] = angle.sine;
     l.cosine[k] = angle.cosine;
-    l.gx[k] = g[0];
-    l.gy[k] = g[1];
-    l.depth[k] = depth;
 }
 
-inline FZPackedVector FZFacetOfLane(const std::int32_t (&t)[3][1])
+// The packed facet of lane k.
+template <int W>
+inline FZPackedVector FZFacetOfLane(const std::int32_t (&t)[3][W], std::int32_t k)
 {
     FZPackedVector v;
-    v.x = static_cast<std::int16_t>(t[0][0]);
-    v.y = static_cast<std::int16_t>(t[1][0]);
-    v.z = static_cast<std::int16_t>(t[2][0]);
+    v.x = static_cast<std::int16_t>(t[0][k]);
+    v.y = static_cast<std::int16_t>(t[1][k]);
+    v.z = static_cast<std::int16_t>(t[2][k]);
     return v;
 }
 
@@ -174,7 +170,10 @@ template <int W>
     }
 }
 
-// The rule over a piece of a row, as vector code.
-void FZGrooveFacetsOfPiece(FZFacetLanes<kFZFacetPiece>& lanes, std::int32_t n);
+// The facets of a piece of a row's points, with the groove pattern of the
+// record about the centre (the record has some depth: FZGrooved), as vector
+// code.
+void FZGrooveFacetsOfPiece(const FZAnisotropy& params, const float centre[3], FZFacetLanes<kFZFacetPiece>& lanes,
+                           std::int32_t n);
 
 #endif

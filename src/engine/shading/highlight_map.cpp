@@ -16,13 +16,11 @@ namespace {
 // are shaded again at every change of the material).
 class NormalAngleTable {
 public:
-    static constexpr std::int64_t kMaxPixels = 256 * 256;
-
     // Lends the table for a layer of w x h until Release; null when another
     // shading holds it, the layer is larger, or memory runs out.
     FZNormalAngle* Lend(std::int32_t w, std::int32_t h)
     {
-        if (std::int64_t{w} * h > kMaxPixels || !lock.try_lock())
+        if (std::int64_t{w} * h > 256 * 256 || !lock.try_lock())
             return nullptr;
         try {
             entries.resize(static_cast<std::size_t>(w) * static_cast<std::size_t>(h));
@@ -39,16 +37,11 @@ private:
     std::vector<FZNormalAngle> entries;
 };
 
-NormalAngleTable& NormalAngles()
-{
-    static NormalAngleTable table;
-    return table;
-}
+NormalAngleTable normalAngles;
 
-// Without grooves a light's term depends on
-// the normal's cosine to its half vector alone: the cosines of a piece of
-// the row come from a vector kernel, the power only where a term can be
-// above 0.
+// Without grooves a light's term depends on the normal's cosine to its half
+// vector alone: the cosines of a piece of the row come from a vector kernel,
+// the power only where a term can be above 0.
 void FillPlainHighlightRow(const ShadingPass& pass, std::int32_t y)
 {
     FZLayer& layer = pass.layer;
@@ -90,9 +83,10 @@ public:
             Visit(x);
         if (count_ == 0)
             return;
-        FZGrooveFacetsOfPiece(lanes_, count_);
+        FZGrooveFacetsOfPiece(layer_.material.anisotropy, pass_.highlights[0].centre, lanes_, count_);
         for (std::int32_t k = 0; k < count_; ++k)
-            layer_.highlight[y_][x_[k]] = Sum(layer_.normals[y_][x_[k]], Facet(lanes_.t1, k), Facet(lanes_.t2, k));
+            layer_.highlight[y_][x_[k]] = Sum(layer_.normals[y_][x_[k]], FZFacetOfLane(lanes_.t1, k),
+                                               FZFacetOfLane(lanes_.t2, k));
     }
 
 private:
@@ -113,10 +107,7 @@ private:
             out = 0.0f;
             return;
         }
-        const float point[3] = {static_cast<float>(x + 0.5), static_cast<float>(y_ + 0.5), layer_.depth[y_][x]};
-        const FZGroovePoint groove
-            = GroovePointAt(layer_.material.anisotropy, point, normal, pass_.highlights[0].centre);
-        if (!groove.grooved) {
+        if (!FZGrooved(layer_.material.anisotropy)) {
             out = Sum(normal, normal, normal);
             return;
         }
@@ -130,16 +121,8 @@ private:
             angle.Take(normal, n);
         const std::int32_t k = count_++;
         x_[k] = x;
-        FZSetFacetLane(lanes_, k, n, groove.g, groove.depth, angle);
-    }
-
-    static FZPackedVector Facet(const std::int32_t (&t)[3][kFZFacetPiece], std::int32_t k)
-    {
-        FZPackedVector v;
-        v.x = static_cast<std::int16_t>(t[0][k]);
-        v.y = static_cast<std::int16_t>(t[1][k]);
-        v.z = static_cast<std::int16_t>(t[2][k]);
-        return v;
+        const float point[2] = {static_cast<float>(x + 0.5), static_cast<float>(y_ + 0.5)};
+        FZSetFacetLane(lanes_, k, point, n, angle);
     }
 
     // The terms of all lights; a pixel within reach of some light is within
@@ -179,9 +162,9 @@ void FillHighlightMap(ShadingPass& pass)
         ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { FillPlainHighlightRow(pass, y); });
         return;
     }
-    pass.angles = NormalAngles().Lend(layer.width, layer.height);
+    pass.angles = normalAngles.Lend(layer.width, layer.height);
     ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { FillGroovedHighlightRow(pass, y); });
     if (pass.angles != nullptr)
-        NormalAngles().Release();
+        normalAngles.Release();
     pass.angles = nullptr;
 }

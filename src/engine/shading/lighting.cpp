@@ -168,11 +168,6 @@ void HighlightColor(const ShadingPass& pass, std::int32_t x, std::int32_t y, flo
         hc[c] = static_cast<float>(static_cast<double>(hc[c]) * tint[c]);
 }
 
-bool IsWhite(const std::uint8_t* p)
-{
-    return p[0] == 255 && p[1] == 255 && p[2] == 255;
-}
-
 // Pass 3: adds the highlight, held at most 1, in the highlight colour, the
 // pixels that take one gathered a piece at a time for the kernel.
 void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
@@ -197,7 +192,7 @@ void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
         if (coverage[x] == 0 || (!smooth && !(highlight[x] > 0.0f)))
             continue;
         const std::uint8_t* shaded = layer.ShadedAt(x, y);
-        if (pass.whiteStaysWhite && IsWhite(shaded))
+        if (pass.whiteStaysWhite && shaded[0] == 255 && shaded[1] == 255 && shaded[2] == 255)
             continue;
         float h = PixelHighlight(pass, x, y);
         if (h > 1.0f)
@@ -244,24 +239,10 @@ void ShadeFlatColours(const ShadingPass& pass)
     }
 }
 
-// The highlight map, while the highlight is worked out.
+// Clears the highlight map, which lives only while the layer is shaded.
 struct HighlightMap {
-    explicit HighlightMap(FZLayer& l) : layer(l) {}
-    ~HighlightMap() { layer.highlight.Clear(); }
-    HighlightMap(const HighlightMap&) = delete;
-    HighlightMap& operator=(const HighlightMap&) = delete;
-
-    FZResult Make()
-    {
-        try {
-            layer.highlight = FZRaster<float>(layer.coverage.Layout());
-        } catch (const std::bad_alloc&) {
-            return FZResult::OutOfMemory;
-        }
-        return FZResult::Ok;
-    }
-
     FZLayer& layer;
+    ~HighlightMap() { layer.highlight.Clear(); }
 };
 
 } // namespace
@@ -289,11 +270,13 @@ FZResult ShadeLayer(FZLayer& layer, const FZPackedVector& view, const FZLightLis
     const FZResult imageResult = EnsureShadedImage(layer);
     if (imageResult != FZResult::Ok)
         return imageResult;
-    // The map lives only while the layer is shaded.
-    HighlightMap map(layer);
-    if (highlight)
-        if (const FZResult made = map.Make(); made != FZResult::Ok)
-            return made;
+    const HighlightMap map{layer};
+    try {
+        if (highlight)
+            layer.highlight = FZRaster<float>(layer.coverage.Layout());
+    } catch (const std::bad_alloc&) {
+        return FZResult::OutOfMemory;
+    }
 
     ShadingPass pass{layer, view, lights};
     HoistLights(pass, highlight);
