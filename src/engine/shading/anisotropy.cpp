@@ -1,6 +1,5 @@
 #include "engine/shading/anisotropy.h"
 
-#include <algorithm>
 #include <array>
 #include <cfloat>
 #include <cmath>
@@ -10,6 +9,8 @@
 #include "engine/shading/facets.h"
 
 namespace {
+
+constexpr int kGrooveNoiseSize = 120;
 
 // Phase of the wave of type 5, an eighth of a turn.
 constexpr double kWavePhase = 0.78543975;
@@ -335,41 +336,33 @@ double MaxFacetTilt(const FZAnisotropy& p)
     return std::atan(depth * 1.00001);
 }
 
-void FillGrooveNoise(float table[kGrooveNoiseSize])
-{
-    FZRandom generator;
-    for (int i = 0; i < kGrooveNoiseSize; ++i)
-        table[i] = static_cast<float>(i % 2 == 0 ? generator.Between(0.0, 1.0) : generator.Between(-1.0, 0.0));
-}
-
 const double* GrooveNoiseTable()
 {
     static const std::array<double, kGrooveNoiseSize> table = [] {
-        float drawn[kGrooveNoiseSize];
-        FillGrooveNoise(drawn);
-        std::array<double, kGrooveNoiseSize> filled{};
-        std::copy(drawn, drawn + kGrooveNoiseSize, filled.begin());
-        return filled;
+        FZRandom generator;
+        std::array<double, kGrooveNoiseSize> drawn{};
+        for (int i = 0; i < kGrooveNoiseSize; ++i)
+            drawn[i] = static_cast<float>(i % 2 == 0 ? generator.Between(0.0, 1.0) : generator.Between(-1.0, 0.0));
+        return drawn;
     }();
     return table.data();
 }
 
-void FZNormalAngle::Take(const FZPackedVector& n, const float floats[3])
+void FZNormalAngle::Take(const FZPackedVector& n, double toZ)
 {
     if (valid && n.x == normal.x && n.y == normal.y && n.z == normal.z)
         return;
-    const double nx = floats[0], ny = floats[1], nz = floats[2];
-    const double length = std::sqrt(nx * nx + ny * ny + nz * nz);
-    double gamma = 0.0;
-    if (!(length < 1e-10)) {
-        // The dot product with +z, zero products included.
-        const double c = (0.0 * nx + 0.0 * ny + 1.0 * nz) / (1.0 * length);
-        gamma = std::acos(c > 1.0 ? 1.0 : (c < -1.0 ? -1.0 : c));
-    }
+    // acos(1) is 0: no length, no turn.
+    const double gamma = std::acos(toZ);
     sine = std::sin(gamma);
     cosine = std::cos(gamma);
     normal = n;
     valid = true;
+}
+
+TAMERISK_ROW_KERNEL void FZFacetNormalsOfPiece(FZFacetLanes<kFZFacetPiece>& lanes, std::int32_t n)
+{
+    FZFacetNormals(lanes, n);
 }
 
 TAMERISK_ROW_KERNEL void FZGrooveFacetsOfPiece(const FZAnisotropy& params, const float centre[3],
@@ -387,14 +380,10 @@ void AnisotropicFacets(const FZAnisotropy& params, const float point[3], const F
         return;
     }
     FZNormalAngle own;
-    FZNormalAngle& angle = memo != nullptr ? *memo : own;
-    float n[3];
-    normal.GetFloats(n);
-    // Flat parts are not turned: they need no angle.
-    if (!FZFacesUp(n))
-        angle.Take(normal, n);
     FZFacetLanes<1> lane;
-    FZSetFacetLane(lane, 0, point, n, angle);
+    FZSetFacetLane(lane, 0, point, normal);
+    FZFacetNormals(lane, 1);
+    FZTakeFacetAngle(lane, 0, normal, memo != nullptr ? *memo : own);
     GroovePoints(params, centre, lane, 1);
     FZGrooveFacets(lane, 1);
     t1 = FZFacetOfLane(lane.t1, 0);

@@ -6,8 +6,6 @@
 #include <tamerisk/attribute.h>
 
 
-inline constexpr int kGrooveNoiseSize = 120;
-
 struct FZNormalAngle;
 
 // Facet normals T1, T2 at the layer point (point[0], point[1]; point[2] is
@@ -29,14 +27,12 @@ inline bool FZGrooved(const FZAnisotropy& params)
 // value so large or not finite that the groove direction may overflow).
 double MaxFacetTilt(const FZAnisotropy& params);
 
-// The 120 noise values (floats); filled from the module generator at first
-// use. Call before any parallel shading so the first use happens on one
-// thread.
+// The 120 noise values (floats): even entries in [0, 1), odd ones in
+// [-1, 0), so that neighbouring grooves tend to alternate deeper and
+// shallower. Drawn at first use by a generator object, which reseeds the
+// module generator: call before any parallel shading so that the first use
+// happens on one thread.
 const double* GrooveNoiseTable();
 
-// Constructs a generator object (which reseeds the module generator) and
-// draws 120 values into table: even entries in [0, 1), odd ones in [-1, 0),
-// so that neighbouring grooves tend to alternate deeper and shallower.
-void FillGrooveNoise(float table[kGrooveNoiseSize]);
 
 #endif

@@ -28,25 +28,19 @@ struct FZNormalAngle {
     double sine = 0.0;
     double cosine = 1.0;
 
-    // Makes this the angle of n (whose floats are given), worked out again
-    // only for another normal.
-    void Take(const FZPackedVector& n, const float floats[3]);
+    // Makes this the angle of n, whose cosine to +z is given, worked out
+    // again only for another normal.
+    void Take(const FZPackedVector& n, double toZ);
 };
-
-// Whether a normal (its floats) faces +z within 1e-7: a flat part, where
-// the facets are not turned.
-inline bool FZFacesUp(const float n[3])
-{
-    return n[2] > 0.9999999;
-}
 
 template <int W>
 struct FZFacetLanes {
     // The point in layer pixels (floats).
     double px[W], py[W];
-    // The normal's floats, 1 where it faces +z within 1e-7 (no turning
-    // there), and its angle to +z.
-    double nx[W], ny[W], nz[W], flat[W], sine[W], cosine[W];
+    // The normal (packed, then its floats), 1 where it faces +z within 1e-7
+    // (no turning there), its cosine to +z (held within [-1, 1], 1 for no
+    // length) and its angle to +z.
+    double nx[W], ny[W], nz[W], flat[W], toZ[W], sine[W], cosine[W];
     // The direction across the groove and the groove depth (at least 1e-6),
     // worked out from the point.
     double gx[W], gy[W], depth[W];
@@ -54,19 +48,46 @@ struct FZFacetLanes {
     std::int32_t t1[3][W], t2[3][W];
 };
 
-// Fills lane k with a point and its normal's floats.
+// Fills lane k with a point and its normal.
 template <int W>
-inline void FZSetFacetLane(FZFacetLanes<W>& l, std::int32_t k, const float point[2], const float n[3],
-                           const FZNormalAngle& angle)
+inline void FZSetFacetLane(FZFacetLanes<W>& l, std::int32_t k, const float point[2], const FZPackedVector& normal)
 {
     l.px[k] = point[0];
     l.py[k] = point[1];
-    l.nx[k] = n[0];
-    l.ny[k] = n[1];
-    l.nz[k] = n[2];
-    l.flat[k] = FZFacesUp(n) ? 1.0 : 0.0;
-    l.sine[k] = angle.sine;
-    l.cosine[k] = angle.cosine;
+    l.nx[k] = normal.x;
+    l.ny[k] = normal.y;
+    l.nz[k] = normal.z;
+}
+
+// The normal's floats, whether it is flat and its cosine to +z, for the
+// first n lanes.
+template <int W>
+[[gnu::always_inline]] inline void FZFacetNormals(FZFacetLanes<W>& l, std::int32_t n)
+{
+    for (std::int32_t k = 0; k < n; ++k) {
+        const double nx = FZAsFloat(l.nx[k] / FZPackedVector::kScale);
+        const double ny = FZAsFloat(l.ny[k] / FZPackedVector::kScale);
+        const double nz = FZAsFloat(l.nz[k] / FZPackedVector::kScale);
+        const double length = std::sqrt(nx * nx + ny * ny + nz * nz);
+        // The dot product with +z, zero products included.
+        const double c = (0.0 * nx + 0.0 * ny + 1.0 * nz) / (1.0 * length);
+        l.nx[k] = nx;
+        l.ny[k] = ny;
+        l.nz[k] = nz;
+        l.flat[k] = nz > 0.9999999 ? 1.0 : 0.0;
+        l.toZ[k] = length < 1e-10 ? 1.0 : (c > 1.0 ? 1.0 : (c < -1.0 ? -1.0 : c));
+    }
+}
+
+// Gives lane k the angle of its normal to +z, kept in memo; flat parts are
+// not turned: they need none.
+template <int W>
+inline void FZTakeFacetAngle(FZFacetLanes<W>& l, std::int32_t k, const FZPackedVector& normal, FZNormalAngle& memo)
+{
+    if (l.flat[k] < 0.5)
+        memo.Take(normal, l.toZ[k]);
+    l.sine[k] = memo.sine;
+    l.cosine[k] = memo.cosine;
 }
 
 // The packed facet of lane k.
@@ -170,9 +191,10 @@ template <int W>
     }
 }
 
-// The facets of a piece of a row's points, with the groove pattern of the
-// record about the centre (the record has some depth: FZGrooved), as vector
-// code.
+// The normals of a piece of a row (FZFacetNormals), and the facets of its
+// points, with the groove pattern of the record about the centre (the
+// record has some depth: FZGrooved), as vector code.
+void FZFacetNormalsOfPiece(FZFacetLanes<kFZFacetPiece>& lanes, std::int32_t n);
 void FZGrooveFacetsOfPiece(const FZAnisotropy& params, const float centre[3], FZFacetLanes<kFZFacetPiece>& lanes,
                            std::int32_t n);
 

@@ -83,6 +83,12 @@ public:
             Visit(x);
         if (count_ == 0)
             return;
+        FZFacetNormalsOfPiece(lanes_, count_);
+        for (std::int32_t k = 0; k < count_; ++k) {
+            // Kept for the next shading of the layer, or for the next pixel.
+            const std::size_t at = static_cast<std::size_t>(y_) * layer_.width + x_[k];
+            FZTakeFacetAngle(lanes_, k, layer_.normals[y_][x_[k]], pass_.angles != nullptr ? pass_.angles[at] : last_);
+        }
         FZGrooveFacetsOfPiece(layer_.material.anisotropy, pass_.highlights[0].centre, lanes_, count_);
         for (std::int32_t k = 0; k < count_; ++k)
             layer_.highlight[y_][x_[k]] = Sum(layer_.normals[y_][x_[k]], FZFacetOfLane(lanes_.t1, k),
@@ -111,18 +117,9 @@ private:
             out = Sum(normal, normal, normal);
             return;
         }
-        // Kept for the next shading of the layer, or for the next pixel.
-        FZNormalAngle& angle
-            = pass_.angles != nullptr ? pass_.angles[static_cast<std::size_t>(y_) * layer_.width + x] : last_;
-        float n[3];
-        normal.GetFloats(n);
-        // Flat parts are not turned: they need no angle.
-        if (!FZFacesUp(n))
-            angle.Take(normal, n);
-        const std::int32_t k = count_++;
-        x_[k] = x;
+        x_[count_] = x;
         const float point[2] = {static_cast<float>(x + 0.5), static_cast<float>(y_ + 0.5)};
-        FZSetFacetLane(lanes_, k, point, n, angle);
+        FZSetFacetLane(lanes_, count_++, point, normal);
     }
 
     // The terms of all lights; a pixel within reach of some light is within
