@@ -151,21 +151,20 @@ float PixelHighlight(const ShadingPass& pass, std::int32_t x, std::int32_t y)
     return SmoothedHighlight(pass, x, y);
 }
 
-// The highlight colour, tinted by the rainbow gloss of the first light.
-void HighlightColor(const ShadingPass& pass, std::int32_t x, std::int32_t y, float hc[3])
+// Lane k's highlight colour: the material's, tinted by the rainbow gloss
+// of the first light when the material has one (untinted, the lanes keep
+// the colour they are filled with).
+void HighlightColor(const ShadingPass& pass, std::int32_t x, std::int32_t y, FZHighlightLanes& lanes,
+                    std::int32_t k)
 {
     const FZLayer& layer = pass.layer;
     const FZAttributeEx& m = layer.material;
-    for (int c = 0; c < 3; ++c)
-        hc[c] = pass.highlightColour[c];
-    if (m.rainbow == 0)
-        return;
-    if (pass.fixed.empty())
+    if (m.rainbow == 0 || pass.fixed.empty())
         return;
     float tint[3];
     RainbowGloss(m.stripeSpacing, m.refractiveIndex, pass.fixed.front().direction, layer.normals[y][x], tint);
     for (int c = 0; c < 3; ++c)
-        hc[c] = static_cast<float>(static_cast<double>(hc[c]) * tint[c]);
+        lanes.colour[c][k] = static_cast<float>(static_cast<double>(pass.highlightColour[c]) * tint[c]);
 }
 
 // Pass 3: adds the highlight, held at most 1, in the highlight colour, the
@@ -176,6 +175,8 @@ void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
     const std::uint8_t* coverage = layer.coverage[y];
     const float* highlight = layer.highlight[y];
     FZHighlightLanes lanes;
+    for (int c = 0; c < 3; ++c)
+        std::fill(lanes.colour[c], lanes.colour[c] + kFZDiffusePiece, pass.highlightColour[c]);
     std::int32_t columns[kFZDiffusePiece];
     std::int32_t count = 0;
     const auto add = [&] {
@@ -199,15 +200,12 @@ void ApplyHighlightRow(const ShadingPass& pass, std::int32_t y)
             h = 1.0f;
         if (!(h > 0.0f))
             continue;
-        float hc[3];
-        HighlightColor(pass, x, y, hc);
         const std::int32_t k = count++;
         columns[k] = x;
         lanes.h[k] = h;
-        for (int c = 0; c < 3; ++c) {
+        for (int c = 0; c < 3; ++c)
             lanes.shade[c][k] = FZByteToFloat(shaded[2 - c]);
-            lanes.colour[c][k] = hc[c];
-        }
+        HighlightColor(pass, x, y, lanes, k);
         if (count == kFZDiffusePiece)
             add();
     }
