@@ -36,6 +36,42 @@ inline void FZNormalizeFloats(float& x, float& y, float& z)
     }
 }
 
+// v rounded to float and held in a double. For floats a and b,
+// FZAsFloat(a op b) computed in double is exactly the float result of
+// + - * / and square roots: double has more than twice float's precision
+// plus two bits, so rounding twice cannot differ from rounding once.
+inline double FZAsFloat(double v)
+{
+    return static_cast<double>(static_cast<float>(v));
+}
+
+// Snell's law for a view that meets a surface at the given cosine (toward
+// the viewer) with relative index eta, as FZPackedVector::Refract works it
+// out: float steps, each held in a double. Written without branches, so
+// that the renderer refracts a row of views at once with this same code.
+struct FZSnell {
+    bool refracts;  // false on total internal reflection
+    bool straight;  // straight on, the view goes through unchanged
+    double s;       // the weight of the incident direction
+    double m;       // the weight of the normal
+
+    FZSnell(double eta, double cosine)
+    {
+        const double e2 = FZAsFloat(eta * eta);
+        const double c = FZAsFloat(cosine);
+        const double c2 = FZAsFloat(c * c);
+        const double k = FZAsFloat(e2 - 1.0 + c2);
+        const double cosT2 = FZAsFloat(k / e2);
+        const double cosT = FZAsFloat(std::sqrt(cosT2));
+        refracts = k >= 1e-5;
+        straight = 1.0 - c2 < 1e-5;
+        s = FZAsFloat(std::sqrt((1.0 - cosT2) / (1.0 - c2)));
+        m = FZAsFloat(s * c - cosT);
+    }
+    // One component of the refracted direction, before it is normalised.
+    double Along(double normal, double incident) const { return FZAsFloat(m * normal + s * incident); }
+};
+
 // A colour as three bytes, red, green, blue.
 struct FZColor {
     std::uint8_t r = 0;
@@ -133,27 +169,19 @@ struct FZPackedVector {
     static bool Refract(FZPackedVector& result, const FZPackedVector& incident,
                         const FZPackedVector& normal, float eta)
     {
-        const float e2 = static_cast<float>(Wide(eta) * Wide(eta));
-        const float c = static_cast<float>(-Dot(incident, normal));
-        const float c2 = static_cast<float>(Wide(c) * Wide(c));
-        const float k = static_cast<float>(Wide(e2) - 1.0 + Wide(c2));
-        if (!(Wide(k) >= 1e-5))
+        const FZSnell snell(Wide(eta), -Dot(incident, normal));
+        if (!snell.refracts)
             return false;
-        const float cosT2 = static_cast<float>(Wide(k) / Wide(e2));
-        const float cosT = static_cast<float>(std::sqrt(Wide(cosT2)));
-        if (1.0 - Wide(c2) < 1e-5) {
+        if (snell.straight) {
             result = incident;
             return true;
         }
-        const float s = static_cast<float>(std::sqrt((1.0 - Wide(cosT2)) / (1.0 - Wide(c2))));
-        const float m = static_cast<float>(Wide(s) * Wide(c) - Wide(cosT));
         float ix, iy, iz, nx, ny, nz;
         incident.GetFloats(ix, iy, iz);
         normal.GetFloats(nx, ny, nz);
-        result.SetFloats(static_cast<float>(Wide(m) * Wide(nx) + Wide(s) * Wide(ix)),
-                         static_cast<float>(Wide(m) * Wide(ny) + Wide(s) * Wide(iy)),
-                         static_cast<float>(Wide(m) * Wide(nz) + Wide(s) * Wide(iz)),
-                         true);
+        result.SetFloats(static_cast<float>(snell.Along(Wide(nx), Wide(ix))),
+                         static_cast<float>(snell.Along(Wide(ny), Wide(iy))),
+                         static_cast<float>(snell.Along(Wide(nz), Wide(iz))), true);
         return true;
     }
 

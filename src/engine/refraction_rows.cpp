@@ -41,7 +41,6 @@ struct Lanes {
 // direction is normalised. Straight on, the view goes through unchanged.
 TAMERISK_ROW_KERNEL void Refract(double eta, std::int32_t n, Lanes& lanes)
 {
-    const double e2 = FZAsFloat(eta * eta);
     const double* nx = lanes.nx;
     const double* ny = lanes.ny;
     const double* nz = lanes.nz;
@@ -52,18 +51,12 @@ TAMERISK_ROW_KERNEL void Refract(double eta, std::int32_t n, Lanes& lanes)
     double* straight = lanes.straight;
     for (std::int32_t k = 0; k < n; ++k) {
         // Dot((0, 0, -30000), n): the x and y products are 0.
-        const double c = FZAsFloat(-(-30000.0 * nz[k] * 1.111111111111111e-9));
-        const double c2 = FZAsFloat(c * c);
-        const double kk = FZAsFloat(e2 - 1.0 + c2);
-        const double cosT2 = FZAsFloat(kk / e2);
-        const double cosT = FZAsFloat(std::sqrt(cosT2));
-        const double s = FZAsFloat(std::sqrt((1.0 - cosT2) / (1.0 - c2)));
-        const double m = FZAsFloat(s * c - cosT);
-        rx[k] = FZAsFloat(m * Unpacked(nx[k]) + s * 0.0);
-        ry[k] = FZAsFloat(m * Unpacked(ny[k]) + s * 0.0);
-        rz[k] = FZAsFloat(m * Unpacked(nz[k]) + s * -1.0);
-        refracts[k] = kk >= 1e-5 ? 1.0 : 0.0;
-        straight[k] = 1.0 - c2 < 1e-5 ? 1.0 : 0.0;
+        const FZSnell snell(eta, -(-30000.0 * nz[k] * 1.111111111111111e-9));
+        rx[k] = snell.Along(Unpacked(nx[k]), 0.0);
+        ry[k] = snell.Along(Unpacked(ny[k]), 0.0);
+        rz[k] = snell.Along(Unpacked(nz[k]), -1.0);
+        refracts[k] = snell.refracts ? 1.0 : 0.0;
+        straight[k] = snell.straight ? 1.0 : 0.0;
     }
 }
 

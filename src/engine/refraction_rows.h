@@ -2,9 +2,8 @@
 // the plane z = 0 behind it, for a piece of a row at once, in kernels the
 // compiler turns into vector code. No two pixels of a shape's curved parts
 // share a normal, so nothing is remembered from pixel to pixel: each lane
-// refracts one pixel's view with the float and double operations of
-// FZPackedVector::Refract, in the same order, and the scattered reads of the
-// image behind come afterwards.
+// refracts one pixel's view by FZSnell, the law FZPackedVector::Refract
+// follows, and the scattered reads of the image behind come afterwards.
 #ifndef TAMERISK_ENGINE_REFRACTION_ROWS_H
 #define TAMERISK_ENGINE_REFRACTION_ROWS_H
 

@@ -11,6 +11,8 @@
 
 #include <cstdint>
 
+#include <tamerisk/attribute.h>
+
 #if defined(__GNUC__) && !defined(__clang__) && (defined(__x86_64__) || defined(__i386__)) && \
     !defined(TAMERISK_PLAIN_KERNELS)
 #define TAMERISK_ROW_KERNEL __attribute__((target_clones("avx512f", "avx2", "default")))
@@ -19,15 +21,9 @@
 #endif
 
 // Kernels that mix float and double arithmetic hold every float in a
-// double lane and round it to float after each operation: FZAsFloat(a op b)
-// for floats a and b is exactly the float result of + - * / and square
-// roots (double has more than twice float's precision plus two bits, so
-// rounding twice cannot differ from rounding once), and the loop keeps one
-// lane width, which GCC vectorises where a mix of widths defeats it.
-inline double FZAsFloat(double v)
-{
-    return static_cast<double>(static_cast<float>(v));
-}
+// double lane and round it to float after each operation (FZAsFloat, which
+// is exact float arithmetic), and the loop keeps one lane width, which GCC
+// vectorises where a mix of widths defeats it.
 
 // The colour rule's store of a channel (engine/pixel.h) in a lane: held at
 // most 1, then v x 255 truncated toward zero, NaN as 0, held within 0 to 255
