@@ -1,7 +1,6 @@
 #include "engine/compositing.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -72,22 +71,8 @@ bool SameVector(const FZPackedVector& a, const FZPackedVector& b)
     return a.x == b.x && a.y == b.y && a.z == b.z;
 }
 
-// The colour seen through the layer at pixel k of a refracting piece: what
-// lies behind where the refracted ray lands, the background where
-// refraction fails.
-void SeenThrough(const LayerPass& pass, const FZLandingPoints& points, const FZSeenColours& seen, std::int32_t k,
-                 float out[3])
-{
-    if (seen.general[k] != 0) {
-        SampleBehind(pass.scene, points.sx[k], points.sy[k], out);
-        return;
-    }
-    for (int c = 0; c < 3; ++c)
-        out[c] = static_cast<float>(seen.rgb[c][k]);
-}
-
 // The image behind as the refraction's samples read it; no pixels (every
-// sample then goes through SampleBehind) unless it is the usual 24-bit one.
+// view then sees the background) unless it is the usual 24-bit one.
 FZBehindView BehindView(const FZScene& scene)
 {
     FZBehindView view;
@@ -303,8 +288,8 @@ void ComposeRefractingRow(const LayerPass& pass, const FZImage& behind, FZImage&
             const std::int32_t lx = start + k;
             if (coverage[lx] == 0)
                 continue;
-            float through[3];
-            SeenThrough(pass, points, seen, k, through);
+            const float through[3] = {static_cast<float>(seen.rgb[0][k]), static_cast<float>(seen.rgb[1][k]),
+                                      static_cast<float>(seen.rgb[2][k])};
             GatherPixel(pass, row, lx + layer.x, lx, memo, through, piece);
         }
         ComposeGathered(piece, frame, y);
@@ -462,60 +447,4 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
                      [&](std::int32_t y) { ComposeRefractingRow(pass, behind, frame, y, rect.x0, rect.x1); });
     else
         ParallelRows(y0, y1 + 1, [&](std::int32_t y) { ComposeRow(pass, behind, frame, y, rect.x0, rect.x1); });
-}
-
-void SampleBehind(const FZScene& scene, double sx, double sy, float out[3])
-{
-    CopyBackground(scene, out);
-    const FZImage* image = scene.behind.get();
-    // A ray that lands nowhere (a material's NaN or infinity) sees the
-    // background, as a point far outside the frame does.
-    if (image == nullptr || image->data.empty() || !std::isfinite(sx) || !std::isfinite(sy))
-        return;
-    const float left = static_cast<float>(sx - 0.5);
-    const float right = static_cast<float>(sx + 0.5);
-    const float bottom = static_cast<float>(sy - 0.5);
-    const float top = static_cast<float>(sy + 0.5);
-    const std::int32_t c0 = FZMax(FZTruncate(left), 0);
-    const std::int32_t c1 = FZMin(FZTruncate(right), image->width - 1);
-    const std::int32_t r0 = FZMax(FZTruncate(bottom), 0);
-    const std::int32_t r1 = FZMin(FZTruncate(top), image->height - 1);
-
-    // A column's width is the same in every row. The box is one pixel wide,
-    // so within the image it meets at most three columns (two unless its
-    // edges round outwards): their widths are worked out once.
-    const auto width = [left, right](std::int32_t c) {
-        return static_cast<float>(FZMin(c + 1.0, static_cast<double>(right))
-                                  - FZMax(static_cast<double>(c), static_cast<double>(left)));
-    };
-    constexpr std::int32_t kKnownColumns = 3;
-    float hx[kKnownColumns];
-    for (std::int32_t i = 0; i < kKnownColumns && c0 + i <= c1; ++i)
-        hx[i] = width(c0 + i);
-    float sum[3] = {0.0f, 0.0f, 0.0f};
-    float total = 0.0f;
-    for (std::int32_t r = r0; r <= r1; ++r) {
-        const float hy = static_cast<float>(FZMin(r + 1.0, static_cast<double>(top))
-                                            - FZMax(static_cast<double>(r), static_cast<double>(bottom)));
-        if (!(hy > 0.0f))
-            continue;
-        const std::uint8_t* row = image->PixelAddress(c0, r);
-        for (std::int32_t i = 0; i <= c1 - c0; ++i) {
-            const float w = i < kKnownColumns ? hx[i] : width(c0 + i);
-            if (!(w > 0.0f))
-                continue;
-            const double weight = static_cast<double>(w) * hy;
-            const std::uint8_t* p = row + std::ptrdiff_t{i} * image->bytesPerPixel;
-            // Bytes go blue, green, red.
-            for (int ch = 0; ch < 3; ++ch)
-                sum[ch] = static_cast<float>(sum[ch] + FZByteToFloat(p[2 - ch]) * weight);
-            total = static_cast<float>(total + weight);
-        }
-    }
-    if (!(total > 0.0f))
-        return;
-    // The part of the box outside the image shows the background.
-    for (int ch = 0; ch < 3; ++ch)
-        out[ch] = static_cast<float>(static_cast<double>(sum[ch]) / total * total
-                                     + (1.0 - total) * scene.background[ch]);
 }

@@ -135,8 +135,11 @@ TAMERISK_ROW_KERNEL void Walk(const FZRefraction& setup, std::int32_t n, double 
     }
 }
 
-// The box of one pixel about each landing point meets at most two columns
-// and two rows: four cells, taken row by row as SampleBehind takes them.
+// The box of one pixel about a landing point, box-filtering the image
+// behind, has weight in at most two columns and two rows: four cells, taken
+// row by row. Below 2^23 the box's edges (sx -+ 0.5 rounded to float) are
+// exact and one apart; up to 2^24 they round to whole numbers at most two
+// apart, so that a third column has width 0; beyond, both round to sx.
 constexpr int kCells = 4;
 
 struct BoxLanes {
@@ -144,11 +147,8 @@ struct BoxLanes {
     double sx[kFZRefractionPiece];
     double sy[kFZRefractionPiece];
     double lands[kFZRefractionPiece];
-    // 1 where SampleBehind decides.
-    double general[kFZRefractionPiece];
-    // 1 where the box is sampled here: the view lands at finite
-    // coordinates, there are pixels to read, and the box meets at most two
-    // columns and rows.
+    // 1 where the box is sampled: the view lands at finite coordinates and
+    // there are pixels to read.
     double sampled[kFZRefractionPiece];
     // The byte offset of each cell's pixel, -1 where the cell lies outside
     // the image, and the cell's weight (0 for a cell the box misses).
@@ -203,12 +203,8 @@ TAMERISK_ROW_KERNEL void LocateCells(const FZBehindView& behind, std::int32_t n,
         const double r0 = FZMax(Truncated(e.bottom), 0.0);
         e.lastColumn = FZMin(Truncated(e.right), lastColumn);
         e.lastRow = FZMin(Truncated(e.top), lastRow);
-        // Without pixels to read (or with a wide box) SampleBehind decides.
-        const double lands = box.lands[k] != 0.0 ? finite : 0.0;
-        const double wide = e.lastColumn - c0 > 1.0 ? 1.0 : (e.lastRow - r0 > 1.0 ? 1.0 : 0.0);
-        const double sampled = lands * image * (1.0 - wide);
+        const double sampled = (box.lands[k] != 0.0 ? finite : 0.0) * image;
         box.sampled[k] = sampled;
-        box.general[k] = lands - sampled;
         Cell(e, sampled, r0, c0, box.offset[0][k], box.weight[0][k]);
         Cell(e, sampled, r0, c0 + 1.0, box.offset[1][k], box.weight[1][k]);
         Cell(e, sampled, r0 + 1.0, c0, box.offset[2][k], box.weight[2][k]);
@@ -235,8 +231,8 @@ void ReadCells(const FZBehindView& behind, std::int32_t n, BoxLanes& box)
     }
 }
 
-// The weighted sums in float, cell by cell in SampleBehind's order, then
-// the part of the box outside the image in the background's colour.
+// The weighted sums in float, cell by cell, then the part of the box
+// outside the image in the background's colour.
 TAMERISK_ROW_KERNEL void SumCells(const FZBehindView& behind, std::int32_t n, const BoxLanes& box,
                                   FZSeenColours& out)
 {
@@ -272,8 +268,6 @@ void SeenThroughPiece(const FZBehindView& behind, const FZLandingPoints& points,
         box.lands[k] = points.lands[k];
     }
     LocateCells(behind, n, box);
-    for (std::int32_t k = 0; k < n; ++k)
-        out.general[k] = box.general[k] > 0.5 ? 1 : 0;
     ReadCells(behind, n, box);
     SumCells(behind, n, box, out);
 }

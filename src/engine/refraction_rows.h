@@ -46,8 +46,7 @@ void RefractRowPiece(const FZRefraction& setup, const FZRefractionPiece& piece, 
                      const float* depths, FZLandingPoints& out);
 
 // The image behind a layer as the samples read it: 24-bit, rows of
-// `stride` bytes. Without data every view that lands is left to
-// SampleBehind.
+// `stride` bytes. Without data every view sees the background.
 struct FZBehindView {
     const std::uint8_t* data = nullptr;
     std::int32_t width = 0;
@@ -58,14 +57,10 @@ struct FZBehindView {
 
 // What each pixel's refracted view sees (red, green, blue): the image
 // behind box-filtered over one pixel about where the view lands, the
-// background for the part of the box outside the image and where the view
-// never lands; as SampleBehind gives it. A box that meets more than two
-// columns or rows of the image (its edges round outwards) is left to
-// SampleBehind, as is every landing when the view has no data: general is
-// 1 there.
+// background for the part of the box outside the image, and where the view
+// never lands or lands at no finite point.
 struct FZSeenColours {
     double rgb[3][kFZRefractionPiece];
-    std::int32_t general[kFZRefractionPiece];
 };
 
 void SeenThroughPiece(const FZBehindView& behind, const FZLandingPoints& points, std::int32_t n, FZSeenColours& out);

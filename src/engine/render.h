@@ -7,8 +7,6 @@
 FZResult RenderScene(FZScene& scene);
 FZResult RenderRect(FZScene& scene, const FZRect& rect);
 FZResult ComposeLayers(FZScene& scene, const FZRect& rect, FZImage& frame);
-// Box-filtered sample of the behind image at (sx, sy), background outside.
-void SampleBehind(const FZScene& scene, double sx, double sy, float out[3]);
 FZResult AddEmissionLight(FZScene& scene, const FZRect& rect, FZImage& frame);
 int EmissionRadius(const FZLayer& layer);
 FZResult PrepareLayer(FZScene& scene, int index);

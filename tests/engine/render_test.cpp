@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -37,24 +36,6 @@ void SetUpPlainScene(FZScene& scene, int w, int h)
 }
 
 } // namespace
-
-TEST(RenderDriver, SampleBehindFillsWhatLiesOutsideWithTheBackground)
-{
-    FZScene scene;
-    SetUpPlainScene(scene, 10, 10);
-    // The behind image (black here) lives only while a refracting layer is
-    // composited.
-    scene.behind = std::make_unique<FZImage>();
-    ASSERT_EQ(scene.behind->Create(10, 10, 3), FZResult::Ok);
-
-    float c[3];
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    const double inf = std::numeric_limits<double>::infinity();
-    for (const auto& bad : {std::array<double, 2>{nan, 3.0}, {3.0, inf}, {-inf, -inf}, {1e30, 1e30}}) {
-        SampleBehind(scene, bad[0], bad[1], c);
-        EXPECT_EQ((std::array<float, 3>{c[0], c[1], c[2]}), (std::array<float, 3>{1.0f, 1.0f, 1.0f}));
-    }
-}
 
 TEST(RenderDriver, RectanglesAreClippedToTheFrameAndMissingLayersRefused)
 {
