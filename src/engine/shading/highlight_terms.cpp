@@ -75,9 +75,10 @@ HighlightSetup SetUpHighlight(const FZLayer& layer, const FZPackedVector& lightD
     h.exponent = s * s * s * 1000.0;
     h.scale = static_cast<double>(m.highlightStrength) * 4.0;
     h.cutoff = UnderflowCutoff(h.exponent, h.scale);
-    h.halfLength = PackedLength(h.half);
+    const double halfLength = PackedLength(h.half) / FZPackedVector::kScale;
     if (m.anisotropic != 0)
-        h.facetLimit = FacetLimit(h.halfLength, h.cutoff, MaxFacetTilt(m.anisotropy));
+        h.facetLimit = FacetLimit(halfLength, h.cutoff, MaxFacetTilt(m.anisotropy));
+    h.facetReach = h.facetLimit * halfLength / FZPackedVector::kScale;
     return h;
 }
 

@@ -28,15 +28,17 @@ struct HighlightSetup {
     // Anisotropic: a normal whose cosine to the half vector is below this
     // has no facet that reaches above the cutoff (-2: not known).
     double facetLimit = -2.0;
-    double halfLength = 0.0;
+    // The limit times |H|, per unit of a normal's packed length.
+    double facetReach = 0.0;
 };
 
 HighlightSetup SetUpHighlight(const FZLayer& layer, const FZPackedVector& lightDir, const FZPackedVector& view);
 
+// The length of a packed vector in its own units: 30000 for a unit vector.
 inline double PackedLength(const FZPackedVector& v)
 {
     return std::sqrt(static_cast<double>(v.x) * v.x + static_cast<double>(v.y) * v.y
-                     + static_cast<double>(v.z) * v.z) / FZPackedVector::kScale;
+                     + static_cast<double>(v.z) * v.z);
 }
 
 // Whether no facet of a groove at this normal can reach above the cutoff.
@@ -45,7 +47,7 @@ inline bool FacetsOutOfReach(const HighlightSetup& h, const FZPackedVector& norm
     if (h.facetLimit <= -2.0)
         return false;
     const double length = PackedLength(normal);
-    return length > 0.0 && FZPackedVector::Dot(h.half, normal) < h.facetLimit * h.halfLength * length;
+    return length > 0.0 && FZPackedVector::Dot(h.half, normal) < h.facetReach * length;
 }
 
 // The term for the highlight's cosine b.
