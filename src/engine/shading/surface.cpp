@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <type_traits>
 #include <vector>
 
 #include "engine/fz_math.h"
@@ -240,16 +241,70 @@ void ShiftRows(FZLayer& layer, std::vector<RowExtent>& rows, double shift)
 constexpr int kSlopeX[3][3] = {{-1, 0, 1}, {-2, 0, 2}, {-1, 0, 1}};
 constexpr int kSlopeY[3][3] = {{-1, -2, -1}, {0, 0, 0}, {1, 2, 1}};
 
+// A neighbour's depth difference from the centre, weighted by its coverage:
+// in double, rounded to float once.
+struct WideDifference {
+    template <typename Centre, typename Weight>
+    static float Of(float z, Centre zc, Weight m) { return static_cast<float>((z - static_cast<double>(zc)) * m); }
+};
+
+// The same for depths that lie within a factor of 2 of each other: their
+// difference is exact in float (Sterbenz), and so the float product by the
+// coverage is the one rounding of the exact product, as in double.
+struct NearDifference {
+    static float Of(float z, float zc, float m) { return (z - zc) * m; }
+};
+
+// The slopes of a normal: the Sobel kernels summed over the covered
+// neighbours in row order (each weighted difference d times the kernel,
+// each coverage m times the kernel's magnitude), every step rounded to
+// float, and the sums' quotients negated. NormalAt sums in double, each
+// step rounded, which holds for any depths. The interior kernels sum in
+// float, which gives the same floats where every neighbour is covered and
+// every depth tame (see Survey): a sum or quotient of two floats computed
+// in double and rounded is the float sum or quotient (double holds more
+// than twice float's digits), and the products by the kernel are exact.
+// There a term whose kernel weight is 0 adds exactly nothing and is left
+// out (kEveryTerm false); with wild depths 0 x d may be no number.
+template <typename T>
+struct SobelSums {
+    // The float sums start at -0, which a first term added to it leaves as
+    // it is (the vector code then spares the addition); a zero sum's sign
+    // never reaches the packed normal.
+    static constexpr T kNothing = std::is_same_v<T, float> ? -0.0f : 0.0f;
+    T sx = kNothing;
+    T sy = kNothing;
+    T wx = kNothing;
+    T wy = kNothing;
+
+    template <bool kEveryTerm>
+    [[gnu::always_inline]] void Add(int kx, int ky, T d, T m)
+    {
+        if (kEveryTerm || kx != 0) {
+            sx = Step(sx + static_cast<T>(kx) * d);
+            wx = Step(wx + static_cast<T>(kx < 0 ? -kx : kx) * m);
+        }
+        if (kEveryTerm || ky != 0) {
+            sy = Step(sy + static_cast<T>(ky) * d);
+            wy = Step(wy + static_cast<T>(ky < 0 ? -ky : ky) * m);
+        }
+    }
+    T SlopeX() const { return Step(-sx / wx); }
+    T SlopeY() const { return Step(-sy / wy); }
+
+    // One step of float arithmetic: a float result as it is, or one
+    // computed in double rounded to float.
+    static float Step(float v) { return v; }
+    static double Step(double v) { return FZAsFloat(v); }
+};
+
 // The normal of one covered pixel from its covered neighbours. Each
 // neighbour counts with its coverage, so the silhouette, where neighbours
 // drop out or are thin, does not look like a cliff down to depth 0.
 FZPackedVector NormalAt(const FZLayer& layer, std::int32_t x, std::int32_t y)
 {
     const double zc = layer.depth[y][x];
-    float sx = 0.0f;
-    float sy = 0.0f;
-    float wx = 0.0f;
-    float wy = 0.0f;
+    SobelSums<double> sums;
     // Neighbours the rows do not hold are uncovered.
     for (std::int32_t ny = y > 0 ? y - 1 : 0; ny <= y + 1 && ny < layer.height; ++ny) {
         const FZSpan held = layer.StoredRow(ny);
@@ -265,41 +320,21 @@ FZPackedVector NormalAt(const FZLayer& layer, std::int32_t x, std::int32_t y)
             if (m == 0)
                 continue;
             const int dx = nx - x;
-            const float d = static_cast<float>((depth[nx] - zc) * m);
-            const int kx = kSlopeX[dy + 1][dx + 1];
-            const int ky = kSlopeY[dy + 1][dx + 1];
-            sx = static_cast<float>(sx + static_cast<double>(kx) * d);
-            sy = static_cast<float>(sy + static_cast<double>(ky) * d);
-            wx = static_cast<float>(wx + static_cast<double>(std::abs(kx)) * m);
-            wy = static_cast<float>(wy + static_cast<double>(std::abs(ky)) * m);
+            sums.Add<true>(kSlopeX[dy + 1][dx + 1], kSlopeY[dy + 1][dx + 1], WideDifference::Of(depth[nx], zc, m), m);
         }
     }
-    if (wx == 0.0f) {
-        wx = 1.0f;
-        sx = 0.0f;
+    if (sums.wx == 0.0) {
+        sums.wx = 1.0;
+        sums.sx = 0.0;
     }
-    if (wy == 0.0f) {
-        wy = 1.0f;
-        sy = 0.0f;
+    if (sums.wy == 0.0) {
+        sums.wy = 1.0;
+        sums.sy = 0.0;
     }
     FZPackedVector normal;
-    normal.SetFloats(static_cast<float>(-sx / static_cast<double>(wx)),
-                     static_cast<float>(-sy / static_cast<double>(wy)), 1.0f, true);
+    normal.SetFloats(static_cast<float>(sums.SlopeX()), static_cast<float>(sums.SlopeY()), 1.0f, true);
     return normal;
 }
-
-// A neighbour's depth difference from the centre, weighted by its coverage,
-// as NormalAt forms it: in double, rounded to float once.
-struct WideDifference {
-    static float Of(float z, float zc, float m) { return static_cast<float>((z - static_cast<double>(zc)) * m); }
-};
-
-// The same for depths that lie within a factor of 2 of each other: their
-// difference is exact in float (Sterbenz), and so the float product by the
-// coverage is the one rounding of the exact product, as in double.
-struct NearDifference {
-    static float Of(float z, float zc, float m) { return (z - zc) * m; }
-};
 
 inline bool Finite(double v)
 {
@@ -343,18 +378,8 @@ TAMERISK_ROW_KERNEL void CoverageWeights(const std::uint8_t* coverage, std::int3
 // The normals of n pixels of a row whose neighbours all lie in the layer
 // and whose depths are all tame (see Survey), as NormalAt gives them where
 // every neighbour is covered; elsewhere general is set. Difference forms
-// the weighted depth differences.
-//
-// The terms whose kernel weight is 0 are left out: a slope sum starts at +0
-// and can never become -0, so adding 0 x d leaves it as it is when d is
-// finite. The rest is the same arithmetic in single precision: NormalAt
-// rounds every step of a slope sum, and the quotient of the slope by its
-// weight, from double to float, and a sum or quotient of two floats
-// computed in double and rounded to float is the float sum or quotient
-// (double holds more than twice float's digits). The weights are small
-// integers, which floats hold exactly, and so are the multiples 2d of tame
-// differences. Both slopes 0 give (0, 0, 1) like any level neighbourhood;
-// finite slopes keep the squared length at 1 or more.
+// the weighted depth differences. Both slopes 0 give (0, 0, 1) like any
+// level neighbourhood; finite slopes keep the squared length at 1 or more.
 // Inlined whole into each kernel, so that it runs as that kernel's vector
 // code.
 template <typename Difference>
@@ -372,20 +397,18 @@ template <typename Difference>
         const float m20 = w2[k], m21 = w2[k + 1], m22 = w2[k + 2];
         const float thinnest = FZMin(FZMin(FZMin(m00, m01), FZMin(m02, m10)), FZMin(FZMin(m12, m20), FZMin(m21, m22)));
         const float zc = z1[k + 1];
-        const float d00 = Difference::Of(z0[k], zc, m00);
-        const float d01 = Difference::Of(z0[k + 1], zc, m01);
-        const float d02 = Difference::Of(z0[k + 2], zc, m02);
-        const float d10 = Difference::Of(z1[k], zc, m10);
-        const float d12 = Difference::Of(z1[k + 2], zc, m12);
-        const float d20 = Difference::Of(z2[k], zc, m20);
-        const float d21 = Difference::Of(z2[k + 1], zc, m21);
-        const float d22 = Difference::Of(z2[k + 2], zc, m22);
-        const float sx = 0.0f - d00 + d02 - 2.0f * d10 + 2.0f * d12 - d20 + d22;
-        const float sy = 0.0f - d00 - 2.0f * d01 - d02 + d20 + 2.0f * d21 + d22;
-        const float wx = m00 + m02 + 2.0f * m10 + 2.0f * m12 + m20 + m22;
-        const float wy = m00 + 2.0f * m01 + m02 + m20 + 2.0f * m21 + m22;
-        const float fx = -sx / wx;
-        const float fy = -sy / wy;
+        // Row by row, as NormalAt takes them; the centre adds nothing.
+        SobelSums<float> sums;
+        sums.Add<false>(kSlopeX[0][0], kSlopeY[0][0], Difference::Of(z0[k], zc, m00), m00);
+        sums.Add<false>(kSlopeX[0][1], kSlopeY[0][1], Difference::Of(z0[k + 1], zc, m01), m01);
+        sums.Add<false>(kSlopeX[0][2], kSlopeY[0][2], Difference::Of(z0[k + 2], zc, m02), m02);
+        sums.Add<false>(kSlopeX[1][0], kSlopeY[1][0], Difference::Of(z1[k], zc, m10), m10);
+        sums.Add<false>(kSlopeX[1][2], kSlopeY[1][2], Difference::Of(z1[k + 2], zc, m12), m12);
+        sums.Add<false>(kSlopeX[2][0], kSlopeY[2][0], Difference::Of(z2[k], zc, m20), m20);
+        sums.Add<false>(kSlopeX[2][1], kSlopeY[2][1], Difference::Of(z2[k + 1], zc, m21), m21);
+        sums.Add<false>(kSlopeX[2][2], kSlopeY[2][2], Difference::Of(z2[k + 2], zc, m22), m22);
+        const float fx = sums.SlopeX();
+        const float fy = sums.SlopeY();
         // FZNormalizeFloats(fx, fy, 1).
         const float sq = fx * fx + fy * fy + 1.0f;
         const float inv = static_cast<float>(1.0 / std::sqrt(static_cast<double>(sq)));
