@@ -241,68 +241,6 @@ void FZLayer::FillChecker(std::int32_t cellWidth, std::int32_t cellHeight, const
     }
 }
 
-int FZLayer::CompositeSample(std::int32_t lx, std::int32_t ly, float z, std::uint8_t cb, const FZColor& color)
-{
-    if (flat && MakeRows() != FZResult::Ok)
-        return 0;
-    const FZSpan held = StoredRow(ly);
-    if (coverage.empty() || depth.empty() || lx < held.first || lx > held.last)
-        return 0;
-    std::uint8_t& pixelCoverage = coverage[ly][lx];
-    float& z0 = depth[ly][lx];
-    FZColor* pixelColor = colors.empty() ? nullptr : &colors[ly][lx];
-    const float a0 = pixelCoverage / 255.0f;
-    const float a = cb / 255.0f;
-
-    const auto replace = [&]() {
-        z0 = z;
-        pixelCoverage = cb;
-        if (pixelColor != nullptr)
-            *pixelColor = color;
-        return 2;
-    };
-    if (pixelCoverage == 0)
-        return cb == 0 ? 0 : replace();
-    if (cb == 0 || (a0 > 0.995f && z0 > z))
-        return 1;
-    if (a > 0.995f && z0 < z)
-        return replace();
-
-    // Three parts of the pixel: only the sample, only the old surface, and
-    // both, where the higher surface shows.
-    float sampleRgb[3];
-    float pixelRgb[3] = {0.0f, 0.0f, 0.0f};
-    color.GetFloats(sampleRgb);
-    if (pixelColor != nullptr)
-        pixelColor->GetFloats(pixelRgb);
-    const float w1 = (1.0f - a0) * a;
-    const float w2 = (1.0f - a) * a0;
-    const float w3 = a0 * a;
-    float depthSum = z * w1 + z0 * w2;
-    float rgbSum[3];
-    for (int c = 0; c < 3; ++c)
-        rgbSum[c] = sampleRgb[c] * w1 + pixelRgb[c] * w2;
-    if (z0 <= z) {
-        depthSum += z * w3;
-        for (int c = 0; c < 3; ++c)
-            rgbSum[c] += sampleRgb[c] * w3;
-    } else if (z0 > z) {
-        depthSum += z0 * w3;
-        for (int c = 0; c < 3; ++c)
-            rgbSum[c] += pixelRgb[c] * w3;
-    }
-    const float sum = w1 + w2 + w3;
-    if (sum > 0.0f) {
-        z0 = depthSum / sum;
-        for (int c = 0; c < 3; ++c)
-            rgbSum[c] = rgbSum[c] / sum;
-        if (pixelColor != nullptr)
-            pixelColor->SetFloats(rgbSum);
-        pixelCoverage = static_cast<std::uint8_t>(FZTruncateClamped(sum * 255.0f, 0, 255));
-    }
-    return 3;
-}
-
 // ---------------------------------------------------------------- FZScene
 
 FZResult FZScene::Create(std::int32_t w, std::int32_t h)

@@ -169,9 +169,6 @@ public:
     void FillDepth(float value);
     void FillColorRect(const FZRect& rect, const FZColor& color);
     void FillChecker(std::int32_t cellWidth, std::int32_t cellHeight, const FZColor& a, const FZColor& b);
-    // Merges one sample into pixel (lx, ly), which must lie inside the layer.
-    // 0 nothing there, 1 sample hidden, 2 replaced, 3 blended.
-    int CompositeSample(std::int32_t lx, std::int32_t ly, float z, std::uint8_t cb, const FZColor& color);
 
 private:
     FZResult MakeRows(std::shared_ptr<const FZRowLayout> rows);

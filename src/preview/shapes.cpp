@@ -1,8 +1,6 @@
 #include "preview/shapes.h"
 
-#include <array>
 #include <cmath>
-#include <cstring>
 #include <initializer_list>
 #include <memory>
 
@@ -282,9 +280,9 @@ void CountSolid(const FZSolidPixels& solid, float* count, float* sum)
     }
 }
 
-// CompositeSample into pixels that hold nothing (coverage 0): where a
-// sample is inside, the pixel takes the mean height and the coverage of the
-// count. A count of 0 gives coverage 0, which leaves it as it was.
+// Where a sample is inside, the pixel takes the mean height and the
+// coverage of the count. A count of 0 gives coverage 0 and leaves the depth
+// as it was.
 TAMERISK_ROW_KERNEL void StoreIntoEmpty(const float* count, const float* sum, std::int32_t n, std::uint8_t* coverage,
                                         float* depth)
 {
@@ -293,58 +291,6 @@ TAMERISK_ROW_KERNEL void StoreIntoEmpty(const float* count, const float* sum, st
         const float mean = sum[k] * (1.0f / c);
         coverage[k] = static_cast<std::uint8_t>(static_cast<std::int32_t>(c * (1.0f / 9.0f) * 255.0f));
         depth[k] = c > 0.0f ? mean : depth[k];
-    }
-}
-
-// A piece's worth of the sample colour, to compare colours with.
-const FZColor* SampleColorPiece()
-{
-    static const std::array<FZColor, kFZSamplePixels> piece = [] {
-        std::array<FZColor, kFZSamplePixels> colors;
-        colors.fill(kFZShapeSampleColor);
-        return colors;
-    }();
-    return piece.data();
-}
-
-// The sample colour for the pixels with a sample inside. Colours that
-// already are the sample colour (as a new layer's all are) are only read,
-// so their pages are never written.
-void ColorDrawnPixels(FZColor* colors, const float* count, std::int32_t n)
-{
-    if (std::memcmp(colors, SampleColorPiece(), sizeof(FZColor) * static_cast<std::size_t>(n)) == 0)
-        return;
-    for (std::int32_t k = 0; k < n; ++k)
-        if (count[k] > 0.0f)
-            colors[k] = kFZShapeSampleColor;
-}
-
-// Merges the nine samples of the piece's pixel k into the layer pixel (px,
-// py), whatever it holds.
-void CompositeNineSamples(FZLayer& layer, std::int32_t px, std::int32_t py, const FZSamplePiece& piece,
-                          std::int32_t k)
-{
-    const float a0 = layer.coverage[py][px] / 255.0f;
-    const float z0p = layer.depth[py][px];
-    float weightSum = 0.0f;
-    float heightSum = 0.0f;
-    for (int j = 0; j < 3; ++j) {
-        for (int i = 0; i < 3; ++i) {
-            if (piece.inside[j][i][k] != 0.0f) {
-                // Over an earlier surface the higher of the two shows.
-                const float zs = piece.z[j][i][k];
-                weightSum += 1.0f;
-                heightSum += a0 == 0.0f || zs >= z0p ? zs : z0p;
-            } else if (a0 > 0.0f) {
-                weightSum += a0;
-                heightSum += a0 * z0p;
-            }
-        }
-    }
-    if (weightSum > 0.0f) {
-        const float zMean = heightSum * (1.0f / weightSum);
-        const auto cb = static_cast<std::uint8_t>(FZTruncateClamped(weightSum * (1.0f / 9.0f) * 255.0f, 0, 255));
-        layer.CompositeSample(px, py, zMean, cb, kFZShapeSampleColor);
     }
 }
 
@@ -405,8 +351,8 @@ bool FZNoneCovered(const std::uint8_t* coverage, std::int32_t n)
     return any == 0;
 }
 
-void CompositeSamplePiece(FZLayer& layer, const FZPiecePlace& place, const FZSamplePiece& piece,
-                          const FZSolidPixels& solid, const FZSpan& held)
+void StoreSamplePiece(FZLayer& layer, const FZPiecePlace& place, const FZSamplePiece& piece,
+                      const FZSolidPixels& solid, const FZSpan& held)
 {
     const std::int32_t n = place.pixels;
     float count[kFZSamplePixels];
@@ -421,25 +367,8 @@ void CompositeSamplePiece(FZLayer& layer, const FZPiecePlace& place, const FZSam
     const std::int32_t k1 = FZMin(held.last + 1, n);
     if (k0 >= k1)
         return;
-    std::uint8_t* coverage = layer.coverage[place.y] + place.start;
-    float* depth = layer.depth[place.y] + place.start;
-    FZColor* colors = layer.colors.empty() ? nullptr : layer.colors[place.y] + place.start;
-    // Where nothing is drawn yet, every pixel takes the same simple path.
-    if (FZNoneCovered(coverage + k0, k1 - k0)) {
-        StoreIntoEmpty(count + k0, sum + k0, k1 - k0, coverage + k0, depth + k0);
-        if (colors != nullptr)
-            ColorDrawnPixels(colors + k0, count + k0, k1 - k0);
-        return;
-    }
-    for (std::int32_t k = k0; k < k1; ++k) {
-        if (coverage[k] != 0) {
-            CompositeNineSamples(layer, place.start + k, place.y, piece, k);
-            continue;
-        }
-        StoreIntoEmpty(count + k, sum + k, 1, coverage + k, depth + k);
-        if (colors != nullptr)
-            ColorDrawnPixels(colors + k, count + k, 1);
-    }
+    StoreIntoEmpty(count + k0, sum + k0, k1 - k0, layer.coverage[place.y] + place.start + k0,
+                   layer.depth[place.y] + place.start + k0);
 }
 
 // ---------------------------------------------------------------- catalogue

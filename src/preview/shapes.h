@@ -226,10 +226,10 @@ struct FZSolidPixels {
     float height = 0.0f;
 };
 
-// Merges the samples of the pixels held.first to held.last of a piece (as
-// offsets; the row holds those) into the layer with CompositeSample.
-void CompositeSamplePiece(FZLayer& layer, const FZPiecePlace& place, const FZSamplePiece& piece,
-                          const FZSolidPixels& solid, const FZSpan& held);
+// Stores the samples of the pixels held.first to held.last of a piece (as
+// offsets; the row holds those) into the layer, whose pixels hold nothing yet.
+void StoreSamplePiece(FZLayer& layer, const FZPiecePlace& place, const FZSamplePiece& piece,
+                      const FZSolidPixels& solid, const FZSpan& held);
 // Whether the n coverage values are all 0.
 bool FZNoneCovered(const std::uint8_t* coverage, std::int32_t n);
 // Fills the samples from first to last - 1 with whether they are inside
@@ -238,9 +238,8 @@ void FZFillSamples(FZSampleRow out, std::int32_t first, std::int32_t last, float
 
 // One pixel row of a drawing: its three sample rows, what the outline's
 // reach tells of them, and the samples of the piece at hand. Points the
-// reach tells need no test, pieces that neither hold coverage nor reach
-// into the outline are left alone, and on pixels that hold nothing yet,
-// those whose points are all solid take no samples at all.
+// reach tells need no test, pieces that do not reach into the outline are
+// left alone, and pixels whose points are all solid take no samples at all.
 template <typename Shape>
 class FZRowDrawing {
 public:
@@ -281,16 +280,14 @@ void FZRowDrawing<Shape>::Draw(FZLayer& layer)
                           FZPixelSpans::Within(std::int64_t{rowHeld.last} + 1, place.start, place.pixels) - 1};
         if (held.Empty())
             continue;
-        const bool empty
-            = FZNoneCovered(layer.coverage[row] + place.start + held.first, held.last - held.first + 1);
-        if (empty && spans[0].AllOutside(place.start, last) && spans[1].AllOutside(place.start, last)
+        if (spans[0].AllOutside(place.start, last) && spans[1].AllOutside(place.start, last)
             && spans[2].AllOutside(place.start, last))
             continue;
-        const FZSolidPixels solid = empty ? SolidPixels(place) : FZSolidPixels{};
+        const FZSolidPixels solid = SolidPixels(place);
         for (int j = 0; j < 3; ++j)
             for (int i = 0; i < 3; ++i)
                 TestColumn(p, j, i, solid);
-        CompositeSamplePiece(layer, place, piece, solid, held);
+        StoreSamplePiece(layer, place, piece, solid, held);
     }
 }
 
@@ -341,8 +338,9 @@ void FZRowDrawing<Shape>::TestColumn(std::int32_t p, int j, int i, const FZSolid
     FZFillSamples(out, d, n, 0.0f, 0.0f);
 }
 
-// Draws an outline into the layer: every pixel of its bounding box (clipped
-// to the pixels the layer's rows hold) is tested at 3 x 3 points and merged with CompositeSample.
+// Draws an outline into a layer that holds nothing yet: every pixel of its
+// bounding box (clipped to the pixels the layer's rows hold) is tested at
+// 3 x 3 points.
 // Single-precision arithmetic throughout. Each pixel reads and writes only
 // itself, so rows run in parallel; the outline is tested a piece of a
 // sample row at a time, with the terms of the sample columns computed once.
