@@ -8,11 +8,8 @@
 
 // ---------------------------------------------------------------- FZLight
 
-void FZLight::SetDirectional(float i, const float dir[3], const float rgb[3])
+void FZLight::SetDirectional(const float dir[3], const float rgb[3])
 {
-    type = 1;
-    // A NaN intensity would pass both bounds; it becomes 0 (no light).
-    intensity = i < 0.0f || i != i ? 0.0f : (i > 1.0f ? 1.0f : i);
     direction.SetFloats(dir, true);
     for (int c = 0; c < 3; ++c)
         color[c] = rgb[c];
@@ -23,7 +20,7 @@ void FZLight::Evaluate(float, float, float, float outColor[3], FZPackedVector& o
     // A directional light is the same everywhere, so the point plays no part.
     outDir = direction;
     for (int c = 0; c < 3; ++c)
-        outColor[c] = type == 1 ? static_cast<float>(static_cast<double>(intensity) * color[c]) : 0.0f;
+        outColor[c] = color[c];
 }
 
 // ---------------------------------------------------------------- FZCamera
@@ -273,7 +270,7 @@ FZResult FZScene::SetUpFrame(std::int32_t w, std::int32_t h, const float backgro
 
     const float direction[3] = {0.4f, -0.3f, -1.0f};
     const float white[3] = {1.0f, 1.0f, 1.0f};
-    lights.emplace_back().SetDirectional(1.0f, direction, white);
+    lights.emplace_back().SetDirectional(direction, white);
 
     // Built in place: a copy of a full-frame layer costs as much as making it.
     // The ground is flat: it needs no rows, whatever the frame's size.

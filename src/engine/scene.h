@@ -19,18 +19,15 @@
 #include "engine/raster.h"
 #include "engine/value_types.h"
 
-// A light. Only directional lights (type 1) exist in Tamerisk.
+// A directional light, the only kind Tamerisk has.
 class FZLight {
 public:
-    std::int32_t type = 0;
-    float intensity = 0.0f;
     FZPackedVector direction;  // normalised direction of travel
     float color[3] = {0.0f, 0.0f, 0.0f};
 
-    // type 1; intensity held within [0, 1]; direction normalised.
-    void SetDirectional(float i, const float dir[3], const float rgb[3]);
-    // Colour (intensity * color for type 1, black otherwise) and direction
-    // at the world point (px, py, pz).
+    // Normalises the direction.
+    void SetDirectional(const float dir[3], const float rgb[3]);
+    // Colour and direction at the world point (px, py, pz).
     void Evaluate(float px, float py, float pz, float outColor[3], FZPackedVector& outDir) const;
 };
 

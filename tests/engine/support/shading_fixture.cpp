@@ -21,11 +21,11 @@ void SetNormal(FZLayer& layer, int x, int y, float nx, float ny, float nz)
     layer.normals[y][x].SetFloats(nx, ny, nz, true);
 }
 
-void AddLight(FZLightList& lights, float dx, float dy, float dz, float intensity)
+void AddLight(FZLightList& lights, float dx, float dy, float dz)
 {
     const float direction[3] = {dx, dy, dz};
     const float white[3] = {1.0f, 1.0f, 1.0f};
-    lights.emplace_back().SetDirectional(intensity, direction, white);
+    lights.emplace_back().SetDirectional(direction, white);
 }
 
 FZPackedVector Packed(float x, float y, float z)

@@ -13,7 +13,7 @@ void MakeShadingLayer(FZLayer& layer, int w, int h, float nx = 0.0f, float ny = 
 void SetNormal(FZLayer& layer, int x, int y, float nx, float ny, float nz);
 
 // Appends a white directional light travelling along (dx, dy, dz).
-void AddLight(FZLightList& lights, float dx, float dy, float dz, float intensity = 1.0f);
+void AddLight(FZLightList& lights, float dx, float dy, float dz);
 
 // (x, y, z) normalised and packed.
 FZPackedVector Packed(float x, float y, float z);
