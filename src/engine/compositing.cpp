@@ -358,22 +358,16 @@ bool CoversAny(const FZLayer& layer, std::int32_t y0, std::int32_t y1, const FZR
 // what it saves.
 constexpr std::int64_t kSkyTablePixels = 2 * (2 * std::int64_t{FZEnvironment::kSkyRows} + 1);
 
-// The sky builds its ramp at its first lookup. The rows of a reflecting
-// layer look it up from several threads at once, so when the layer will
-// look it up, the first lookup happens here, and a large layer has the
-// table built here.
+// A large reflecting layer has the sky's table built here, before its rows
+// look the sky up from several threads at once.
 void PrepareSky(const LayerPass& pass, std::int32_t y0, std::int32_t y1, const FZRect& rect)
 {
     FZEnvironment& env = pass.scene.environment;
-    if (env.mode != 1 || (env.rampBuilt && !env.skyTable.empty()) || !CoversAny(pass.layer, y0, y1, rect))
-        return;
-    if (!env.rampBuilt)
-        BuildSkyRamp(env);
     const FZLayer& layer = pass.layer;
     const std::int64_t area
         = (std::int64_t{layer.boundsX1} - layer.boundsX0 + 1) * (std::int64_t{layer.boundsY1} - layer.boundsY0 + 1);
     // Without the table every pixel evaluates the ramp, which is as exact.
-    if (area >= kSkyTablePixels)
+    if (area >= kSkyTablePixels && env.skyTable.empty() && CoversAny(layer, y0, y1, rect))
         static_cast<void>(BuildSkyTable(env));
 }
 
@@ -418,7 +412,7 @@ void ComposeLayer(FZScene& scene, std::int32_t index, const FZLayer& layer, cons
                    layer,
                    m,
                    bias,
-                   m.reflection > 0.0f && scene.environment.IsOn(),
+                   m.reflection > 0.0f,
                    m.transparency > 0.0f,
                    FZRefraction{eta, bias, m.thinGlass != 0, m.thickness, layer.x, layer.y},
                    {}};

@@ -9,8 +9,6 @@
 void FZRampSegment::Setup(const float rgb[3], float segStart, float segEnd, float fadeInWidth,
                           float fadeOutWidth)
 {
-    if (segStart >= segEnd)
-        return;
     for (int c = 0; c < 3; ++c)
         color[c] = rgb[c];
     start = segStart;
@@ -40,10 +38,7 @@ bool FZRampSegment::Weight(double t, double& weight, double weighted[3]) const
 
 void FZColorRamp::Evaluate(double t, float out[3]) const
 {
-    out[0] = out[1] = out[2] = 0.0f;
     const std::int32_t segmentCount = static_cast<std::int32_t>(segments.size());
-    if (segmentCount < 1)
-        return;
     const FZRampSegment* pick = nullptr;
     if (t <= tMin)
         pick = &segments[0];
@@ -75,21 +70,24 @@ void FZColorRamp::Evaluate(double t, float out[3]) const
             out[c] = 1.0f;
 }
 
-void BuildSkyRamp(FZEnvironment& env)
+FZEnvironment::FZEnvironment()
 {
-    FZColorRamp& ramp = env.ramp;
+    const float lower[3] = {1.0f, 1.0f, 1.0f};
+    const float upper[3] = {0.2f, 0.6f, 1.0f};
+    // The horizon's elevation, and the share of each side the band around
+    // it takes.
+    const float horizon = 0.0f;
+    const float band = 0.1f;
+    const double p = horizon;
+    const double q = band;
     ramp.segments.assign(2, FZRampSegment());
-    const double p = env.horizon;
-    const double q = env.blend;
     const float a = static_cast<float>(p - (p + 1.0) * q);
     const float b = static_cast<float>(p + (1.0 - p) * q);
     const float w = static_cast<float>(static_cast<double>(b) - a);
-    ramp.segments[0].Setup(env.lower, -1.0f, b, 0.0f, w);
-    ramp.segments[1].Setup(env.upper, a, 1.0f, w, 0.0f);
+    ramp.segments[0].Setup(lower, -1.0f, b, 0.0f, w);
+    ramp.segments[1].Setup(upper, a, 1.0f, w, 0.0f);
     ramp.tMin = -1.0f;
     ramp.tMax = 1.0f;
-    env.rampBuilt = 1;
-    env.skyTable.clear();
 }
 
 void ReleaseSkyTable(FZEnvironment& env)
@@ -99,10 +97,6 @@ void ReleaseSkyTable(FZEnvironment& env)
 
 bool BuildSkyTable(FZEnvironment& env)
 {
-    if (env.mode != 1)
-        return false;
-    if (!env.rampBuilt)
-        BuildSkyRamp(env);
     if (!env.skyTable.empty())
         return true;
     constexpr std::int32_t rows = FZEnvironment::kSkyRows;
@@ -131,15 +125,9 @@ bool BuildSkyTable(FZEnvironment& env)
     return true;
 }
 
-void LookupEnvironment(FZEnvironment& env, const FZRay& ray, float colour[3])
+void LookupEnvironment(const FZEnvironment& env, const FZRay& ray, float colour[3])
 {
-    if (env.mode == 1 && !env.rampBuilt)
-        BuildSkyRamp(env);
-    colour[0] = colour[1] = colour[2] = 0.0f;
-    if (env.mode == 0 || !env.rampBuilt)
-        return;
-    const double t = ray.direction.Elevation(1);
-    env.ramp.Evaluate(t, colour);
+    env.ramp.Evaluate(ray.direction.Elevation(1), colour);
     for (int c = 0; c < 3; ++c)
         colour[c] = static_cast<float>(static_cast<double>(colour[c]) * ray.weight);
 }

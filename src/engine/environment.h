@@ -19,8 +19,8 @@ struct FZRampSegment {
     FZSmoothStep fadeInCurve;
     FZSmoothStep fadeOutCurve;
 
-    // Stores nothing when start >= end. Builds the fade curves for the
-    // widths that are greater than 0.
+    // start must lie below end. Builds the fade curves for the widths that
+    // are greater than 0.
     void Setup(const float rgb[3], float segStart, float segEnd, float fadeInWidth, float fadeOutWidth);
     // False when the segment does not contribute at t; otherwise its weight
     // and its colour times that weight.
@@ -46,12 +46,9 @@ struct FZRay {
 
 class FZEnvironment {
 public:
-    std::int32_t mode = 1;            // 0 off, 1 sky gradient
-    float lower[3] = {1.0f, 1.0f, 1.0f};
-    float upper[3] = {0.2f, 0.6f, 1.0f};
-    float horizon = 0.0f;             // p, in [-1, 1]
-    float blend = 0.1f;               // q, width share of the horizon band
-    std::int32_t rampBuilt = 0;
+    // Builds the two-segment sky ramp, which never changes.
+    FZEnvironment();
+
     FZColorRamp ramp;
     // The ramp's colour for every packed y component from -kSkyRows to
     // kSkyRows (see BuildSkyTable); empty until built and after
@@ -59,23 +56,16 @@ public:
     std::vector<float> skyTable;
 
     static constexpr std::int32_t kSkyRows = 30000;
-
-    bool IsOn() const { return mode != 0; }
 };
 
-// Builds the two-segment sky ramp from the horizon and blend.
-void BuildSkyRamp(FZEnvironment& env);
-
-// The sky colour along the ray's direction times its weight. Builds the ramp
-// on first use. Mode 0 gives black.
-void LookupEnvironment(FZEnvironment& env, const FZRay& ray, float colour[3]);
+// The sky colour along the ray's direction times its weight.
+void LookupEnvironment(const FZEnvironment& env, const FZRay& ray, float colour[3]);
 
 // The sky colour depends only on the y component of the direction, one of
 // 60001 packed values (beyond +-30000 the component holds at +-1): a layer
 // with many more reflecting pixels than that looks them up in a table,
-// built once for the gradient (and again only after BuildSkyRamp). Only
-// for the sky gradient (mode 1); false, and no table, otherwise or without
-// memory.
+// built once. False, and no table, without memory or when the render is
+// stopped on the way.
 bool BuildSkyTable(FZEnvironment& env);
 
 // Gives the table's memory back; the next BuildSkyTable builds it again.

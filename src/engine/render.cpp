@@ -59,7 +59,7 @@ FZResult GiveRowsIfNeeded(FZScene& scene, std::int32_t index)
 {
     FZLayer& layer = *scene.LayerAt(index);
     const FZAttributeEx& m = layer.material;
-    const bool perPixel = (m.reflection > 0.0f && scene.environment.IsOn()) || m.transparency > 0.0f;
+    const bool perPixel = m.reflection > 0.0f || m.transparency > 0.0f;
     if (!layer.IsFlat() || !perPixel)
         return FZResult::Ok;
     if (const FZResult made = layer.MakeRows(); made != FZResult::Ok)
