@@ -1,5 +1,5 @@
 // FZRaster: per-pixel data of a layer, in one contiguous block, over the
-// pixels its FZRowLayout names: row y holds columns First(y) to Last(y).
+// pixels its FZRowLayout names: row y holds the columns of Row(y).
 // raster[y] is row y, so pixel code reads raster[y][x] in layer
 // coordinates; only pixels the layout holds may be read or written. A
 // default raster holds nothing (empty()).
@@ -62,8 +62,6 @@ template <typename T>
 class FZRaster {
 public:
     FZRaster() = default;
-    // w x h zero entries at (0, 0); std::bad_alloc when they cannot be had.
-    FZRaster(std::int32_t w, std::int32_t h) : FZRaster(FZRowLayout::Rectangle(0, 0, w, h)) {}
     // Zero entries over the pixels of the layout (none for null).
     explicit FZRaster(std::shared_ptr<const FZRowLayout> rows)
         : layout(rows != nullptr && rows->Values() != 0 ? std::move(rows) : nullptr),

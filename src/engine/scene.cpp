@@ -51,22 +51,6 @@ void FZCamera::Update()
 
 // ---------------------------------------------------------------- FZLayer
 
-FZResult FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base)
-{
-    if (const FZResult made = CreateFlat(lx, ly, w, h, base); made != FZResult::Ok)
-        return made;
-    // A layer without pixels holds no rows at all.
-    const bool empty = w == 0 || h == 0;
-    std::shared_ptr<const FZRowLayout> layout;
-    try {
-        layout = FZRowLayout::Rectangle(0, 0, empty ? 0 : w, empty ? 0 : h);
-    } catch (const std::bad_alloc&) {
-        Release();
-        return FZResult::OutOfMemory;
-    }
-    return TakeRows(std::move(layout));
-}
-
 FZResult FZLayer::Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base,
                          std::shared_ptr<const FZRowLayout> rows)
 {
@@ -283,15 +267,6 @@ FZResult FZScene::SetUpFrame(std::int32_t w, std::int32_t h, const float backgro
     groundMaterial.color.SetFloats(backgroundColor);
     ground->SetMaterial(groundMaterial);
     layers.push_back(std::move(ground));
-    return FZResult::Ok;
-}
-
-FZResult FZScene::AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h)
-{
-    auto layer = std::make_unique<FZLayer>();
-    if (const FZResult result = layer->Create(lx, ly, w, h, layerDepth); result != FZResult::Ok)
-        return result;
-    layers.push_back(std::move(layer));
     return FZResult::Ok;
 }
 

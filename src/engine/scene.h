@@ -117,15 +117,14 @@ public:
     // process be killed when the pages are touched.
     static constexpr std::int64_t kMaxPixels = std::int64_t{1} << 28;
 
-    // Replaces the contents by empty rows of w x h: coverage and depth 0,
-    // own colours black, colour source 1, visible. OutOfMemory when w x h
-    // exceeds kMaxPixels, BadParameter for a negative size; the layer is then
-    // left released (empty, size 0), so no half-built layer is ever
-    // rendered; rows that cannot be had give OutOfMemory the same way.
-    FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base);
-    // The same with rows over the pixels of the layout only (BadParameter,
-    // the layer released, when they do not lie in the layer): the pixels
-    // outside stay uncovered for good.
+    // Replaces the contents by a layer of w x h with empty rows over the
+    // pixels of the layout (none for null): coverage and depth 0, own
+    // colours black, colour source 1, visible. The pixels outside stay
+    // uncovered for good. OutOfMemory when w x h exceeds kMaxPixels,
+    // BadParameter for a negative size or rows that do not lie in the layer;
+    // the layer is then left released (empty, size 0), so no half-built
+    // layer is ever rendered; rows that cannot be had give OutOfMemory the
+    // same way.
     FZResult Create(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h, float base,
                     std::shared_ptr<const FZRowLayout> rows);
     // A flat layer of w x h at depth 0 with black colours, colour source 1,
@@ -205,8 +204,7 @@ public:
         return index < 0 || index >= LayerCount() ? nullptr : layers[static_cast<std::size_t>(index)].get();
     }
 
-    FZResult AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h);
-    // The same with rows over the pixels of the layout only.
+    // A layer with rows over the pixels of the layout only, on top.
     FZResult AddLayerRect(std::int32_t lx, std::int32_t ly, std::int32_t w, std::int32_t h,
                           std::shared_ptr<const FZRowLayout> rows);
     // Out of range does nothing.

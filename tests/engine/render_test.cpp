@@ -92,7 +92,7 @@ std::vector<std::uint8_t> GroundFrame(const FZAttributeEx& material, bool checke
     if (rows) {
         EXPECT_EQ(ground.MakeRows(), FZResult::Ok);
     }
-    EXPECT_EQ(scene.AddLayerRect(6, 5, 5, 4), FZResult::Ok);
+    EXPECT_EQ(scene.AddLayerRect(6, 5, 5, 4, FZRowLayout::Rectangle(0, 0, 5, 4)), FZResult::Ok);
     FZLayer& patch = *scene.LayerAt(1);
     patch.FillDepth(0.0f);
     patch.material.emission = 0.5f;
@@ -137,7 +137,7 @@ TEST(RenderDriver, AFrameKeepsNoWorkMemory)
 {
     FZScene scene;
     SetUpPlainScene(scene, 400, 400);
-    ASSERT_EQ(scene.AddLayerRect(0, 0, 400, 400), FZResult::Ok);
+    ASSERT_EQ(scene.AddLayerRect(0, 0, 400, 400, FZRowLayout::Rectangle(0, 0, 400, 400)), FZResult::Ok);
     FZLayer& layer = *scene.LayerAt(1);
     layer.FillDepth(0.0f);
     layer.material.reflection = 0.8f;

@@ -19,7 +19,7 @@ TEST(Scene, OddFrameSizesAndIndices)
     FZScene scene;
     const float wild[3] = {std::nanf(""), -1e30f, std::numeric_limits<float>::infinity()};
     ASSERT_EQ(scene.SetUpFrame(1, 1, wild), FZResult::Ok);
-    EXPECT_EQ(scene.AddLayerRect(0, 0, 1, 1), FZResult::Ok);
+    EXPECT_EQ(scene.AddLayerRect(0, 0, 1, 1, FZRowLayout::Rectangle(0, 0, 1, 1)), FZResult::Ok);
 
     ASSERT_EQ(scene.SetUpFrame(0, 0, kWhite), FZResult::Ok);
     EXPECT_EQ(scene.LayerCount(), 1);
@@ -29,7 +29,7 @@ TEST(Scene, OddFrameSizesAndIndices)
     EXPECT_EQ(scene.SetUpFrame(100000, 100000, kWhite), FZResult::OutOfMemory);
     EXPECT_EQ(scene.LayerCount(), 0);
     ASSERT_EQ(scene.SetUpFrame(2, 2, kWhite), FZResult::Ok);
-    EXPECT_EQ(scene.AddLayerRect(0, 0, 1, INT32_MAX), FZResult::OutOfMemory);
+    EXPECT_EQ(scene.AddLayerRect(0, 0, 1, INT32_MAX, nullptr), FZResult::OutOfMemory);
     // Indices outside the list change nothing.
     scene.RemoveLayer(1);
     scene.RemoveLayer(-1);
@@ -41,7 +41,7 @@ TEST(Scene, OddFrameSizesAndIndices)
     EXPECT_EQ(scene.LayerCount(), 0);
     EXPECT_EQ(scene.width, 0);
     ASSERT_EQ(scene.Create(4, 4), FZResult::Ok);
-    EXPECT_EQ(scene.AddLayerRect(0, 0, 3, -2), FZResult::BadParameter);
+    EXPECT_EQ(scene.AddLayerRect(0, 0, 3, -2, nullptr), FZResult::BadParameter);
     EXPECT_EQ(scene.LayerCount(), 0);
 }
 

@@ -11,7 +11,7 @@ namespace {
 template <typename F>
 void MakeHeightField(FZLayer& layer, std::int32_t w, std::int32_t h, F f)
 {
-    ASSERT_EQ(layer.Create(0, 0, w, h, 0.0f), FZResult::Ok);
+    ASSERT_EQ(layer.Create(0, 0, w, h, 0.0f, FZRowLayout::Rectangle(0, 0, w, h)), FZResult::Ok);
     for (std::int32_t y = 0; y < h; ++y)
         for (std::int32_t x = 0; x < w; ++x) {
             layer.coverage[y][x] = 255;
@@ -44,7 +44,7 @@ void ExpectPrepared(const FZLayer& layer, int x0, int y0, int x1, int y1, float 
 TEST(Surface, EmptyLayerKeepsItsDepths)
 {
     FZLayer layer;
-    ASSERT_EQ(layer.Create(0, 0, 4, 3, 0.0f), FZResult::Ok);
+    ASSERT_EQ(layer.Create(0, 0, 4, 3, 0.0f, FZRowLayout::Rectangle(0, 0, 4, 3)), FZResult::Ok);
     layer.depth[1][2] = 5.0f;
     layer.depthMax = 9.0f;
     FZRect bounds;
@@ -65,7 +65,7 @@ TEST(Surface, EmptyLayerKeepsItsDepths)
 TEST(Surface, DepthRangeSkipsUncoveredPixelsAndRefusesRectanglesOutside)
 {
     FZLayer layer;
-    ASSERT_EQ(layer.Create(0, 0, 3, 2, 0.0f), FZResult::Ok);
+    ASSERT_EQ(layer.Create(0, 0, 3, 2, 0.0f, FZRowLayout::Rectangle(0, 0, 3, 2)), FZResult::Ok);
     layer.coverage[0][0] = 255;
     layer.depth[0][0] = 4.0f;
     layer.coverage[1][2] = 51;

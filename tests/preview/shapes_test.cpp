@@ -21,7 +21,7 @@ TEST(ShapeRaster, WildParametersStayInsideTheLayer)
             for (float cx : values)
                 for (float r : values) {
                     FZLayer layer;
-                    ASSERT_EQ(layer.Create(0, 0, size, size, 0.0f), FZResult::Ok);
+                    ASSERT_EQ(layer.Create(0, 0, size, size, 0.0f, FZRowLayout::Rectangle(0, 0, size, size)), FZResult::Ok);
                     DrawSampleShape(layer, n, cx, 2.0f, r);
                     DrawSampleShape(layer, n, 2.0f, cx, r);
                     AddDimple(layer, cx, 1.0f, r, cx);
@@ -65,7 +65,7 @@ TEST(SampleShapeRows, HoldWhatEveryShapeCoversAndItsNeighbours)
             SCOPED_TRACE(::testing::Message() << f.w << "x" << f.h << " shape " << n);
             FZLayer full;
             FZLayer held;
-            ASSERT_EQ(full.Create(0, 0, f.w, f.h, 10.0f), FZResult::Ok);
+            ASSERT_EQ(full.Create(0, 0, f.w, f.h, 10.0f, FZRowLayout::Rectangle(0, 0, f.w, f.h)), FZResult::Ok);
             ASSERT_EQ(held.Create(0, 0, f.w, f.h, 10.0f, SampleShapeRows(cx, cy, r, f.w, f.h)), FZResult::Ok);
             DrawSampleShape(full, n, cx, cy, r);
             DrawSampleShape(held, n, cx, cy, r);

@@ -4,7 +4,7 @@
 
 void MakeShadingLayer(FZLayer& layer, int w, int h, float nx, float ny, float nz)
 {
-    EXPECT_EQ(layer.Create(0, 0, w, h, 0.0f), FZResult::Ok);
+    EXPECT_EQ(layer.Create(0, 0, w, h, 0.0f, FZRowLayout::Rectangle(0, 0, w, h)), FZResult::Ok);
     layer.FillDepth(0.0f);
     layer.SetColorSource(0);
     for (int y = 0; y < h; ++y)
