@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cfloat>
+#include <cstdlib>
 #include <cmath>
 
 #include "engine/fz_math.h"
@@ -350,7 +351,10 @@ const double* GrooveNoiseTable()
 
 void FZNormalAngle::Take(const FZPackedVector& n, double toZ)
 {
-    if (valid && n.x == normal.x && n.y == normal.y && n.z == normal.z)
+    // The angle depends on x and y only through the sum of their squares:
+    // normals mirrored in x or y, or with x and y swapped, share it.
+    const int x = std::abs(n.x), y = std::abs(n.y), x0 = std::abs(normal.x), y0 = std::abs(normal.y);
+    if (valid && n.z == normal.z && ((x == x0 && y == y0) || (x == y0 && y == x0)))
         return;
     // acos(1) is 0: no length, no turn.
     const double gamma = std::acos(toZ);

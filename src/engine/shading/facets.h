@@ -20,8 +20,9 @@ inline constexpr std::int32_t kFZFacetPiece = 64;
 
 // The angle between +z and a normal as its sine and cosine (the C
 // library's acos, sin and cos), remembered with the normal it was worked
-// out for: a shape's geometry stays while its material changes, and
-// neighbouring samples often share a normal.
+// out for: a shape's geometry stays while its material changes,
+// neighbouring samples often share a normal, and a symmetric shape meets
+// each normal mirrored.
 struct FZNormalAngle {
     FZPackedVector normal;
     bool valid = false;
@@ -29,7 +30,7 @@ struct FZNormalAngle {
     double cosine = 1.0;
 
     // Makes this the angle of n, whose cosine to +z is given, worked out
-    // again only for another normal.
+    // again only for a normal that is not n mirrored or swapped.
     void Take(const FZPackedVector& n, double toZ);
 };
 

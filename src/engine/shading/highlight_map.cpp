@@ -1,6 +1,9 @@
 // The highlight map of a layer: every light's HighlightTerm summed at each
 // covered pixel, plain or from the facets of the grooves.
 #include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <new>
 #include <mutex>
 #include <vector>
 
@@ -85,9 +88,11 @@ public:
             return;
         FZFacetNormalsOfPiece(lanes_, count_);
         for (std::int32_t k = 0; k < count_; ++k) {
-            // Kept for the next shading of the layer, or for the next pixel.
+            // Kept for the next shading of the layer, or for the next pixels
+            // with the normal or its mirror image.
             const std::size_t at = static_cast<std::size_t>(y_) * layer_.width + x_[k];
-            FZTakeFacetAngle(lanes_, k, layer_.normals[y_][x_[k]], pass_.angles != nullptr ? pass_.angles[at] : last_);
+            const FZPackedVector& normal = layer_.normals[y_][x_[k]];
+            FZTakeFacetAngle(lanes_, k, normal, pass_.angles != nullptr ? pass_.angles[at] : Remembered(normal));
         }
         FZGrooveFacetsOfPiece(layer_.material.anisotropy, pass_.highlights[0].centre, lanes_, count_);
         for (std::int32_t k = 0; k < count_; ++k)
@@ -132,6 +137,19 @@ private:
         });
     }
 
+    // The angles met last on this thread, by the normal's |x|, |y| and z (a
+    // symmetric shape's pair of mirrored rows meets each normal four times);
+    // the last one alone when memory runs out.
+    FZNormalAngle& Remembered(const FZPackedVector& n)
+    {
+        static thread_local const std::unique_ptr<FZNormalAngle[]> angles(new (std::nothrow) FZNormalAngle[2048]);
+        if (angles == nullptr)
+            return last_;
+        const std::uint32_t x = std::abs(n.x), y = std::abs(n.y);
+        const std::uint32_t key = (x < y ? x * 65537u + y : y * 65537u + x) * 2654435761u ^ (n.z * 40503u);
+        return angles[(key >> 16) & 2047u];
+    }
+
     const ShadingPass& pass_;
     FZLayer& layer_;
     std::int32_t y_;
@@ -160,7 +178,13 @@ void FillHighlightMap(ShadingPass& pass)
         return;
     }
     pass.angles = normalAngles.Lend(layer.width, layer.height);
-    ParallelRows(stored.y0, stored.y1 + 1, [&pass](std::int32_t y) { FillGroovedHighlightRow(pass, y); });
+    // Rows in pairs mirrored about the middle: the second of a symmetric
+    // shape's pair finds its normals' angles remembered.
+    ParallelRows(0, (stored.y1 - stored.y0) / 2 + 1, [&pass, &stored](std::int32_t i) {
+        FillGroovedHighlightRow(pass, stored.y0 + i);
+        if (stored.y1 - i > stored.y0 + i)
+            FillGroovedHighlightRow(pass, stored.y1 - i);
+    });
     if (pass.angles != nullptr)
         normalAngles.Release();
     pass.angles = nullptr;
