@@ -455,13 +455,15 @@ FileWriteResult WriteInPlace(const Target& target, const unsigned char* data, st
 }
 
 // Finds the target of a path and whether it may be replaced, as every write
-// asks first.
-FileWriteResult CheckTarget(const char* path, Target& target)
+// asks first. A file with other names must be written in place, so that
+// every name sees the new content.
+FileWriteResult CheckTarget(const char* path, Target& target, bool& linked)
 {
     if (path == nullptr || *path == '\0')
         return Failure(FZResult::OpenFailed, ENOENT);
     if (FileWriteResult found = FindTarget(path, target); !found.Ok())
         return found;
+    linked = target.exists && target.st.st_nlink > 1;
     if (target.exists)
         return CheckReplaceable(target);
     return {};
@@ -472,21 +474,21 @@ FileWriteResult CheckTarget(const char* path, Target& target)
 FileWriteResult ReplaceFile(const char* path, const void* data, std::size_t size)
 {
     Target target;
-    if (FileWriteResult refused = CheckTarget(path, target); !refused.Ok())
+    bool linked = false;
+    if (FileWriteResult refused = CheckTarget(path, target, linked); !refused.Ok())
         return refused;
     const auto* bytes = static_cast<const unsigned char*>(data);
-    if (target.exists && target.st.st_nlink > 1)
-        return WriteInPlace(target, bytes, size);
-    return WriteBeside(target, bytes, size);
+    return linked ? WriteInPlace(target, bytes, size) : WriteBeside(target, bytes, size);
 }
 
 FileWriteResult WriteFileInPlace(const char* path, const void* data, std::size_t size)
 {
     Target target;
-    if (FileWriteResult refused = CheckTarget(path, target); !refused.Ok())
+    bool linked = false;
+    if (FileWriteResult refused = CheckTarget(path, target, linked); !refused.Ok())
         return refused;
-    const auto* bytes = static_cast<const unsigned char*>(data);
     // Nobody holds a file that is not there yet: it is made as any other.
+    const auto* bytes = static_cast<const unsigned char*>(data);
     return target.exists ? WriteInPlace(target, bytes, size) : WriteBeside(target, bytes, size);
 }
 
@@ -501,10 +503,11 @@ FileBatch::~FileBatch()
 FileWriteResult FileBatch::Add(const char* path, const void* data, std::size_t size)
 {
     Target target;
-    if (FileWriteResult refused = CheckTarget(path, target); !refused.Ok())
+    bool linked = false;
+    if (FileWriteResult refused = CheckTarget(path, target, linked); !refused.Ok())
         return refused;
     const auto* bytes = static_cast<const unsigned char*>(data);
-    if (target.exists && target.st.st_nlink > 1)
+    if (linked)
         return WriteInPlace(target, bytes, size);
     waiting.emplace_back();
     FileWriteResult started = StartBeside(target, bytes, size, waiting.back());
