@@ -6,11 +6,9 @@
 
 #include "engine/shading/anisotropy.h"
 #include "engine/support/shading_fixture.h"
+#include "wild_values.h"
 
 namespace {
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInf = std::numeric_limits<float>::infinity();
 
 // The first facet at (x, y) about the centre (cx, cy) under the given normal.
 FZPackedVector FacetAt(const FZAnisotropy& p, float x, float y, const FZPackedVector& normal, float cx = 0.0f,

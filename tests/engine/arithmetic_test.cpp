@@ -13,11 +13,9 @@
 #include "engine/fz_math.h"
 #include "engine/random.h"
 #include "engine/value_types.h"
+#include "wild_values.h"
 
 namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
 
 // Hides a constant from the optimiser, so that inline code is computed at
 // run time with the build's flags instead of being folded while compiling.

@@ -8,6 +8,7 @@
 #include "engine/shading/lighting.h"
 #include "engine/shading/transparency.h"
 #include "engine/support/shading_fixture.h"
+#include "wild_values.h"
 
 TEST(Lighting, EmptyAndUnpreparedLayersHaveNothingToShade)
 {
@@ -32,9 +33,6 @@ TEST(Lighting, EmptyAndUnpreparedLayersHaveNothingToShade)
 }
 
 namespace {
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInf = std::numeric_limits<float>::infinity();
 
 // Every float of the record that the shading reads.
 std::vector<float*> FloatFields(FZAttributeEx& m)

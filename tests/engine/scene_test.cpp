@@ -10,7 +10,7 @@
 
 namespace {
 
-const float kWhite[3] = {1.0f, 1.0f, 1.0f};
+const float kWhiteBackground[3] = {1.0f, 1.0f, 1.0f};
 
 }  // namespace
 
@@ -21,14 +21,14 @@ TEST(Scene, OddFrameSizesAndIndices)
     ASSERT_EQ(scene.SetUpFrame(1, 1, wild), FZResult::Ok);
     EXPECT_EQ(scene.AddLayerRect(0, 0, 1, 1, FZRowLayout::Rectangle(0, 0, 1, 1)), FZResult::Ok);
 
-    ASSERT_EQ(scene.SetUpFrame(0, 0, kWhite), FZResult::Ok);
+    ASSERT_EQ(scene.SetUpFrame(0, 0, kWhiteBackground), FZResult::Ok);
     EXPECT_EQ(scene.LayerCount(), 1);
     EXPECT_EQ(scene.LayerAt(0)->width, 0);
 
     // Frames too large to hold are refused before anything is allocated.
-    EXPECT_EQ(scene.SetUpFrame(100000, 100000, kWhite), FZResult::OutOfMemory);
+    EXPECT_EQ(scene.SetUpFrame(100000, 100000, kWhiteBackground), FZResult::OutOfMemory);
     EXPECT_EQ(scene.LayerCount(), 0);
-    ASSERT_EQ(scene.SetUpFrame(2, 2, kWhite), FZResult::Ok);
+    ASSERT_EQ(scene.SetUpFrame(2, 2, kWhiteBackground), FZResult::Ok);
     EXPECT_EQ(scene.AddLayerRect(0, 0, 1, INT32_MAX, nullptr), FZResult::OutOfMemory);
     // Indices outside the list change nothing.
     scene.RemoveLayer(1);
@@ -37,7 +37,7 @@ TEST(Scene, OddFrameSizesAndIndices)
     EXPECT_EQ(scene.LayerAt(1), nullptr);
     EXPECT_EQ(scene.LayerAt(-1), nullptr);
 
-    EXPECT_EQ(scene.SetUpFrame(-1, 5, kWhite), FZResult::BadParameter);
+    EXPECT_EQ(scene.SetUpFrame(-1, 5, kWhiteBackground), FZResult::BadParameter);
     EXPECT_EQ(scene.LayerCount(), 0);
     EXPECT_EQ(scene.width, 0);
     ASSERT_EQ(scene.Create(4, 4), FZResult::Ok);

@@ -7,24 +7,13 @@
 #include <limits>
 
 #include "engine/value_types.h"
+#include "wild_values.h"
 
 namespace {
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInf = std::numeric_limits<float>::infinity();
 
 std::array<int, 3> Bytes(const FZColor& c) { return {c.r, c.g, c.b}; }
 std::array<int, 4> Corners(const FZRect& r) { return {r.x0, r.y0, r.x1, r.y1}; }
 std::array<int, 3> Components(const FZPackedVector& v) { return {v.x, v.y, v.z}; }
-
-FZPackedVector Packed(std::int16_t x, std::int16_t y, std::int16_t z)
-{
-    FZPackedVector v;
-    v.x = x;
-    v.y = y;
-    v.z = z;
-    return v;
-}
 
 } // namespace
 
@@ -74,13 +63,13 @@ TEST(PackedVector, HostileFloatsPackToDefinedValues)
 
 TEST(PackedVector, RefractionThatCannotHappenLeavesTheResultAlone)
 {
-    const FZPackedVector normal = Packed(0, 0, 30000);
-    FZPackedVector result = Packed(1, 2, 3);
+    const FZPackedVector normal = FZPackedVector{0, 0, 30000};
+    FZPackedVector result = FZPackedVector{1, 2, 3};
     // Out of glass (eta 1/1.5) at 45 degrees: beyond the critical angle.
-    EXPECT_FALSE(FZPackedVector::Refract(result, Packed(21213, 0, -21213), normal, 1.0f / 1.5f));
+    EXPECT_FALSE(FZPackedVector::Refract(result, FZPackedVector{21213, 0, -21213}, normal, 1.0f / 1.5f));
     // Grazing incidence with eta 1: c^2 is below the threshold.
-    EXPECT_FALSE(FZPackedVector::Refract(result, Packed(30000, 0, 0), normal, 1.0f));
-    EXPECT_FALSE(FZPackedVector::Refract(result, Packed(0, 0, -30000), normal, kNaN));
-    EXPECT_FALSE(FZPackedVector::Refract(result, Packed(0, 0, -30000), normal, 0.0f));
+    EXPECT_FALSE(FZPackedVector::Refract(result, FZPackedVector{30000, 0, 0}, normal, 1.0f));
+    EXPECT_FALSE(FZPackedVector::Refract(result, FZPackedVector{0, 0, -30000}, normal, kNaN));
+    EXPECT_FALSE(FZPackedVector::Refract(result, FZPackedVector{0, 0, -30000}, normal, 0.0f));
     EXPECT_EQ(Components(result), (std::array{1, 2, 3}));
 }
