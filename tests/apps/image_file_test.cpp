@@ -11,14 +11,13 @@
 #include <cstdint>
 #include <vector>
 
+#include "attribute_bytes.h"
 #include "engine/image.h"
 #include "engine/parallel.h"
 #include "engine/render_watch.h"
 #include "tamerisk-render/image_file.h"
 
 namespace {
-
-using Bytes = std::vector<std::uint8_t>;
 
 // The render threads for one test, back to the default after it.
 class Threads {
@@ -51,10 +50,10 @@ FZImage TestImage(std::int32_t w, std::int32_t h)
 }
 
 // Row r of the picture (0 on top) as red, green, blue.
-Bytes RgbRow(const FZImage& image, std::int32_t r)
+ByteVector RgbRow(const FZImage& image, std::int32_t r)
 {
     const std::uint8_t* bgr = image.PixelAddress(0, image.height - 1 - r);
-    Bytes rgb;
+    ByteVector rgb;
     for (std::int32_t x = 0; x < image.width; ++x)
         rgb.insert(rgb.end(), {bgr[3 * x + 2], bgr[3 * x + 1], bgr[3 * x]});
     return rgb;
@@ -68,11 +67,11 @@ void ExpectPicture(const QImage& decoded, const FZImage& image)
     const QImage rgb = decoded.convertToFormat(QImage::Format_RGB888);
     for (std::int32_t r = 0; r < image.height; ++r) {
         const uchar* line = rgb.constScanLine(r);
-        ASSERT_EQ(Bytes(line, line + 3 * image.width), RgbRow(image, r)) << "row " << r;
+        ASSERT_EQ(ByteVector(line, line + 3 * image.width), RgbRow(image, r)) << "row " << r;
     }
 }
 
-QImage Decode(const Bytes& file, const char* format)
+QImage Decode(const ByteVector& file, const char* format)
 {
     return QImage::fromData(file.data(), static_cast<int>(file.size()), format);
 }
@@ -85,10 +84,10 @@ std::uint32_t BigEndian(const std::uint8_t* p)
 // What a lenient reader might let pass: every chunk's CRC, and the zlib
 // stream of the IDAT chunks to its check value, holding one filter byte and
 // a row of pixels for each row.
-void ExpectSoundPng(const Bytes& file, const FZImage& image)
+void ExpectSoundPng(const ByteVector& file, const FZImage& image)
 {
     ASSERT_GT(file.size(), 8u);
-    Bytes stream;
+    ByteVector stream;
     std::size_t at = 8;
     bool ended = false;
     while (at + 12 <= file.size() && !ended) {
@@ -96,15 +95,15 @@ void ExpectSoundPng(const Bytes& file, const FZImage& image)
         ASSERT_LE(at + 12 + length, file.size());
         const std::uint8_t* type = &file[at + 4];
         EXPECT_EQ(crc32(0, type, length + 4), BigEndian(type + 4 + length));
-        if (Bytes(type, type + 4) == Bytes{'I', 'D', 'A', 'T'})
+        if (ByteVector(type, type + 4) == ByteVector{'I', 'D', 'A', 'T'})
             stream.insert(stream.end(), type + 4, type + 4 + length);
-        ended = Bytes(type, type + 4) == Bytes{'I', 'E', 'N', 'D'};
+        ended = ByteVector(type, type + 4) == ByteVector{'I', 'E', 'N', 'D'};
         at += 12 + length;
     }
     EXPECT_TRUE(ended);
     EXPECT_EQ(at, file.size());
     const std::size_t filtered = static_cast<std::size_t>(image.height) * (3 * static_cast<std::size_t>(image.width) + 1);
-    Bytes raw(filtered + 1);
+    ByteVector raw(filtered + 1);
     uLongf rawSize = static_cast<uLongf>(raw.size());
     ASSERT_EQ(uncompress(raw.data(), &rawSize, stream.data(), static_cast<uLong>(stream.size())), Z_OK);
     EXPECT_EQ(rawSize, filtered);
@@ -123,7 +122,7 @@ TEST(ImageFile, PngAndPpmHoldExactlyTheFramesPixels)
     for (const auto& [w, h] : {std::pair{1, 1}, std::pair{97, 61}, std::pair{1501, 130}}) {
         SCOPED_TRACE(testing::Message() << w << " x " << h);
         const FZImage image = TestImage(w, h);
-        Bytes png, ppm;
+        ByteVector png, ppm;
         ASSERT_TRUE(EncodePng(image, png));
         ExpectPicture(Decode(png, "PNG"), image);
         ExpectSoundPng(png, image);
@@ -135,7 +134,7 @@ TEST(ImageFile, PngAndPpmHoldExactlyTheFramesPixels)
 TEST(ImageFile, PngBytesAreTheSameAtEveryThreadCount)
 {
     const FZImage image = TestImage(1501, 130);
-    Bytes one, three;
+    ByteVector one, three;
     {
         const Threads threads(1);
         ASSERT_TRUE(EncodePng(image, one));
@@ -148,7 +147,7 @@ TEST(ImageFile, PngBytesAreTheSameAtEveryThreadCount)
 TEST(ImageFile, NothingIsMadeOfAStoppedEncodingOrAnImageOfAnotherDepth)
 {
     const FZImage image = TestImage(1501, 130);
-    Bytes bytes{1, 2, 3};
+    ByteVector bytes{1, 2, 3};
     std::atomic<bool> stop{true};
     FZRenderWatch watch;
     watch.stop = &stop;
