@@ -15,6 +15,8 @@ packages=(
   # the desktop side: a thumbnail service on a private session bus, the
   # MIME database, the desktop entry checker, gio to ask for a file's type
   tumbler dbus shared-mime-info desktop-file-utils libglib2.0-bin
+  # a real X display under a window manager, for the editor's placement
+  xvfb xauth openbox x11-utils x11-xserver-utils
 )
 
 missing=()
