@@ -36,23 +36,9 @@ inline constexpr char kModalWindowOf[] = "tamerisk-modal-window-of";
 // Called first by an editor's destructor: each of its modal windows leaves
 // it, so that the editor's widgets do not take the window along, and is
 // cancelled with its own questions (their loops end as a cancel ends them).
-inline void PutAwayModalWindows(QWidget* editor)
-{
-    for (QWidget* w : QApplication::topLevelWidgets()) {
-        if (w->property(kModalWindowOf).value<QObject*>() != editor)
-            continue;
-        for (QDialog* question : w->findChildren<QDialog*>()) {
-            if (question->isVisible())
-                question->reject();
-        }
-        if (auto* dialog = qobject_cast<QDialog*>(w))
-            dialog->reject();
-        else
-            w->close();
-        if (w->parent() == editor)
-            w->setParent(nullptr);
-    }
-}
+// A window's loop returns into the editor's code, which the host may unload
+// right after destroying the editor: the library then stays loaded for good.
+void PutAwayModalWindows(QWidget* editor);
 
 template <typename Window>
 class CModalWindow {

@@ -19,6 +19,7 @@
 #include <QApplication>
 #include <QMouseEvent>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QWidget>
 
 #include <tamerisk/tamerisk.h>
@@ -258,6 +259,35 @@ bool CloseWhileTheLargePreviewRenders()
     return Unload(host.library) && Check(!IsLoaded(), "the library is unloaded");
 }
 
+// The host closes the editor and unloads the library from inside one of the
+// editor's modal windows (a timer fires while the user picks a colour): the
+// window's loop ends and returns into the editor's code, still there.
+bool CloseAndUnloadInAModalWindow()
+{
+    RunningHost host;
+    if (!host.ready)
+        return false;
+    QWidget* swatch = nullptr;
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+        if (w->inherits("CDlgAttribute"))
+            swatch = w->findChild<QWidget*>(QStringLiteral("4002"));
+    }
+    if (!Check(swatch != nullptr, "the editor has its colour swatch"))
+        return false;
+    bool unloaded = false;
+    QTimer::singleShot(0, [&] {
+        host.library.api.Close();
+        unloaded = Unload(host.library);
+    });
+    const QPointF at = swatch->rect().center();
+    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+        QMouseEvent click(type, at, swatch->mapToGlobal(at), Qt::LeftButton,
+                          type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(swatch, &click);
+    }
+    return Check(unloaded, "the host unloaded the library in the colour picker's loop");
+}
+
 struct Scenario {
     const char* name;
     bool (*run)();
@@ -271,6 +301,7 @@ constexpr Scenario kScenarios[] = {
     {"no-application", NoApplication},
     {"another-thread", AnotherThread},
     {"close-while-the-large-preview-renders", CloseWhileTheLargePreviewRenders},
+    {"close-and-unload-in-a-modal-window", CloseAndUnloadInAModalWindow},
 };
 
 } // namespace
