@@ -180,7 +180,7 @@ void FillHighlightMap(ShadingPass& pass)
     pass.angles = normalAngles.Lend(layer.width, layer.height);
     // Rows in pairs mirrored about the middle: the second of a symmetric
     // shape's pair finds its normals' angles remembered.
-    ParallelRows(0, (stored.y1 - stored.y0) / 2 + 1, [&pass, &stored](std::int32_t i) {
+    ParallelRows(0, (stored.y1 - stored.y0 + 2) / 2, [&pass, &stored](std::int32_t i) {
         FillGroovedHighlightRow(pass, stored.y0 + i);
         if (stored.y1 - i > stored.y0 + i)
             FillGroovedHighlightRow(pass, stored.y1 - i);
