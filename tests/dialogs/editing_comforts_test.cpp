@@ -352,32 +352,6 @@ TEST_F(Renderer, StoppedRendersLeaveTheNextOneExact)
     }
 }
 
-// A draft is the picture at a reduced size shown enlarged, small enough to
-// follow a drag; small pictures are their own draft.
-TEST_F(Renderer, DraftsAreSmallAndShownAtTheFullSize)
-{
-    const std::pair<QSize, QSize> drafts[] = {{QSize(800, 600), QSize(400, 300)},
-                                              {QSize(512, 512), QSize(512, 512)},
-                                              {QSize(1, 600000), QSize(1, 200000)}};
-    for (const auto& [pixels, draft] : drafts)
-        EXPECT_EQ(CPreviewRenderer::DraftSize(pixels), draft) << pixels.width() << "x" << pixels.height();
-
-    CPreviewRequest request = Request(0.3f, QSize(800, 600));
-    request.draft = true;
-    renderer.Post(request);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !sequences.empty(); }, kFrameWait));
-    EXPECT_EQ(last.size(), QSize(800, 600));
-    // Each pixel of the draft's sample shows as a block of 2 x 2; the ground
-    // around it is the full picture's, cell for cell.
-    const QImage small = Rendered(request.material, 3, QSize(400, 300));
-    EXPECT_EQ(last.pixel(351, 241), small.pixel(175, 120));
-    EXPECT_EQ(last.pixel(400, 300), small.pixel(200, 150));
-    const QImage full = Rendered(request.material, 3, QSize(800, 600));
-    for (const QRect corner : {QRect(0, 0, 120, 120), QRect(680, 480, 120, 120)})
-        EXPECT_EQ(last.copy(corner), full.copy(corner));
-    EXPECT_NE(last, full);
-}
-
 // While a slider is held the large preview may show drafts; once the drag is
 // over it shows exactly the full picture of the last step, and no older
 // frame replaces it.

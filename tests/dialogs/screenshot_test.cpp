@@ -1,10 +1,5 @@
 // The dialogs as the guides show them, at the screen's own pixels. With
-// TAMERISK_SCREENSHOT_DIR set the pictures are written there; with
-// QT_SCALE_FACTOR=2, the material dialog at 200 %:
-//
-//   TAMERISK_SCREENSHOT_DIR=docs/images build/bin/test_dialogs --gtest_filter=Screenshot.*
-//   QT_SCALE_FACTOR=2 TAMERISK_SCREENSHOT_DIR=docs/images/2x build/bin/test_dialogs \
-//       --gtest_filter=Screenshot.MaterialDialog*
+// TAMERISK_SCREENSHOT_DIR set the picture is written there (see docs/testing.md).
 #include <QApplication>
 #include <QDir>
 #include <QProcess>
@@ -12,9 +7,6 @@
 
 #include <tamerisk/dlg_attribute.h>
 
-#include "dialogs/dlg_anisotropic.h"
-#include "dialogs/dlg_rainbow_highlight.h"
-#include "dialogs/dlg_transparency.h"
 #include "dialogs/templates.h"
 #include "engine/display/canvas.h"
 #include "engine/display/image_display.h"
@@ -74,36 +66,6 @@ TEST(Screenshot, MaterialDialogAtTheScreensPixels)
         ASSERT_TRUE(again.waitForFinished(60000));
         EXPECT_EQ(again.exitCode(), 0) << again.readAllStandardOutput().toStdString();
     }
-}
-
-TEST(Screenshot, ParameterDialogs)
-{
-    if (qEnvironmentVariableIsEmpty("TAMERISK_SCREENSHOT_DIR"))
-        GTEST_SKIP() << "TAMERISK_SCREENSHOT_DIR is not set";
-    FZAttributeEx gold;  // wavy concentric grooves off the middle
-    gold.color.SetBytes(200, 170, 90);
-    gold.highlightStrength = 0.9f;
-    gold.highlightSharpness = 0.6f;
-    gold.anisotropic = 1;
-    gold.anisotropy.type = 2;
-    gold.anisotropy.waveCount = 6;
-    gold.anisotropy.amplitude = 0.15f;
-    gold.anisotropy.center[0] = 0.4f;
-    gold.anisotropy.center[1] = 0.6f;
-    Save(OpenParameterDialog<CDlgAnisotropic>(gold)->grab().toImage(), "anisotropic-dialog.png");
-    FZAttributeEx rainbow;
-    rainbow.highlightSharpness = 0.3f;
-    rainbow.reflection = 0.5f;
-    rainbow.rainbow = 1;
-    rainbow.color.SetBytes(70, 70, 90);
-    Save(OpenParameterDialog<CDlgRainbowHighlight>(rainbow, 2)->grab().toImage(), "rainbow-gloss-dialog.png");
-    FZAttributeEx glass;
-    glass.transparency = 0.7f;
-    glass.refractiveIndex = 1.5f;
-    glass.incidenceDependence = 0.5f;
-    glass.attenuation = 0.25f;
-    glass.color.SetBytes(120, 190, 230);
-    Save(OpenParameterDialog<CDlgTransparency>(glass, 3)->grab().toImage(), "transparency-dialog.png");
 }
 
 } // namespace

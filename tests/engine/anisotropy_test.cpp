@@ -23,22 +23,6 @@ FZPackedVector FacetAt(const FZAnisotropy& p, float x, float y, const FZPackedVe
 
 } // namespace
 
-// The depth follows the noise, which repeats every 120 grooves: a groove's
-// middle has the facet of the one 120 and 240 grooves on, not that of the
-// next groove.
-TEST(Anisotropy, NoiseRepeatsEvery120Grooves)
-{
-    FZAnisotropy p;
-    p.depthVariation = 1.0f;
-    const FZPackedVector flat = Packed(0.0f, 0.0f, 1.0f);
-    const FZPackedVector first = FacetAt(p, 0.5f, 0.0f, flat);
-    for (float x : {120.5f, 240.5f}) {
-        const FZPackedVector again = FacetAt(p, x, 0.0f, flat);
-        EXPECT_TRUE(again.x == first.x && again.y == first.y && again.z == first.z) << x;
-    }
-    EXPECT_NE(FacetAt(p, 1.5f, 0.0f, flat).x, first.x);
-}
-
 TEST(Anisotropy, WildRecordsFinishWithDefinedFacets)
 {
     FZAnisotropy p;

@@ -15,7 +15,6 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <string>
 #include <vector>
@@ -231,21 +230,3 @@ TEST_F(FileReplaceTest, ABatchReplacesItsTargetsOnlyAtItsCommit)
     EXPECT_EQ(Entries(dir), 3u);
 }
 
-// A file another process holds open is written into, never replaced: the
-// holder reads the new bytes, and older longer content is cut off.
-TEST_F(FileReplaceTest, WritingInPlaceKeepsTheFileThatIsHeldOpen)
-{
-    ASSERT_TRUE(Replace(target, "a much longer old content"));
-    std::ifstream held(target, std::ios::binary);
-    const fs::perms mode = fs::status(target).permissions();
-    struct stat before;
-    ASSERT_EQ(::stat(target.c_str(), &before), 0);
-    ASSERT_TRUE(WriteFileInPlace(target.c_str(), "new", 3).Ok());
-    struct stat after;
-    ASSERT_EQ(::stat(target.c_str(), &after), 0);
-    EXPECT_EQ(after.st_ino, before.st_ino);
-    EXPECT_EQ(fs::status(target).permissions(), mode);
-    const std::string seen{std::istreambuf_iterator<char>(held), {}};
-    EXPECT_EQ(seen, "new");
-    EXPECT_EQ(Entries(dir), 1u);
-}
