@@ -28,7 +28,8 @@ TEST(DialogUnits, MulDivAndTheDialogFont)
     EXPECT_EQ(JapaneseFont("ＭＳ ゴシック", 0).pixelSize(), 1);
 }
 
-// Radio buttons stay exclusive, yet can all be cleared.
+// The slider bitmaps are 16 x 16; radio buttons stay exclusive, yet can all
+// be cleared.
 TEST(BuildDialog, BitmapsAndClearableRadioButtons)
 {
     QDialog dialog;

@@ -10,28 +10,6 @@
 #include "engine/support/shading_fixture.h"
 #include "wild_values.h"
 
-TEST(Lighting, EmptyAndUnpreparedLayersHaveNothingToShade)
-{
-    FZLightList lights;
-    AddLight(lights, 0.0f, 0.0f, -1.0f);
-    FZLayer empty;
-    EXPECT_EQ(ShadeLayer(empty, HeadOnView(), &lights), FZResult::Ok);
-    EXPECT_TRUE(empty.shaded.empty());
-
-    FZLayer layer;
-    MakeShadingLayer(layer, 3, 2);
-    ASSERT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
-    // Outside the layer there is nothing to read.
-    float colour[3] = {-1.0f, -1.0f, -1.0f}, t = -1.0f;
-    LookupShade(layer, 3, 0, colour, t);
-    EXPECT_EQ(t, 0.0f);
-    LookupShade(layer, -1, 0, colour, t);
-    EXPECT_EQ(colour[0], 0.0f);
-
-    layer.normals.Clear();
-    EXPECT_EQ(ShadeLayer(layer, HeadOnView(), &lights), FZResult::Ok);
-}
-
 namespace {
 
 // Every float of the record that the shading reads.

@@ -4,14 +4,12 @@
 // must land where FZPackedVector::Refract's direction leads.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
 #include <limits>
 #include <random>
-#include <vector>
 
 #include "engine/refraction_rows.h"
 
@@ -115,22 +113,3 @@ TEST(RefractionRows, SeeTheImageBehindBoxFiltered)
             EXPECT_NEAR(seen.rgb[c][k], cases[k].rgb[c], 1e-6) << "case " << k << " channel " << c;
 }
 
-// Between 2^23 and 2^24 the box's edges round outwards to whole numbers two
-// apart; the third column they meet has no width and must not count.
-TEST(RefractionRows, BoxRoundedOutwardsWeighsTwoColumns)
-{
-    const std::int32_t width = (1 << 23) + 4;
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(width) * 3, 100);
-    const FZBehindView view{bytes.data(), width, 1, width * 3, {0.0f, 0.0f, 0.0f}};
-    FZLandingPoints points;
-    points.sx[0] = (1 << 23) + 1;
-    points.sy[0] = 0.5f;
-    points.lands[0] = 1.0f;
-    FZSeenColours first;
-    SeenThroughPiece(view, points, 1, first);
-    std::fill_n(bytes.begin() + std::ptrdiff_t{3} * ((1 << 23) + 2), 3, std::uint8_t{255});
-    FZSeenColours second;
-    SeenThroughPiece(view, points, 1, second);
-    EXPECT_NEAR(first.rgb[0][0], 2 * 100 / 255.0, 1e-6);
-    EXPECT_EQ(second.rgb[0][0], first.rgb[0][0]);
-}

@@ -28,39 +28,7 @@ void MakeHeightField(FZLayer& layer, std::int32_t w, std::int32_t h, F f)
                                          << ", " << n.z << ")";
 }
 
-// The covered bounds and the depth range the preparation recorded.
-void ExpectPrepared(const FZLayer& layer, int x0, int y0, int x1, int y1, float depthMax)
-{
-    EXPECT_EQ(layer.boundsX0, x0);
-    EXPECT_EQ(layer.boundsY0, y0);
-    EXPECT_EQ(layer.boundsX1, x1);
-    EXPECT_EQ(layer.boundsY1, y1);
-    EXPECT_FLOAT_EQ(layer.depthMin, 0.0f);
-    EXPECT_FLOAT_EQ(layer.depthMax, depthMax);
-}
-
 }  // namespace
-
-TEST(Surface, EmptyLayerKeepsItsDepths)
-{
-    FZLayer layer;
-    ASSERT_EQ(layer.Create(0, 0, 4, 3, 0.0f, FZRowLayout::Rectangle(0, 0, 4, 3)), FZResult::Ok);
-    layer.depth[1][2] = 5.0f;
-    layer.depthMax = 9.0f;
-    FZRect bounds;
-    EXPECT_FALSE(CoverageBounds(layer, bounds));
-    ASSERT_EQ(PrepareSurface(layer), FZResult::Ok);
-    EXPECT_FLOAT_EQ(layer.depth[1][2], 5.0f);
-    ExpectPrepared(layer, 0, 0, 3, 2, 0.0f);
-    for (int y = 0; y < 3; ++y)
-        for (int x = 0; x < 4; ++x)
-            EXPECT_TRUE(NormalIs(layer, x, y, 0, 0, 0));
-
-    // A layer without rows at all.
-    FZLayer bare;
-    EXPECT_EQ(PrepareSurface(bare), FZResult::Ok);
-    EXPECT_FALSE(CoverageBounds(bare, bounds));
-}
 
 TEST(Surface, DepthRangeSkipsUncoveredPixelsAndRefusesRectanglesOutside)
 {
@@ -99,32 +67,6 @@ TEST(Surface, WildDepths)
     FZLayer all;
     MakeHeightField(all, 2, 2, [](int, int) { return std::nanf(""); });
     EXPECT_EQ(PrepareSurface(all), FZResult::Ok);
-}
-
-TEST(Surface, OfEqualDepthsTheFirstInRowOrderIsTheRange)
-{
-    // +0 and -0 are equal, so the range holds whichever comes first; the
-    // range is taken many columns at a time, yet the answer is the one a
-    // pixel-by-pixel scan gives.
-    FZLayer layer;
-    MakeHeightField(layer, 40, 3, [](int x, int y) {
-        if (y == 1 && x == 3)
-            return 0.0f;
-        if ((y == 1 && x == 16) || (y == 2 && x == 0))
-            return -0.0f;
-        return x % 2 == 0 ? 5.0f : 7.0f;
-    });
-    float lo = 1.0f, hi = 1.0f;
-    EXPECT_EQ(DepthRange(layer, FZRect(0, 0, 39, 2), lo, hi), FZResult::Ok);
-    EXPECT_EQ(lo, 0.0f);
-    EXPECT_FALSE(std::signbit(lo));
-    EXPECT_EQ(hi, 7.0f);
-    EXPECT_EQ(DepthRange(layer, FZRect(4, 0, 39, 2), lo, hi), FZResult::Ok);
-    EXPECT_TRUE(std::signbit(lo));
-
-    MakeHeightField(layer, 40, 1, [](int x, int) { return x == 2 ? 0.0f : (x == 17 ? -0.0f : -1.0f); });
-    EXPECT_EQ(DepthRange(layer, FZRect(0, 0, 39, 0), lo, hi), FZResult::Ok);
-    EXPECT_FALSE(std::signbit(hi));
 }
 
 TEST(Surface, LevelGroundIsLevelWhateverLiesBesideIt)

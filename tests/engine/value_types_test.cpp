@@ -1,6 +1,5 @@
 // The engine's small value types at their edges: byte colours from floats
-// out of range, rectangles clipped away, hostile floats packed, refraction
-// that cannot happen.
+// out of range, hostile floats packed, refraction that cannot happen.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -12,7 +11,6 @@
 namespace {
 
 std::array<int, 3> Bytes(const FZColor& c) { return {c.r, c.g, c.b}; }
-std::array<int, 4> Corners(const FZRect& r) { return {r.x0, r.y0, r.x1, r.y1}; }
 std::array<int, 3> Components(const FZPackedVector& v) { return {v.x, v.y, v.z}; }
 
 } // namespace
@@ -33,21 +31,6 @@ TEST(Color, FloatsTruncateToTheirLowEightBits)
         colour.SetFloats(c.r, c.g, c.b);
         EXPECT_EQ(Bytes(colour), c.bytes) << c.r << " " << c.g << " " << c.b;
     }
-}
-
-TEST(Rect, ClippingStopsAtAnEmptyXRange)
-{
-    FZRect r(-5, -5, 2, 2);
-    EXPECT_TRUE(r.ClipTo(0, 0, 9, 9));
-    EXPECT_EQ(Corners(r), (std::array{0, 0, 2, 2}));
-
-    FZRect right(12, -3, 15, 20);
-    EXPECT_FALSE(right.ClipTo(0, 0, 9, 9));
-    EXPECT_EQ(Corners(right), (std::array{12, -3, 9, 20}));  // y untouched once x is empty
-
-    FZRect above(2, 12, 4, 15);
-    EXPECT_FALSE(above.Intersect(FZRect(0, 0, 9, 9)));
-    EXPECT_EQ(Corners(above), (std::array{2, 12, 4, 9}));
 }
 
 TEST(PackedVector, HostileFloatsPackToDefinedValues)

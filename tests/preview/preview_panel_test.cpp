@@ -84,23 +84,6 @@ TEST(PreviewPanel, OnlyAnotherShapeNumberRebuilds)
     }
 }
 
-TEST(PreviewPanel, SettingUpWithAMaterialDrawsWhatApplyingItDraws)
-{
-    FZAttributeEx glass;
-    glass.color.SetBytes(40, 200, 90);
-    glass.transparency = 0.6f;
-    glass.refractiveIndex = 1.4f;
-    for (const int bind : {0, 1}) {
-        CPreviewPanel applied;
-        ASSERT_EQ(applied.SetUpFrame(37, 29, 4), FZResult::Ok);
-        ASSERT_EQ(applied.ApplyMaterial(glass, bind), FZResult::Ok);
-        CPreviewPanel direct;
-        ASSERT_EQ(direct.SetUpFrame(37, 29, 4, glass, bind), FZResult::Ok);
-        EXPECT_TRUE(FrameBytes(applied) == FrameBytes(direct)) << bind;
-        EXPECT_EQ(direct.ShapeNumber(), 4);
-    }
-}
-
 // A smoothing box wider than the frame covers all of it wherever a sample
 // lies, so an absurd width draws the frame-wide box's picture (and is held
 // to that box's work: these renders would not end otherwise).

@@ -28,18 +28,6 @@ TEST(ShapeRaster, WildParametersStayInsideTheLayer)
                     FlattenTop(layer, r);
                 }
 
-    // Outlines without extent hold no point, nor do rings without width.
-    float z = 0.0f;
-    FZRoundedDisc plate;
-    plate.Set(0.0f, 0.0f, 0.0f, nan, 1.0f);
-    EXPECT_FALSE(plate.HeightAt(0.0f, 0.0f, z));
-    FZDome dome;
-    dome.Set(0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f);
-    EXPECT_FALSE(dome.HeightAt(0.0f, 0.0f, z));
-    FZTorus ring;
-    ring.Set(0.0f, 0.0f, 1.0f, 2.0f, 2.0f, 3.0f);
-    EXPECT_FALSE(ring.HeightAt(2.0f, 0.0f, z));
-
     // A layer without rows is left alone.
     FZLayer bare;
     DrawSampleShape(bare, 1, 0.0f, 0.0f, 10.0f);
