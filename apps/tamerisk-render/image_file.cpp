@@ -46,7 +46,7 @@ constexpr std::uint8_t kRgbColourType = 2;
 
 bool Encodable(const FZImage& image)
 {
-    return image.bytesPerPixel == 3 && image.width > 0 && image.height > 0
+    return image.width > 0 && image.height > 0
            && image.data.size() >= static_cast<std::size_t>(image.stride) * static_cast<std::size_t>(image.height);
 }
 

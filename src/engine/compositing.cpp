@@ -71,14 +71,14 @@ bool SameVector(const FZPackedVector& a, const FZPackedVector& b)
     return a.x == b.x && a.y == b.y && a.z == b.z;
 }
 
-// The image behind as the refraction's samples read it; no pixels (every
-// view then sees the background) unless it is the usual 24-bit one.
+// The image behind as the refraction's samples read it; without pixels every
+// view sees the background.
 FZBehindView BehindView(const FZScene& scene)
 {
     FZBehindView view;
     const FZImage* image = scene.behind.get();
     CopyBackground(scene, view.background);
-    if (image == nullptr || image->data.empty() || image->bytesPerPixel != 3)
+    if (image == nullptr || image->data.empty())
         return view;
     view.data = image->data.data();
     view.width = image->width;

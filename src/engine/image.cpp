@@ -12,18 +12,17 @@ constexpr std::int64_t kMaxImageBytes = std::numeric_limits<std::int32_t>::max()
 
 } // namespace
 
-FZResult FZImage::Create(std::int32_t w, std::int32_t h, std::int32_t bpp)
+FZResult FZImage::Create(std::int32_t w, std::int32_t h)
 {
     Free();
-    if (w < 0 || h < 0 || bpp < 1 || bpp > 4)
+    if (w < 0 || h < 0)
         return FZResult::BadParameter;
-    const std::int64_t rowBytes = (std::int64_t{w} * bpp + 3) / 4 * 4;
+    const std::int64_t rowBytes = (std::int64_t{w} * kBytesPerPixel + 3) / 4 * 4;
     if (rowBytes > kMaxImageBytes || rowBytes * h > kMaxImageBytes)  // both below 2^31: no overflow
         return FZResult::OutOfMemory;
     data = FZZeroedArray<std::uint8_t>(static_cast<std::size_t>(rowBytes * h));
     width = w;
     height = h;
-    bytesPerPixel = bpp;
     stride = static_cast<std::int32_t>(rowBytes);
     return FZResult::Ok;
 }
@@ -31,5 +30,5 @@ FZResult FZImage::Create(std::int32_t w, std::int32_t h, std::int32_t bpp)
 void FZImage::Free()
 {
     data = {};
-    width = height = bytesPerPixel = stride = 0;
+    width = height = stride = 0;
 }

@@ -13,27 +13,27 @@
 
 class FZImage {
 public:
+    static constexpr std::int32_t kBytesPerPixel = 3;
     std::int32_t width = 0;
     std::int32_t height = 0;
-    std::int32_t bytesPerPixel = 0;
     std::int32_t stride = 0;
     FZZeroedArray<std::uint8_t> data;
 
     // Replaces the contents by a zeroed image. OutOfMemory when the pixels
-    // would exceed 2 GiB, BadParameter for a negative size or a bytesPerPixel
-    // outside 1 to 4; the image is then empty.
-    FZResult Create(std::int32_t w, std::int32_t h, std::int32_t bpp);
+    // would exceed 2 GiB, BadParameter for a negative size; the image is
+    // then empty.
+    FZResult Create(std::int32_t w, std::int32_t h);
     // Releases the pixels; every count back to 0.
     void Free();
 
-    // data + y * stride + x * bytesPerPixel; no bounds check, callers clip.
+    // data + y * stride + x * kBytesPerPixel; no bounds check, callers clip.
     std::uint8_t* PixelAddress(std::int32_t x, std::int32_t y)
     {
-        return data.data() + static_cast<std::ptrdiff_t>(y) * stride + static_cast<std::ptrdiff_t>(x) * bytesPerPixel;
+        return data.data() + static_cast<std::ptrdiff_t>(y) * stride + static_cast<std::ptrdiff_t>(x) * kBytesPerPixel;
     }
     const std::uint8_t* PixelAddress(std::int32_t x, std::int32_t y) const
     {
-        return data.data() + static_cast<std::ptrdiff_t>(y) * stride + static_cast<std::ptrdiff_t>(x) * bytesPerPixel;
+        return data.data() + static_cast<std::ptrdiff_t>(y) * stride + static_cast<std::ptrdiff_t>(x) * kBytesPerPixel;
     }
 };
 

@@ -31,7 +31,7 @@ FZResult EnsureFrameSizedImage(const FZScene& scene, std::unique_ptr<FZImage>& i
         return FZResult::Ok;
     if (image == nullptr)
         image = std::make_unique<FZImage>();
-    const FZResult result = image->Create(scene.width, scene.height, 3);
+    const FZResult result = image->Create(scene.width, scene.height);
     if (result != FZResult::Ok)
         image.reset();
     return result;

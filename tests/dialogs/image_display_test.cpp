@@ -13,7 +13,7 @@ TEST(Display, FramesAreShownUpright)
     FZScene scene;
     scene.frame = std::make_unique<FZImage>();
     FZImage& image = *scene.frame;
-    ASSERT_EQ(image.Create(5, 3, 3), FZResult::Ok);  // stride 16, padded
+    ASSERT_EQ(image.Create(5, 3), FZResult::Ok);  // stride 16, padded
     image.PixelAddress(0, 0)[2] = 255;
     image.PixelAddress(4, 2)[0] = 255;
     std::uint8_t* p = image.PixelAddress(2, 1);

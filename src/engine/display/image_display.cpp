@@ -13,8 +13,7 @@ namespace {
 
 bool HoldsRgbRows(const FZImage& image)
 {
-    return !image.data.empty() && image.width > 0 && image.height > 0 && image.bytesPerPixel == 3
-           && image.stride >= std::int64_t{image.width} * 3
+    return !image.data.empty() && image.width > 0 && image.height > 0 && image.stride >= std::int64_t{image.width} * 3
            && static_cast<std::int64_t>(image.data.size()) >= std::int64_t{image.stride} * image.height;
 }
 
