@@ -13,21 +13,6 @@ using namespace fz_shapes;
 
 namespace {
 
-// HeightAt through the row kernel, so that one point and a whole row take
-// the same arithmetic.
-template <typename Shape>
-bool HeightOfOneSample(const Shape& shape, float x, float y, float& z)
-{
-    double term = 0.0;
-    shape.ColumnTerms(&x, 1, &term);
-    float inside = 0.0f;
-    float height = 0.0f;
-    shape.HeightRow(y, &term, 1, FZSampleRow{&inside, &height});
-    if (inside != 0.0f)
-        z = height;
-    return inside != 0.0f;
-}
-
 // The squared distances of the points xs[k] from the column cx, in double.
 TAMERISK_ROW_KERNEL void SquaredOffsets(const float* xs, std::int32_t n, float cx, double* squares)
 {
@@ -57,11 +42,6 @@ void FZRoundedDisc::Set(float centerX, float centerY, float baseHeight, float ou
     radius = outerRadius;
     rimRadius = rim;
     box.Around(cx, cy, radius, radius);
-}
-
-bool FZRoundedDisc::HeightAt(float x, float y, float& z) const
-{
-    return HeightOfOneSample(*this, x, y, z);
 }
 
 void FZRoundedDisc::ColumnTerms(const float* xs, std::int32_t n, double* terms) const
@@ -122,11 +102,6 @@ void FZDome::Set(float centerX, float centerY, float semiA, float semiB, float b
     height = domeHeight;
 }
 
-bool FZDome::HeightAt(float x, float y, float& z) const
-{
-    return HeightOfOneSample(*this, x, y, z);
-}
-
 // The column terms are the squares of u = (x - cx) / a rounded to float, or
 // infinity for points left or right of the bounding box, which no row then
 // takes as inside.
@@ -181,11 +156,6 @@ void FZTorus::Set(float centerX, float centerY, float baseHeight, float outer, f
     innerRadius = inner;
     heightScale = scale;
     box.Around(cx, cy, outerRadius, outerRadius);
-}
-
-bool FZTorus::HeightAt(float x, float y, float& z) const
-{
-    return HeightOfOneSample(*this, x, y, z);
 }
 
 void FZTorus::ColumnTerms(const float* xs, std::int32_t n, double* terms) const

@@ -4,8 +4,9 @@
 // through the top).
 //
 // Every outline offers Set (its parameters in the order of its fields; also
-// computes the bounding box), Bounds and HeightAt (frame coordinates; false
-// outside the outline), and for drawing ColumnTerms, HeightRow and Reach.
+// computes the bounding box), Bounds, and for drawing ColumnTerms, HeightRow
+// (heights in frame coordinates, and whether a point is inside the outline)
+// and Reach.
 // Parameters that are NaN give an outline that contains no point.
 #ifndef TAMERISK_PREVIEW_SHAPES_H
 #define TAMERISK_PREVIEW_SHAPES_H
@@ -74,11 +75,10 @@ struct FZRoundedDisc {
 
     void Set(float centerX, float centerY, float baseHeight, float outerRadius, float rim);
     void Bounds(float& bx0, float& by0, float& bx1, float& by1) const { box.Get(bx0, by0, bx1, by1); }
-    bool HeightAt(float x, float y, float& z) const;
-    // What HeightAt computes from x alone, for the points xs[0] to
+    // What the height takes from x alone, for the points xs[0] to
     // xs[n - 1]: the same for every row.
     void ColumnTerms(const float* xs, std::int32_t n, double* terms) const;
-    // HeightAt for the n points of row y whose column terms are given.
+    // The heights of the n points of row y whose column terms are given.
     void HeightRow(float y, const double* terms, std::int32_t n, FZSampleRow out) const;
     FZRowReach Reach(float y) const;
 };
@@ -95,11 +95,10 @@ struct FZDome {
 
     void Set(float centerX, float centerY, float semiA, float semiB, float baseHeight, float domeHeight);
     void Bounds(float& bx0, float& by0, float& bx1, float& by1) const { box.Get(bx0, by0, bx1, by1); }
-    bool HeightAt(float x, float y, float& z) const;
-    // What HeightAt computes from x alone, for the points xs[0] to
+    // What the height takes from x alone, for the points xs[0] to
     // xs[n - 1]: the same for every row.
     void ColumnTerms(const float* xs, std::int32_t n, double* terms) const;
-    // HeightAt for the n points of row y whose column terms are given.
+    // The heights of the n points of row y whose column terms are given.
     void HeightRow(float y, const double* terms, std::int32_t n, FZSampleRow out) const;
     FZRowReach Reach(float y) const;
 };
@@ -117,11 +116,10 @@ struct FZTorus {
 
     void Set(float centerX, float centerY, float baseHeight, float outer, float inner, float scale);
     void Bounds(float& bx0, float& by0, float& bx1, float& by1) const { box.Get(bx0, by0, bx1, by1); }
-    bool HeightAt(float x, float y, float& z) const;
-    // What HeightAt computes from x alone, for the points xs[0] to
+    // What the height takes from x alone, for the points xs[0] to
     // xs[n - 1]: the same for every row.
     void ColumnTerms(const float* xs, std::int32_t n, double* terms) const;
-    // HeightAt for the n points of row y whose column terms are given.
+    // The heights of the n points of row y whose column terms are given.
     void HeightRow(float y, const double* terms, std::int32_t n, FZSampleRow out) const;
     FZRowReach Reach(float y) const;
 };

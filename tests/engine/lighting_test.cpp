@@ -52,7 +52,7 @@ void ShadeAndLookUp(FZLayer& layer, const FZLightList& lights, const char* what)
             if (layer.coverage[y][x] == 0)
                 continue;
             float colour[3], t;
-            LookupShade(layer, x, y, colour, t);
+            LookupShade(layer, x, y, colour, t, AttenuationFactor(layer));
             ASSERT_TRUE(t >= 0.0f && t <= 1.0f) << what;
             for (float c : colour)
                 ASSERT_TRUE(c >= 0.0f && c <= 1.0f) << what;

@@ -33,9 +33,9 @@ float Factor(const FZAttributeEx& m, float range)
 
 // Thick parts pass less: the fraction a is absorbed through the full depth
 // range, and the absorbed light comes back as the surface's own colour.
-// factor: the share kept per unit of depth when already known, else null.
+// factor: the share kept per unit of depth (AttenuationFactor).
 float ApplyAttenuation(float t, const FZLayer& layer, std::int32_t x, std::int32_t y, float colour[3],
-                       const float* factor)
+                       float factor)
 {
     const FZAttributeEx& m = layer.material;
     if (!(t > 0.0f) || !(m.attenuation > 0.0f) || layer.depth.empty())
@@ -44,8 +44,7 @@ float ApplyAttenuation(float t, const FZLayer& layer, std::int32_t x, std::int32
     const float h = static_cast<float>(static_cast<double>(layer.depth[y][x]) - layer.depthMin);
     if (!(range > 0.0f) || !(h > 0.0f))
         return t;
-    const float f = factor != nullptr ? *factor : Factor(m, range);
-    const float kept = static_cast<float>(std::pow(static_cast<double>(f), static_cast<double>(h)) * t);
+    const float kept = static_cast<float>(std::pow(static_cast<double>(factor), static_cast<double>(h)) * t);
     const std::uint8_t surface[3] = {m.color.r, m.color.g, m.color.b};
     const double absorbed = FZMax(0.0, static_cast<double>(t) - kept);
     for (int c = 0; c < 3; ++c) {
@@ -56,7 +55,7 @@ float ApplyAttenuation(float t, const FZLayer& layer, std::int32_t x, std::int32
     return kept;
 }
 
-void Lookup(const FZLayer& layer, int x, int y, float colour[3], float& t, const float* factor)
+void Lookup(const FZLayer& layer, int x, int y, float colour[3], float& t, float factor)
 {
     colour[0] = colour[1] = colour[2] = 0.0f;
     t = 0.0f;
@@ -77,11 +76,6 @@ void Lookup(const FZLayer& layer, int x, int y, float colour[3], float& t, const
 
 } // namespace
 
-void LookupShade(const FZLayer& layer, int x, int y, float colour[3], float& t)
-{
-    Lookup(layer, x, y, colour, t, nullptr);
-}
-
 float AttenuationFactor(const FZLayer& layer)
 {
     const float range = static_cast<float>(static_cast<double>(layer.depthMax) - layer.depthMin);
@@ -90,5 +84,5 @@ float AttenuationFactor(const FZLayer& layer)
 
 void LookupShade(const FZLayer& layer, int x, int y, float colour[3], float& t, float attenuationFactor)
 {
-    Lookup(layer, x, y, colour, t, &attenuationFactor);
+    Lookup(layer, x, y, colour, t, attenuationFactor);
 }

@@ -4,13 +4,11 @@
 
 #include "engine/scene.h"
 
-// colour: three floats in [0, 1]; t: transmission in [0, 1].
-void LookupShade(const FZLayer& layer, int x, int y, float colour[3], float& t);
-
-// The share of the light the layer's material keeps per unit of depth, as
-// LookupShade works it out at every pixel it attenuates; for passes over
-// many pixels of one layer, which hand it to the overload below.
+// The share of the light the layer's material keeps per unit of depth,
+// worked out once for a pass over the layer's pixels.
 float AttenuationFactor(const FZLayer& layer);
+
+// colour: three floats in [0, 1]; t: transmission in [0, 1].
 void LookupShade(const FZLayer& layer, int x, int y, float colour[3], float& t, float attenuationFactor);
 
 #endif
