@@ -19,23 +19,6 @@
 
 #include "fz_truncate.h"
 
-// Normalises (x, y, z) in place. The squared length is formed in single
-// precision; a length that is zero or not a number gives (0, 0, 1).
-inline void FZNormalizeFloats(float& x, float& y, float& z)
-{
-    const float sq = x * x + y * y + z * z;
-    if (sq > 0.0f) {
-        const float inv = static_cast<float>(1.0 / std::sqrt(static_cast<double>(sq)));
-        x = x * inv;
-        y = y * inv;
-        z = z * inv;
-    } else {
-        x = 0.0f;
-        y = 0.0f;
-        z = 1.0f;
-    }
-}
-
 // v rounded to float and held in a double. For floats a and b,
 // FZAsFloat(a op b) computed in double is exactly the float result of
 // + - * / and square roots: double has more than twice float's precision
@@ -43,6 +26,31 @@ inline void FZNormalizeFloats(float& x, float& y, float& z)
 inline double FZAsFloat(double v)
 {
     return static_cast<double>(static_cast<float>(v));
+}
+
+// (x, y, z) normalised, in single precision: the squared length is formed
+// in float, its inverse square root rounded to float. The floats are held
+// in doubles and written without branches, so that the renderer normalises
+// a row of vectors at once with this same code. A length that is zero or
+// not a number gives (0, 0, 1).
+inline void FZNormalizeHeld(double x, double y, double z, double unit[3])
+{
+    const double sq = FZAsFloat(FZAsFloat(FZAsFloat(x * x) + FZAsFloat(y * y)) + FZAsFloat(z * z));
+    const bool some = sq > 0.0;
+    const double inv = FZAsFloat(1.0 / std::sqrt(sq));
+    unit[0] = some ? FZAsFloat(x * inv) : 0.0;
+    unit[1] = some ? FZAsFloat(y * inv) : 0.0;
+    unit[2] = some ? FZAsFloat(z * inv) : 1.0;
+}
+
+// Normalises (x, y, z) in place; see FZNormalizeHeld.
+inline void FZNormalizeFloats(float& x, float& y, float& z)
+{
+    double unit[3];
+    FZNormalizeHeld(x, y, z, unit);
+    x = static_cast<float>(unit[0]);
+    y = static_cast<float>(unit[1]);
+    z = static_cast<float>(unit[2]);
 }
 
 // Snell's law for a view that meets a surface at the given cosine (toward

@@ -60,7 +60,7 @@ TAMERISK_ROW_KERNEL void Refract(double eta, std::int32_t n, Lanes& lanes)
     }
 }
 
-// FZNormalizeFloats and the packing of SetFloats; the straight view stays
+// FZNormalizeHeld and the packing of SetFloats; the straight view stays
 // (0, 0, -1).
 TAMERISK_ROW_KERNEL void Normalise(std::int32_t n, Lanes& lanes)
 {
@@ -69,17 +69,11 @@ TAMERISK_ROW_KERNEL void Normalise(std::int32_t n, Lanes& lanes)
     double* rz = lanes.rz;
     const double* straight = lanes.straight;
     for (std::int32_t k = 0; k < n; ++k) {
-        const double x = rx[k];
-        const double y = ry[k];
-        const double z = rz[k];
-        const double sq = FZAsFloat(FZAsFloat(FZAsFloat(x * x) + FZAsFloat(y * y)) + FZAsFloat(z * z));
-        const double inv = FZAsFloat(1.0 / std::sqrt(sq));
-        const double nx = Repacked(sq > 0.0 ? FZAsFloat(x * inv) : 0.0);
-        const double ny = Repacked(sq > 0.0 ? FZAsFloat(y * inv) : 0.0);
-        const double nz = Repacked(sq > 0.0 ? FZAsFloat(z * inv) : 1.0);
-        rx[k] = straight[k] > 0.5 ? 0.0 : nx;
-        ry[k] = straight[k] > 0.5 ? 0.0 : ny;
-        rz[k] = straight[k] > 0.5 ? -1.0 : nz;
+        double unit[3];
+        FZNormalizeHeld(rx[k], ry[k], rz[k], unit);
+        rx[k] = straight[k] > 0.5 ? 0.0 : Repacked(unit[0]);
+        ry[k] = straight[k] > 0.5 ? 0.0 : Repacked(unit[1]);
+        rz[k] = straight[k] > 0.5 ? -1.0 : Repacked(unit[2]);
     }
 }
 

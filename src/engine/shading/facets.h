@@ -145,7 +145,7 @@ namespace fz_facets_detail {
 
 // The facets of the first n lanes. On a flat part the raw facets
 // (gx, gy, z) and (-gx, -gy, z), z = |g| / depth, are packed with
-// FZNormalizeFloats; elsewhere they are normalised as directions, turned
+// FZNormalizeHeld; elsewhere they are normalised as directions, turned
 // by the rotation onto the normal (none where it cannot turn) and packed
 // as they are.
 template <int W>
@@ -157,12 +157,8 @@ template <int W>
         const double gy = l.gy[k];
         const double z = FZAsFloat(std::sqrt(gx * gx + gy * gy) / l.depth[k]);
 
-        // FZNormalizeFloats: the squared length in float.
-        const double sq = FZAsFloat(FZAsFloat(FZAsFloat(gx * gx) + FZAsFloat(gy * gy)) + FZAsFloat(z * z));
-        const bool some = sq > 0.0;
-        const double inv = FZAsFloat(1.0 / std::sqrt(sq));
-        const double flat[3] = {some ? FZAsFloat(gx * inv) : 0.0, some ? FZAsFloat(gy * inv) : 0.0,
-                                some ? FZAsFloat(z * inv) : 1.0};
+        double flat[3];
+        FZNormalizeHeld(gx, gy, z, flat);
 
         double d[3];
         Unit(gx, gy, z, d);
