@@ -2,7 +2,6 @@
 // covered pixel, plain or from the facets of the grooves.
 #include <algorithm>
 #include <cstdlib>
-#include <memory>
 #include <new>
 #include <mutex>
 #include <vector>
@@ -142,8 +141,14 @@ private:
     // the last one alone when memory runs out.
     FZNormalAngle& Remembered(const FZPackedVector& n)
     {
-        static thread_local const std::unique_ptr<FZNormalAngle[]> angles(new (std::nothrow) FZNormalAngle[2048]);
-        if (angles == nullptr)
+        static thread_local std::vector<FZNormalAngle> angles = [] {
+            try {
+                return std::vector<FZNormalAngle>(2048);
+            } catch (const std::bad_alloc&) {
+                return std::vector<FZNormalAngle>();
+            }
+        }();
+        if (angles.empty())
             return last_;
         const std::uint32_t x = std::abs(n.x), y = std::abs(n.y);
         const std::uint32_t key = (x < y ? x * 65537u + y : y * 65537u + x) * 2654435761u ^ (n.z * 40503u);
